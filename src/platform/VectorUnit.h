@@ -1,0 +1,50 @@
+#ifndef QEL_PLATFORM_VECTORUNIT_H
+#define QEL_PLATFORM_VECTORUNIT_H
+
+/// @file
+/// Choice of the vector unit at run time.
+///
+/// One binary built for plain x86-64 runs its hot loops on the widest unit that the machine has.
+/// A loop is written once as an inline function, marked QEL_KERNEL, and compiled for each unit by
+/// a one-line function with that unit's attribute, which is never called on a machine without the
+/// unit:
+///
+///     QEL_KERNEL void steps(...) { ... }               // the loop
+///     void stepsPortable(...) { steps(...); }
+///     #if defined(QEL_VECTOR_UNITS)
+///     QEL_AVX2 void stepsAvx2(...) { steps(...); }
+///     QEL_AVX512 void stepsAvx512(...) { steps(...); }
+///     #endif
+///
+/// Lanes compute what the scalar loop computes, in the same order and without contraction, so the
+/// bits do not depend on the unit. Without the compiler's support the portable function remains.
+
+namespace qel {
+
+#if (defined(__GNUC__) || defined(__clang__)) && defined(__x86_64__)
+#define QEL_VECTOR_UNITS 1
+#define QEL_KERNEL __attribute__((always_inline)) inline
+#define QEL_AVX2 __attribute__((target("avx2,fma")))
+#define QEL_AVX512                                                                                 \
+    __attribute__((target("avx2,fma,avx512f,avx512dq,avx512bw,avx512vl,prefer-vector-width=512")))
+#else
+#define QEL_KERNEL inline
+#endif
+
+enum class VectorUnit { portable = 0, avx2 = 1, avx512 = 2 };
+
+/// The widest unit of this machine, or the one that forceVectorUnit has set.
+VectorUnit vectorUnit();
+
+/// True if this machine (and this build) can run the unit.
+bool hasVectorUnit(VectorUnit unit);
+
+/// For tests and benchmarks: makes vectorUnit() answer this, which the machine must have.
+void forceVectorUnit(VectorUnit unit);
+
+/// Undoes forceVectorUnit.
+void restoreVectorUnit();
+
+} // namespace qel
+
+#endif

@@ -1,0 +1,34 @@
+#include <qel/QELStream.h>
+
+#include <qel/QELException.h>
+
+namespace qel {
+namespace {
+
+constexpr int kWriteMode = 2;
+
+} // namespace
+
+QELStream::QELStream(const std::string& path, int mode, bool untranslated) : path_(path) {
+    if (mode != kWriteMode) {
+        throw data::invalid("QELStream", "constructor",
+                            "Unknown mode " + std::to_string(mode) + " for file " + path_,
+                            argumentError);
+    }
+    const std::ios::openmode text = std::ios::out | std::ios::trunc;
+    open(path_, untranslated ? text | std::ios::binary : text);
+    if (!is_open()) {
+        throw data::invalid("QELStream", "constructor", "Cannot open file " + path_, argumentError);
+    }
+}
+
+QELStream::~QELStream() = default;
+
+void QELStream::close() {
+    std::ofstream::close();
+    if (fail()) {
+        throw data::invalid("QELStream", "close", "Cannot write file " + path_, argumentError);
+    }
+}
+
+} // namespace qel
