@@ -5,6 +5,7 @@
 #include <exception>
 #include <string>
 #include <type_traits>
+#include <typeinfo>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +20,15 @@ constexpr bool kCatches = std::is_base_of<Base, Derived>::value;
 template <typename T>
 class QELException : public ::testing::Test {};
 using Thrown = ::testing::Types<qel::data::invalid, qel::data::error, qel::internal::error>;
-TYPED_TEST_SUITE(QELException, Thrown);
+
+struct NameOfThrown {
+    template <typename T>
+    static std::string GetName(int i) {
+        const char* const names[] = {"DataInvalid", "DataError", "InternalError"};
+        return names[i];
+    }
+};
+TYPED_TEST_SUITE(QELException, Thrown, NameOfThrown);
 
 TYPED_TEST(QELException, CarriesClassMethodMessageAndKind) {
     const TypeParam error("ParametricCurve", "getCurve", "Curve is empty", argumentError);
