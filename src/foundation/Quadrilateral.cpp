@@ -14,8 +14,8 @@ constexpr double kSingularSpacings = 100.0;
 struct Axis {
     double f1, f2, f3, f4;
 
-    double low() const { return std::min(std::min(f1, f2), std::min(f3, f4)); }
-    double high() const { return std::max(std::max(f1, f2), std::max(f3, f4)); }
+    double low() const { return std::min(std::min(std::min(f1, f2), f3), f4); }
+    double high() const { return std::max(std::max(std::max(f1, f2), f3), f4); }
     double extent() const { return high() - low(); }
 
     bool isBeyond(double p, double margin) const {
