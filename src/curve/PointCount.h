@@ -36,8 +36,8 @@ inline void checkInsertedCount(int count, const char* methodName) {
 /// @throws internal::error  for more points than an int can number
 inline void checkTotal(std::size_t total, const char* methodName) {
     if (total > kMaxPoints) {
-        SystemMsg message("Requested number of points too large. Size=%1");
-        throw internal::error("ParametricCurve", methodName, message % total, argumentError);
+        SystemMsg message("Requested number of points exceeds %1.");
+        throw internal::error("ParametricCurve", methodName, message % kMaxPoints, argumentError);
     }
 }
 

@@ -347,7 +347,7 @@ TEST(Sampling, MinimumSRefusesAnAbsurdNumberOfPoints) {
             withSvalues(p, {0.0, 4e9}).getCurveWithMinimumS(points, s, 2);
         },
         throwsInternal("ParametricCurve", "getCurveWithMinimumS",
-                       "Requested number of points too large. Size=2147483650"));
+                       "Requested number of points exceeds 2147483647."));
 }
 
 TEST(Sampling, MinimumSInsertsNothingIntoANaNStep) {
