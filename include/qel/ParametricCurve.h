@@ -494,9 +494,11 @@ private:
     friend class ParametricCurveTestAccess; // lets tests reach the private steps
 
     // -- Model ----
+    template <typename T>
+    void setComponent(double Point::*component, const std::vector<T>& values);
+    void setComponent(double Point::*component, const std::vector<double>& values,
+                      const std::vector<double>& svalues);
     void setParametrization(parametrization value);
-    void zeroInsignificantComponents();
-    void calculateArcValue();
     void exchange(std::vector<Point>& points, std::vector<double>& svalues) noexcept;
     void exchangeAndCalculateArcValue(std::vector<Point>& points);
 
