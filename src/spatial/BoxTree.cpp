@@ -14,6 +14,9 @@ namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
+// What a node of 16 blocks holds on average: splits in the middle fill blocks to two thirds.
+constexpr std::size_t kPointsOfLowNode = 128;
+
 struct Run {
     std::size_t begin, end;
     bool isOnePlace; // all points at the same place: a block of any size
@@ -73,8 +76,19 @@ private:
         node.child[lane] = child;
     }
 
-    // Splits the longest run until there are 16 or all are blocks.
+    // The most points that a child of a node over `count` points should hold: the least of 16,
+    // 128, 2048, ... that lets 16 of them do. Nodes just above the points are thereby well filled.
+    static std::size_t childSize(std::size_t count) {
+        std::size_t size = kLanes;
+        for (std::size_t node = kPointsOfLowNode; node < count; node *= kLanes) {
+            size = node;
+        }
+        return size;
+    }
+
+    // Splits the longest run until none is too long or there are 16.
     int splitIntoRuns(const Run& whole, Run* runs) {
+        const std::size_t longEnough = childSize(whole.count());
         int count = 0;
         if (whole.count() > 0) {
             runs[count++] = whole;
@@ -84,7 +98,7 @@ private:
                 std::max_element(runs, runs + count, [](const Run& a, const Run& b) {
                     return (a.isBlock() ? 0 : a.count()) < (b.isBlock() ? 0 : b.count());
                 });
-            if (longest->isBlock()) {
+            if (longest->isBlock() || longest->count() <= longEnough) {
                 break;
             }
             const std::size_t middle = split(*longest);
