@@ -91,28 +91,28 @@ QEL_KERNEL void open(Frame& frame, const BoxNode& node, float qx, float qy) {
 
 struct Best {
     std::int32_t distance; // bits; points beyond it lose
-    std::uint32_t position;
-    bool isFound;
+    int lane;
+    const PointBlock* block; // null if none yet
 };
 
 // Points at the same distance: apart, as few queries come here.
-void settleTie(const NearestIndex& index, std::uint32_t position, const std::int32_t* distances,
-               std::int32_t nearest, float qx, float qy, Best& best) {
-    for (std::uint32_t i = 0; i < kLanes; ++i) {
-        if (distances[i] == nearest && index.isFirst(position + i, best.position, qx, qy)) {
-            best.position = position + i;
+void settleTie(const NearestIndex& index, const PointBlock& block, const std::int32_t* distances,
+               float qx, float qy, Best& best) {
+    for (int i = 0; i < kLanes; ++i) {
+        if (distances[i] == best.distance &&
+            index.isFirst(block, i, *best.block, best.lane, qx, qy)) {
+            best.block = &block;
+            best.lane = i;
         }
     }
 }
 
-// Measures the 16 points from `position` on.
-QEL_KERNEL void scanBlock(const NearestIndex& index, std::uint32_t position, float qx, float qy,
+QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, float qx, float qy,
                           Best& best) {
-    const float* const points = index.coordinates() + std::size_t{2} * position;
     alignas(64) std::int32_t distances[kLanes];
     for (int i = 0; i < kLanes; ++i) {
-        const float dx = qx - points[2 * i];
-        const float dy = qy - points[2 * i + 1];
+        const float dx = qx - block.x[i];
+        const float dy = qy - block.y[i];
         distances[i] = bitsOf(dx * dx + dy * dy);
     }
     const std::int32_t nearest = least(distances);
@@ -125,13 +125,16 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, std::uint32_t position, flo
         fromFront[i] = distances[i] == nearest ? i : kDone;
         fromBack[i] = distances[i] == nearest ? -i : kDone;
     }
-    const auto first = static_cast<std::uint32_t>(least(fromFront));
-    const auto last = static_cast<std::uint32_t>(-least(fromBack));
-    if (nearest < best.distance || !best.isFound) {
-        best = {nearest, position + first, true};
+    const std::int32_t first = least(fromFront);
+    bool isTie = first != -least(fromBack);
+    if (nearest < best.distance || best.block == nullptr) {
+        prefetch(block.index);
+        best = {nearest, first, &block};
+    } else {
+        isTie = true;
     }
-    if (first != last || position + first != best.position) {
-        settleTie(index, position, distances, nearest, qx, qy, best);
+    if (isTie) {
+        settleTie(index, block, distances, qx, qy, best);
     }
 }
 
@@ -139,8 +142,9 @@ QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
     Frame frames[NearestIndex::kMaxHeight];
     int depth = 0;
     // A winner is nearer than the largest float.
-    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, false};
-    open(frames[0], index.nodes()[0], qx, qy);
+    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
+    const BoxTree& tree = index.tree();
+    open(frames[0], tree.node(0), qx, qy);
     while (depth >= 0) {
         Frame& frame = frames[depth];
         const std::int32_t next = least(frame.keys);
@@ -151,11 +155,12 @@ QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
         const std::int32_t lane = next & kLaneBits;
         frame.keys[lane] = kDone;
         const std::uint32_t child = frame.node->child[lane];
-        if ((child & NearestIndex::kBlock) != 0) {
-            scanBlock(index, child - NearestIndex::kBlock, qx, qy, best);
+        if ((child & BoxNode::kBlock) != 0) {
+            scanBlock(index, tree.block(child - BoxNode::kBlock), qx, qy, best);
         } else {
-            prefetch(index.nodes()[child].child);
-            open(frames[++depth], index.nodes()[child], qx, qy);
+            const BoxNode& node = tree.node(child);
+            prefetch(node.child);
+            open(frames[++depth], node, qx, qy);
         }
     }
     return best;
@@ -190,7 +195,10 @@ Best searchOnThisMachine(const NearestIndex& index, float qx, float qy) {
 
 NearestHit searchNearest(const NearestIndex& index, float qx, float qy) {
     const Best best = searchOnThisMachine(index, qx, qy);
-    return {best.position, floatOf(best.distance), best.isFound};
+    if (best.block == nullptr) {
+        return {};
+    }
+    return {best.block->index[best.lane], floatOf(best.distance), true};
 }
 
 } // namespace qel
