@@ -199,8 +199,9 @@ bool isFinite(const PlanePoint& p) {
 
 // They are at no finite distance of anything.
 void dropNonFinitePoints(LeafOrder& order) {
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < order.points.size(); ++i) {
+    const auto firstBad = std::find_if_not(order.points.begin(), order.points.end(), isFinite);
+    auto kept = static_cast<std::size_t>(firstBad - order.points.begin());
+    for (std::size_t i = kept; i < order.points.size(); ++i) {
         if (isFinite(order.points[i])) {
             order.points[kept] = order.points[i];
             order.cells[kept] = order.cells[i];
