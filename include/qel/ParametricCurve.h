@@ -10,11 +10,10 @@
 #include <vector>
 
 #include <qel/Export.h>
+#include <qel/LineSegment2D.h>
 #include <qel/TripletBase.h>
 
 namespace qel {
-
-class LineSegment2D;
 
 /// A polyline in space with a parameter s along it.
 ///

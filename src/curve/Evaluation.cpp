@@ -88,6 +88,9 @@ Point ParametricCurve::interpolateOnS(double s, std::size_t& lo, std::size_t& hi
 }
 
 Point ParametricCurve::getPointAtParameter(double s) const {
+    if (s > svalues_.back()) {
+        s = svalues_.back(); // where all s-values are equal, the first point answers
+    }
     if (!(s > svalues_.front())) {
         return points_.front();
     }
