@@ -503,6 +503,7 @@ private:
 
     // -- Evaluation and projection ----
     Point interpolateOnS(double s, std::size_t& lo, std::size_t& hi) const;
+    Point projectBesideVertex(std::size_t nearest, const Point& q, double& s) const;
     Point projectToEdge(int i, int j, double d2i, double d2j, double& s) const;
     void calculateDistanceFromTwoPoints(int i, int j, double& distance, int& index,
                                         bool& done) const;

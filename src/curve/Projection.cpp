@@ -59,7 +59,11 @@ Point ParametricCurve::projectPoint(const Point& q, double& s) const {
         s = 0.0;
         return points_[0];
     }
-    const std::size_t nearest = nearestVertex(points_, q);
+    return projectBesideVertex(nearestVertex(points_, q), q, s);
+}
+
+// Foot of a probe on the edges that meet at its nearest vertex.
+Point ParametricCurve::projectBesideVertex(std::size_t nearest, const Point& q, double& s) const {
     const auto d2 = [&](std::size_t i) { return squaredDistance(points_[i], q); };
     const auto footTowards = [&](std::size_t neighbour, double& sFoot) {
         return projectToEdge(static_cast<int>(nearest), static_cast<int>(neighbour), d2(nearest),
