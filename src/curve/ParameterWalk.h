@@ -32,6 +32,9 @@ public:
 
     /// What ParametricCurve::getPointAtParameter(s) returns.
     Point at(double s) {
+        if (s > last_) {
+            s = last_; // where all s-values are equal, the first point answers
+        }
         if (!(s > first_)) {
             return points_.front();
         }

@@ -4,7 +4,6 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "CurveState.h"
 #include "PlainCurve.h"
 #include "curve/Rotation.h"
 #include "platform/VectorUnit.h"
@@ -64,7 +63,7 @@ TEST(AxialConversion, APointOnTheAxisTurnsNothing) {
 }
 
 TEST(AxialConversion, RefusesADirectionOfNoLength) {
-    const CurveState before(through(kSquare));
+    const CurveState before = stateOf(through(kSquare));
     ParametricCurve curve = through(kSquare);
     const FloatPoint none(0, 0, 0);
     const auto refused = throwsInvalid("ParametricCurve", "setAxis",
@@ -78,7 +77,7 @@ TEST(AxialConversion, RefusesADirectionOfNoLength) {
     EXPECT_THAT([&] { curve.convertToART(kOrigin, none, out); }, refused);
     EXPECT_THAT([&] { curve.convertToART(kOrigin, none, narrow, 1, 0.0); }, refused);
     EXPECT_THAT([&] { curve.convertToART(kOrigin, none); }, refused);
-    expectState(curve, before); // nothing stored, the axis included
+    EXPECT_EQ(stateOf(curve), before); // nothing stored, the axis included
     // Squares that vanish in single precision leave no length either.
     EXPECT_THAT([&] { curve.convertToART0(kOrigin, FloatPoint(1e-30f, 0, 0), out); },
                 throwsInvalid("ParametricCurve", "setAxis",
@@ -89,7 +88,7 @@ TEST(AxialConversion, RefusesADirectionOfNoLength) {
 // Under the name of the extrapolation, and before anything else.
 TEST(AxialConversion, RefusesAReferenceThatIsNoPoint) {
     ParametricCurve curve = through(kSquare);
-    const CurveState before(curve);
+    const CurveState before = stateOf(curve);
     for (const int id : {5, -1, std::numeric_limits<int>::min()}) {
         const auto refused =
             throwsInternal("ParametricCurve", "expandCurve",
@@ -101,7 +100,7 @@ TEST(AxialConversion, RefusesAReferenceThatIsNoPoint) {
         EXPECT_THAT([&] { curve.convertToART(kOrigin, kAlongZ, id, 0.0); }, refused);
         EXPECT_EQ(out.size(), 1u);
         EXPECT_EQ(narrow.size(), 1u);
-        expectState(curve, before);
+        EXPECT_EQ(stateOf(curve), before);
     }
 }
 
@@ -167,7 +166,7 @@ TEST(AxialConversion, IsThatOfThePlainStatement) {
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
-        const CurveState before(curve);
+        const CurveState before = stateOf(curve);
         const Points& p = before.points;
         const FloatPoint point = make.index(3) == 0 ? kOrigin : randomFloats(make, 2.0);
         const FloatPoint direction = make.index(3) == 0 ? kAlongZ : randomFloats(make, 5.0);
@@ -199,33 +198,33 @@ TEST(AxialConversion, IsThatOfThePlainStatement) {
         curve.convertToART0(point, direction, out);
         EXPECT_TRUE(sameBitsInAll(out, art0));
         curve.convertToART0(point, direction, narrow);
-        EXPECT_TRUE(sameBitsInAll(narrow, floats(art0)));
+        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(art0)));
         curve.convertToART(point, direction, out, refId, theta0);
         EXPECT_TRUE(sameBitsInAll(out, art));
         curve.convertToART(point, direction, narrow, refId, theta0);
-        EXPECT_TRUE(sameBitsInAll(narrow, floats(art)));
+        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(art)));
         curve.convertToART(point, direction, out);
         EXPECT_TRUE(sameBitsInAll(out, withAngles(0, 0.0)));
         curve.convertToART(point, direction, narrow);
-        EXPECT_TRUE(sameBitsInAll(narrow, floats(withAngles(0, 0.0))));
+        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(withAngles(0, 0.0))));
 
         // In place: with the angle s, length and parametrization stay, without it they are
         // computed.
-        CurveState expected(before);
+        CurveState expected = before;
         expected.axisPoint = axis.point;
         expected.axisDirection = axis.direction;
         expected.points = art;
         ParametricCurve withAngle(curve);
         withAngle.convertToART(point, direction, refId, theta0);
-        expectState(withAngle, expected);
+        EXPECT_EQ(stateOf(withAngle), expected);
         expected.points = withAngles(0, 0.0);
         ParametricCurve fromFirst(curve);
         fromFirst.convertToART(point, direction);
-        expectState(fromFirst, expected);
-        expected.recompute(art0);
+        EXPECT_EQ(stateOf(fromFirst), expected);
+        recompute(expected, art0);
         expected.parametrization = ParametricCurve::parametrizationComputed;
         curve.convertToART0(point, direction);
-        expectState(curve, expected);
+        EXPECT_EQ(stateOf(curve), expected);
     }
 }
 
@@ -275,7 +274,7 @@ TEST(AxialConversion, RotationIsThatOfThePlainStatementOnEveryVectorUnit) {
         for (int round = 0; round < 2000 && !HasFailure(); ++round) {
             SCOPED_TRACE(round);
             ParametricCurve curve = make.curve();
-            CurveState expected(curve);
+            CurveState expected = stateOf(curve);
             const Point centre(make.uniform(-2, 2), make.uniform(-2, 2), make.uniform(-2, 2));
             Point axis(make.uniform(-2, 2), make.uniform(-2, 2), make.uniform(-2, 2));
             if (make.index(10) == 0) {
@@ -284,7 +283,7 @@ TEST(AxialConversion, RotationIsThatOfThePlainStatementOnEveryVectorUnit) {
             const double angle = make.uniform(-7, 7);
             expected.points = plainRotated(expected.points, centre, axis, angle);
             curve.rotateAroundVector(centre, axis, angle);
-            expectState(curve, expected);
+            EXPECT_EQ(stateOf(curve), expected);
         }
         qel::restoreVectorUnit();
     }
@@ -302,10 +301,10 @@ TEST(AxialConversion, RotationAboutAZeroAxisScales) {
 TEST(AxialConversion, StoringSMovesXToYAndKeepsZ) {
     ParametricCurve curve(FloatPoints{{3, 4, 5}, {6, 7, 8}}, Values{0.25, 0.75},
                           ParametricCurve::dim3D);
-    CurveState expected(curve);
+    CurveState expected = stateOf(curve);
     expected.points = {{0.25, 3, 5}, {0.75, 6, 8}};
     curve.storeSvaluetoXandXToY();
-    expectState(curve, expected);
+    EXPECT_EQ(stateOf(curve), expected);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "CurveState.h"
 #include "PlainCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
@@ -91,7 +90,7 @@ void expectInsignificant(const ParametricCurve& curve, Operation operation) {
     EXPECT_THAT([&] { operation(refused); },
                 throwsInternal("ParametricCurve", "expandCurve",
                                "Curve definition insignificant for extrapolation."));
-    expectState(refused, CurveState(curve));
+    EXPECT_EQ(stateOf(refused), stateOf(curve));
 }
 
 // Refused exactly when the length is zero, under one method name for all four.
@@ -148,7 +147,7 @@ TEST(Extrapolation, IsThatOfThePlainStatement) {
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
-        const CurveState before(curve);
+        const CurveState before = stateOf(curve);
         const double fraction = make.uniform(-0.5, 1.5);
         Point begin;
         Point end;
@@ -159,14 +158,14 @@ TEST(Extrapolation, IsThatOfThePlainStatement) {
         }
         const auto expectMoved = [&](void (ParametricCurve::*expand)(double), bool atBegin,
                                      bool atEnd) {
-            CurveState expected(before);
+            CurveState expected = before;
             expected.points.front() = atBegin ? begin : before.points.front();
             expected.points.back() = atEnd ? end : before.points.back();
-            expected.recompute(Points(expected.points));
+            recompute(expected, Points(expected.points));
             expected.parametrization = ParametricCurve::parametrizationComputed;
             ParametricCurve moved(curve);
             (moved.*expand)(fraction);
-            expectState(moved, expected);
+            EXPECT_EQ(stateOf(moved), expected);
         };
         expectMoved(&ParametricCurve::expandCurveBegin, true, false);
         expectMoved(&ParametricCurve::expandCurveEnd, false, true);
@@ -179,13 +178,13 @@ TEST(Extrapolation, IsThatOfThePlainStatement) {
             p.z = before.dimension == ParametricCurve::dim3D ? p.z : 0.0;
             p.y = before.dimension == ParametricCurve::dim1D ? 0.0 : p.y;
         }
-        CurveState expected(before);
-        expected.recompute(extended);
+        CurveState expected = before;
+        recompute(expected, extended);
         expected.parametrization = ParametricCurve::parametrizationComputed;
         expected.createdAsDouble = true;
         ParametricCurve extra(curve);
         extra.expandCurveBothEndsExtraPoints(fraction);
-        expectState(extra, expected);
+        EXPECT_EQ(stateOf(extra), expected);
     }
     EXPECT_GT(refusals, 0);
 }

@@ -14,12 +14,10 @@
 #include <qel/NumericalUtils.h>
 #include <qel/ParametricCurve.h>
 
+#include "support/Curves.h"
+
 namespace qel_test {
 
-using Point = qel::TripletBase<double>;
-using FloatPoint = qel::TripletBase<float>;
-using Points = std::vector<Point>;
-using FloatPoints = std::vector<FloatPoint>;
 using Values = std::vector<double>;
 using qel::ParametricCurve;
 
@@ -48,6 +46,7 @@ inline bool plainEqual(const Values& s, std::size_t lo, std::size_t hi) {
 }
 
 inline Point plainAt(const Points& p, const Values& s, double at) {
+    at = at > s.back() ? s.back() : at;
     if (!(at > s.front())) {
         return p.front();
     }
@@ -108,118 +107,67 @@ inline double plainArcValues(const Points& p, Values& s) {
     return length;
 }
 
-inline FloatPoints floats(const Points& points) {
-    FloatPoints narrow;
-    for (const Point& p : points) {
-        narrow.emplace_back(static_cast<float>(p.x), static_cast<float>(p.y),
-                            static_cast<float>(p.z));
-    }
-    return narrow;
+// A state with these points and the s and length computed from them.
+inline void recompute(CurveState& state, const Points& points) {
+    state.points = points;
+    state.length = plainArcValues(state.points, state.svalues);
 }
 
 // -- Curves of every kind ----
 
-class CurveMaker {
+// The kinds of RandomCurves and the closed, coincident and straight ones, with s-values computed
+// or supplied, from doubles or floats, of every dimension.
+class CurveMaker : public RandomCurves {
 public:
-    explicit CurveMaker(unsigned seed) : random_(seed) {}
+    using RandomCurves::RandomCurves;
 
-    std::size_t index(std::size_t count) { return random_() % count; }
+    std::size_t index(std::size_t size) { return count(0, size - 1); }
 
-    double uniform(double from, double to) {
-        return std::uniform_real_distribution<double>(from, to)(random_);
+    Points points() {
+        const std::size_t n = index(4) == 0 ? 60 : 10;
+        switch (index(10)) {
+        case 0: { // a loop
+            Points loop = RandomCurves::points(n);
+            loop.back() = loop.front();
+            return loop;
+        }
+        case 1:
+            return Points(count(2, n), Point(0.25, -3.0, 1e-3));
+        case 2: {
+            Points straight;
+            for (std::size_t i = count(2, n); i > 0; --i) {
+                straight.emplace_back(static_cast<double>(i / 2), 2.0 * static_cast<double>(i),
+                                      0.0);
+            }
+            return straight;
+        }
+        default:
+            return RandomCurves::points(n);
+        }
     }
 
-    // A random walk, an integer grid (with repeats and exact ties), coincident points, a closed
-    // loop, or a straight run, at one scale from 1e-12 to 1e12; sometimes with marker, NaN or
-    // infinite components when wild.
-    Points points(bool wild = true) {
-        const std::size_t n = 2 + index(index(4) == 0 ? 60 : 9);
-        Points made = shape(n);
-        const double scale = index(3) == 0 ? std::pow(10.0, uniform(-12.0, 12.0)) : 1.0;
-        for (Point& p : made) {
-            p *= scale;
-        }
-        if (wild && index(12) == 0) {
-            const double odd[] = {kMarker, kNaN, kInfinity, -kInfinity, 1e300, -0.0};
-            made[index(n)].getRef(static_cast<int>(index(3))) = odd[index(6)];
-        }
-        return made;
-    }
-
-    // Values that never decrease, often repeated, seldom starting at 0 or ending at 1.
+    // Values that never decrease, as svalues(n) has them or at another scale.
     Values rising(std::size_t n) {
-        Values s(n);
-        s[0] = index(2) == 0 ? 0.0 : uniform(-2.0, 2.0);
-        const double scale = index(4) == 0 ? std::pow(10.0, uniform(-9.0, 9.0)) : 0.2;
-        const bool steps = index(2) == 0;
-        for (std::size_t i = 1; i < n; ++i) {
-            const double step = index(4) == 0 ? 0.0 : uniform(0.0, 1.0);
-            s[i] = s[i - 1] + scale * (steps ? std::floor(3.0 * step) : step);
+        Values s = svalues(n);
+        const double scale = index(4) == 0 ? std::pow(10.0, uniform(-9.0, 9.0)) : 1.0;
+        for (double& value : s) {
+            value *= scale;
         }
         return s;
     }
 
-    ParametricCurve curve(bool wild = true) {
-        const Points made = points(wild);
+    ParametricCurve curve() {
+        const Points made = points();
         const auto dimension = static_cast<ParametricCurve::dim>(index(3));
         const bool single = index(4) == 0;
         if (index(3) != 0) {
-            return single ? ParametricCurve(floats(made), dimension)
+            return single ? ParametricCurve(narrowed(made), dimension)
                           : ParametricCurve(made, dimension);
         }
         const Values s = rising(made.size());
-        return single ? ParametricCurve(floats(made), s, dimension)
+        return single ? ParametricCurve(narrowed(made), s, dimension)
                       : ParametricCurve(made, s, dimension);
     }
-
-    // A parameter inside, outside, or exactly at a stored s-value (as it is or rounded to float).
-    double parameter(const Values& s) {
-        switch (index(8)) {
-        case 0:
-            return s[index(s.size())];
-        case 1:
-            return static_cast<double>(static_cast<float>(s[index(s.size())]));
-        case 2:
-            return s.front() - uniform(0.0, 1.0);
-        case 3:
-            return s.back() + uniform(0.0, 1.0);
-        case 4:
-            return std::nextafter(s[index(s.size())], uniform(-1.0, 1.0) < 0.0 ? -9.9 : 9.9);
-        default:
-            return s.front() + (s.back() - s.front()) * uniform(0.0, 1.0);
-        }
-    }
-
-private:
-    Points shape(std::size_t n) {
-        Points made(n);
-        const std::size_t kind = index(6);
-        for (std::size_t i = 0; i < n; ++i) {
-            const double t = static_cast<double>(i) / static_cast<double>(n - 1);
-            switch (kind) {
-            case 0: // random walk
-            case 1:
-                made[i] = Point(uniform(-1.0, 1.0), uniform(-1.0, 1.0), uniform(-1.0, 1.0));
-                made[i] += i > 0 ? made[i - 1] : Point();
-                break;
-            case 2: // integer grid
-                made[i] = Point(std::floor(uniform(0.0, 3.0)), std::floor(uniform(0.0, 2.0)),
-                                std::floor(uniform(0.0, 2.0)));
-                break;
-            case 3: // coincident
-                made[i] = Point(0.25, -3.0, 1e-3);
-                break;
-            case 4: // closed loop
-                made[i] = i + 1 < n ? Point(std::cos(6.0 * t), std::sin(6.0 * t), t) : made[0];
-                break;
-            default: // straight
-                made[i] = Point(std::floor(8.0 * t), 2.0 * t, 0.0);
-            }
-        }
-        return made;
-    }
-
-    std::mt19937 random_;
 };
 
 } // namespace qel_test

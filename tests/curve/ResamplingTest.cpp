@@ -6,7 +6,6 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "CurveState.h"
 #include "PlainCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
@@ -29,9 +28,9 @@ double allowance() {
 // Calls the operation, expects the error and the curve as it was.
 template <typename Operation, typename Refusal>
 void expectRefusedUnchanged(ParametricCurve curve, Operation operation, Refusal refusal) {
-    const CurveState before(curve);
+    const CurveState before = stateOf(curve);
     EXPECT_THAT([&] { operation(curve); }, refusal);
-    expectState(curve, before);
+    EXPECT_EQ(stateOf(curve), before);
 }
 
 // -- By step of s ----
@@ -74,11 +73,11 @@ TEST(Resampling, SdistanceAcceptsItsBoundsAndRefusesBeyond) {
 TEST(Resampling, SdistanceKeepsParametrizationAndLength) {
     ParametricCurve supplied(FloatPoints{{0, 0, 0}, {3, 0, 0}, {3, 4, 0}}, Values{0.0, 0.5, 1.0},
                              ParametricCurve::dim2D);
-    CurveState expected(supplied);
+    CurveState expected = stateOf(supplied);
     expected.points = {{0, 0, 0}, {1.5, 0, 0}, {3, 0, 0}, {3, 2, 0}, {3, 4, 0}};
     expected.svalues = {0.0, 0.25, 0.5, 0.75, 1.0};
     supplied.tesselateCurvebySdistance(0.25);
-    expectState(supplied, expected);
+    EXPECT_EQ(stateOf(supplied), expected);
     EXPECT_EQ(supplied.getParametrization(), ParametricCurve::parametrizationSupplied);
     EXPECT_EQ(supplied.getLength(), 0.0); // never computed
     EXPECT_FALSE(supplied.isCurveCreatedAsDouble());
@@ -89,7 +88,7 @@ TEST(Resampling, SdistanceIsThatOfThePlainStatement) {
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
-        CurveState expected(curve);
+        CurveState expected = stateOf(curve);
         const Points p = expected.points;
         const Values s = expected.svalues;
         const double maxStep = make.index(3) == 0 ? 1.0 / static_cast<double>(1 + make.index(9))
@@ -114,7 +113,7 @@ TEST(Resampling, SdistanceIsThatOfThePlainStatement) {
             expected.svalues.push_back(s[i]);
         }
         curve.tesselateCurvebySdistance(maxStep);
-        expectState(curve, expected);
+        EXPECT_EQ(stateOf(curve), expected);
     }
 }
 
@@ -122,9 +121,9 @@ TEST(Resampling, SdistanceRefusesAnAbsurdNumberOfPoints) {
     const Points p{{0, 0, 0}, {1, 0, 0}};
     for (const double far : {1e12, 1e300, kInfinity}) {
         ParametricCurve curve = withSvalues(p, {0.0, far});
-        const CurveState before(curve);
+        const CurveState before = stateOf(curve);
         EXPECT_THROW(curve.tesselateCurvebySdistance(0.0001), qel::internal::error);
-        expectState(curve, before);
+        EXPECT_EQ(stateOf(curve), before);
     }
     expectRefusedUnchanged(
         withSvalues(p, {0.0, 4294967296.0}),
@@ -152,10 +151,10 @@ TEST(Resampling, NumberIsCapped) {
 TEST(Resampling, NumberComputesSAndLength) {
     ParametricCurve curve(FloatPoints{{0, 0, 0}, {3, 0, 0}, {3, 1, 0}}, Values{0.0, 0.5, 1.0},
                           ParametricCurve::dim2D);
-    CurveState expected(curve);
-    expected.recompute({{0, 0, 0}, {1.5, 0, 0}, {3, 0, 0}, {3, 0.5, 0}, {3, 1, 0}});
+    CurveState expected = stateOf(curve);
+    recompute(expected, {{0, 0, 0}, {1.5, 0, 0}, {3, 0, 0}, {3, 0.5, 0}, {3, 1, 0}});
     curve.tesselateCurvebyNumber(1, 0.1);
-    expectState(curve, expected);
+    EXPECT_EQ(stateOf(curve), expected);
     EXPECT_EQ(curve.getLength(), 4.0);
     EXPECT_EQ(curve.getSvalues()[1], 0.375);
     EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
@@ -196,15 +195,15 @@ TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
         const Values s = curve.getSvalues();
         const int most = static_cast<int>(make.index(9));
         const double step = std::pow(10.0, make.uniform(-3.0, 1.0));
-        CurveState expected(curve);
-        expected.recompute(plainRefined(p, [&](std::size_t i) {
-            double m = std::trunc((s[i] - s[i - 1] + allowance()) / step - 1.0);
-            m = m <= 0.0 ? 0.0 : m;
-            return m >= most ? most : m;
-        }));
+        CurveState expected = stateOf(curve);
+        recompute(expected, plainRefined(p, [&](std::size_t i) {
+                      double m = std::trunc((s[i] - s[i - 1] + allowance()) / step - 1.0);
+                      m = m <= 0.0 ? 0.0 : m;
+                      return m >= most ? most : m;
+                  }));
         ParametricCurve byNumber(curve);
         byNumber.tesselateCurvebyNumber(most, step);
-        expectState(byNumber, expected);
+        EXPECT_EQ(stateOf(byNumber), expected);
 
         double tallest = 0.0;
         for (const Point& q : p) {
@@ -214,13 +213,14 @@ TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
         if (!std::isfinite(tallest)) {
             continue;
         }
-        expected = CurveState(curve);
-        expected.recompute(plainRefined(p, [&](std::size_t i) {
-            const double m = std::trunc(std::abs(p[i].y - p[i - 1].y + DBL_MIN) / rise) - 1.0;
-            return m > 0.0 ? m : 0.0;
-        }));
+        expected = stateOf(curve);
+        recompute(expected, plainRefined(p, [&](std::size_t i) {
+                      const double m =
+                          std::trunc(std::abs(p[i].y - p[i - 1].y + DBL_MIN) / rise) - 1.0;
+                      return m > 0.0 ? m : 0.0;
+                  }));
         curve.tesselateCurvebyMinYdistance(rise);
-        expectState(curve, expected);
+        EXPECT_EQ(stateOf(curve), expected);
     }
 }
 
@@ -274,7 +274,7 @@ TEST(Resampling, MinYdistanceRefusesAnAbsurdNumberOfPoints) {
         const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, y, 0}}, {0.0, 1.0});
         ParametricCurve refused(curve);
         EXPECT_THROW(refused.tesselateCurvebyMinYdistance(1e-3), qel::internal::error);
-        expectState(refused, CurveState(curve));
+        EXPECT_EQ(stateOf(refused), stateOf(curve));
     }
     ParametricCurve nan = withSvalues({{0, 0, 0}, {1, kNaN, 0}}, {0.0, 1.0});
     nan.tesselateCurvebyMinYdistance(1e-3);
@@ -297,7 +297,7 @@ TEST(Resampling, OnePointByCosineIsTheMiddle) {
 }
 
 CurveState plainCosine(const ParametricCurve& curve, int count) {
-    CurveState state(curve);
+    CurveState state = stateOf(curve);
     const Points p = state.points;
     const Values s = state.svalues;
     state.points = {p[0]};
@@ -327,7 +327,7 @@ TEST(Resampling, CosineIsThatOfThePlainStatement) {
         const int count = static_cast<int>(make.index(7));
         const CurveState expected = plainCosine(curve, count);
         curve.tesselateXCurvebyCosine(count);
-        expectState(curve, expected);
+        EXPECT_EQ(stateOf(curve), expected);
     }
 }
 
@@ -351,7 +351,7 @@ TEST(Resampling, CosineRefusesNegativeAndAbsurdCounts) {
     ParametricCurve refused(curve);
     EXPECT_THROW(refused.tesselateXCurvebyCosine(INT_MAX, Spreads{{0.1, 0.1}}),
                  qel::internal::error);
-    expectState(refused, CurveState(curve));
+    EXPECT_EQ(stateOf(refused), stateOf(curve));
 }
 
 TEST(Resampling, SpreadsMustLeaveSomethingBetweenThem) {
@@ -404,7 +404,7 @@ TEST(Resampling, CosineWithSpreadsIsThatOfThePlainStatement) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
         const int count = static_cast<int>(make.index(7));
-        CurveState expected(curve);
+        CurveState expected = stateOf(curve);
         const Points p = expected.points;
         const Values s = expected.svalues;
         Spreads spreads;
@@ -430,7 +430,7 @@ TEST(Resampling, CosineWithSpreadsIsThatOfThePlainStatement) {
             expected.svalues.push_back(s[i]);
         }
         curve.tesselateXCurvebyCosine(count, spreads);
-        expectState(curve, expected);
+        EXPECT_EQ(stateOf(curve), expected);
     }
 }
 

@@ -160,7 +160,7 @@ TEST(Sampling, EquidistantIsThatOfThePlainStatement) {
         curve.getCurveForEquidistantS(points, count);
         curve.getCurveForEquidistantS(narrow, count);
         EXPECT_TRUE(sameBitsInAll(points, expected));
-        EXPECT_TRUE(sameBitsInAll(narrow, floats(expected)));
+        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(expected)));
     }
 }
 
@@ -207,7 +207,7 @@ TEST(Sampling, BySvaluesIsThatOfThePlainStatement) {
             curve.getCurveBySvalues(narrow, at, keepEnds);
             curve.getCurveXBySvalues(xs, at, keepEnds);
             EXPECT_TRUE(sameBitsInAll(points, expected));
-            EXPECT_TRUE(sameBitsInAll(narrow, floats(expected)));
+            EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(expected)));
             EXPECT_TRUE(sameBitsInAll(xs, expectedX));
             std::unique_ptr<ParametricCurve> made(curve.createNewCurveBySvalues(at, keepEnds));
             const ParametricCurve direct(expected, curve.getDimension());
@@ -318,14 +318,14 @@ TEST(Sampling, MinimumSIsThatOfThePlainStatement) {
         FloatPoints narrow;
         Values narrowS;
         curve.getCurveWithMinimumS(narrow, narrowS, count);
-        EXPECT_TRUE(sameBitsInAll(narrow, floats(expected)));
+        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(expected)));
         EXPECT_TRUE(sameBitsInAll(narrowS, expectedS));
         points.clear();
         narrow.clear();
         curve.getCurveWithMinimumS(points, count);
         curve.getCurveWithMinimumS(narrow, count);
         EXPECT_TRUE(sameBitsInAll(points, expected));
-        EXPECT_TRUE(sameBitsInAll(narrow, floats(expected)));
+        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(expected)));
     }
 }
 
