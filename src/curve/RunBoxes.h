@@ -28,7 +28,7 @@ class RunBoxes {
 public:
     /// Keeps a reference to the points. O(n).
     ///
-    /// @param points  at least one
+    /// @param points  at least kRun
     explicit RunBoxes(const Points& points);
 
     /// The vertex that nearestVertex(points, q) finds. A good guess, such as the answer for a
