@@ -1,0 +1,54 @@
+# What is installed: the libraries and their headers, a CMake package and a pkg-config module.
+# Nothing in it names the place of installation, so that the folder may be moved.
+
+include(CMakePackageConfigHelpers)
+
+set(qel_libraries QELDataHandling QELSystem QELError QELException)
+set(qel_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QELDataHandling)
+
+# -- Libraries and headers ----
+
+# The libraries find each other in their common folder.
+if(APPLE)
+    set_target_properties(${qel_libraries} PROPERTIES INSTALL_RPATH "@loader_path")
+elseif(UNIX)
+    set_target_properties(${qel_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
+endif()
+
+install(TARGETS ${qel_libraries} EXPORT QELDataHandlingTargets)
+install(
+    DIRECTORY include/ support/QELException/include/ support/QELError/include/
+              support/QELSystem/include/
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    FILES_MATCHING
+    PATTERN "*.h")
+
+# -- CMake package ----
+
+install(
+    EXPORT QELDataHandlingTargets
+    NAMESPACE QEL::
+    DESTINATION ${qel_package_dir})
+configure_package_config_file(
+    cmake/QELDataHandlingConfig.cmake.in ${PROJECT_BINARY_DIR}/QELDataHandlingConfig.cmake
+    INSTALL_DESTINATION ${qel_package_dir})
+# Before 1.0 a minor version may break callers.
+write_basic_package_version_file(
+    ${PROJECT_BINARY_DIR}/QELDataHandlingConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/QELDataHandlingConfig.cmake
+              ${PROJECT_BINARY_DIR}/QELDataHandlingConfigVersion.cmake
+        DESTINATION ${qel_package_dir})
+
+# -- pkg-config module ----
+
+# The same flags that the CMake target hands on.
+set(qel_pc_cflags "-D_GLIBCXX_ASSERTIONS -ffp-contract=off")
+if(NOT BUILD_SHARED_LIBS)
+    string(APPEND qel_pc_cflags " -DQEL_STATIC")
+endif()
+# The way from the module's folder back to the prefix.
+file(RELATIVE_PATH qel_pc_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" qel_pc_to_prefix "${qel_pc_to_prefix}")
+configure_file(cmake/QELDataHandling.pc.in ${PROJECT_BINARY_DIR}/QELDataHandling.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/QELDataHandling.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

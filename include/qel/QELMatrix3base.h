@@ -21,19 +21,20 @@ public:
     /// @throws data::invalid  if the row is not 0, 1 or 2
     T* operator[](int row) {
         checkRow(row);
-        return values_[row];
+        return values_ + 3 * row;
     }
     const T* operator[](int row) const {
         checkRow(row);
-        return values_[row];
+        return values_ + 3 * row;
     }
 
     /// Expansion along the first row, in T.
     constexpr T determinant() const {
-        const auto& m = values_;
-        return m[0][0] * (m[1][1] * m[2][2] - m[1][2] * m[2][1]) -
-               m[0][1] * (m[1][0] * m[2][2] - m[1][2] * m[2][0]) +
-               m[0][2] * (m[1][0] * m[2][1] - m[1][1] * m[2][0]);
+        const T* const a = values_;
+        const T* const b = values_ + 3;
+        const T* const c = values_ + 6;
+        return a[0] * (b[1] * c[2] - b[2] * c[1]) - a[1] * (b[0] * c[2] - b[2] * c[0]) +
+               a[2] * (b[0] * c[1] - b[1] * c[0]);
     }
 
 private:
@@ -45,7 +46,7 @@ private:
         }
     }
 
-    T values_[3][3] = {};
+    T values_[9] = {};
 };
 
 } // namespace qel

@@ -1,0 +1,54 @@
+#ifndef QEL_CURVE_BRACKET_H
+#define QEL_CURVE_BRACKET_H
+
+/// @file
+/// The stored points around an s, and the point between them.
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include <qel/NumericalUtils.h>
+
+#include "curve/Conversions.h"
+
+namespace qel {
+
+constexpr double kEqualSvalues = 100.0; // spacings of the greater one
+
+inline bool countAsEqual(double sLo, double sHi) {
+    return kEqualSvalues * NumericalUtils::spacing(sHi) > sHi - sLo;
+}
+
+/// hi is the first index whose s-value is greater than s; lo is the first index whose s-value
+/// equals s if there is one, else the last whose s-value is less.
+struct Bracket {
+    std::size_t lo;
+    std::size_t hi;
+};
+
+/// The bracket of an s strictly between the first and the last s-value. Both indices are valid
+/// also where NaN stands among the s-values. O(log n).
+inline Bracket bracketOf(const std::vector<double>& svalues, double s) {
+    const auto first = svalues.begin();
+    const auto hi = std::upper_bound(first, svalues.end(), s);
+    auto lo = std::lower_bound(first, svalues.end(), s);
+    if (lo == hi) {
+        --lo;
+    }
+    return {static_cast<std::size_t>(lo - first), static_cast<std::size_t>(hi - first)};
+}
+
+/// Point at s between two points with their s-values: weighted by where s lies, or the middle
+/// where the s-values count as equal.
+inline Point pointBetween(const Point& pLo, const Point& pHi, double sLo, double sHi, double s) {
+    if (countAsEqual(sLo, sHi)) {
+        return (pLo + pHi) * 0.5;
+    }
+    const double t = (s - sLo) / (sHi - sLo);
+    return pLo + (pHi - pLo) * t;
+}
+
+} // namespace qel
+
+#endif

@@ -1,0 +1,532 @@
+// Construction, validation and the state that every setter leaves, also when it fails.
+
+#include <qel/ParametricCurve.h>
+
+#include <cfloat>
+#include <cmath>
+#include <limits>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <qel/NumericalUtils.h>
+
+#include "support/Bits.h"
+#include "support/Curves.h"
+#include "support/Errors.h"
+
+namespace {
+
+using namespace qel_test;
+using qel::ParametricCurve;
+using testing::ElementsAre;
+
+const Points kBend = {{0, 0, 0}, {3, 4, 0}, {3, 4, 12}}; // length 17
+
+auto refusedPoints(const std::string& message) {
+    return throwsInternal("ParametricCurve", "Constructor", message);
+}
+auto refusedSetting(const std::string& message) {
+    return throwsInternal("ParametricCurve", "setPoints", message);
+}
+
+constexpr auto kUnknownDimension = static_cast<ParametricCurve::dim>(7);
+constexpr auto kUnknownNormalization = static_cast<ParametricCurve::normalization>(5);
+constexpr double kLargestFloat = 3.4028234663852886e38;
+
+// A curve whose every field differs from the default's.
+ParametricCurve unusualCurve() {
+    ParametricCurve curve(kBend, ParametricCurve::dim3D);
+    curve.setPoints(FloatPoints{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {8, 8, 8}},
+                    std::vector<double>{0.25, 0.5, 0.5, 3.0}, ParametricCurve::dim2D);
+    return curve;
+}
+
+// -- Enumerations ----
+
+TEST(Model, EnumerationsHaveTheirBindingValues) {
+    EXPECT_EQ(ParametricCurve::dim1D, 0);
+    EXPECT_EQ(ParametricCurve::dim2D, 1);
+    EXPECT_EQ(ParametricCurve::dim3D, 2);
+    EXPECT_EQ(ParametricCurve::normalizeX, 0);
+    EXPECT_EQ(ParametricCurve::normalizeY, 1);
+    EXPECT_EQ(ParametricCurve::normalizeZ, 2);
+    EXPECT_EQ(ParametricCurve::normalizeArc, 3);
+    EXPECT_EQ(ParametricCurve::normalizeUniform, 4);
+    EXPECT_EQ(ParametricCurve::parametrizationComputed, 0);
+    EXPECT_EQ(ParametricCurve::parametrizationSupplied, 1);
+    EXPECT_EQ(ParametricCurve::singlePrecision, 0);
+    EXPECT_EQ(ParametricCurve::doublePrecision, 1);
+    EXPECT_EQ(sizeof(ParametricCurve::dim), 4u);
+    EXPECT_EQ(sizeof(ParametricCurve::parametrization), 4u);
+}
+
+// -- Constructors ----
+
+TEST(Model, DefaultIsTheDiagonalOfTheUnitCube) {
+    const CurveState expected{{{0, 0, 0}, {1, 1, 1}}, {0.0, 1.0}, 2,  0,
+                              std::sqrt(3.0),         true,       {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(ParametricCurve()), expected);
+}
+
+TEST(Model, FromDoublePoints) {
+    const CurveState expected{kBend, {0.0, 5.0 / 17.0, 1.0}, 2, 0, 17.0, true, {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(ParametricCurve(kBend, ParametricCurve::dim3D)), expected);
+}
+
+TEST(Model, FromFloatPoints) {
+    const CurveState expected{kBend, {0.0, 5.0 / 17.0, 1.0}, 2, 0, 17.0, false, {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(ParametricCurve(narrowed(kBend), ParametricCurve::dim3D)), expected);
+}
+
+TEST(Model, FromFloatPointsAndANormalization) {
+    const ParametricCurve curve(narrowed(kBend), ParametricCurve::normalizeX,
+                                ParametricCurve::dim2D);
+    const CurveState expected{
+        {{0, 0, 0}, {3, 4, 0}, {3, 4, 0}}, {0.0, 1.0, 1.0}, 1, 1, 0.0, false, {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(curve), expected);
+}
+
+TEST(Model, FromDoublePointsAndSvalues) {
+    const ParametricCurve curve(kBend, {2.0, 2.0, 9.0}, ParametricCurve::dim1D);
+    const CurveState expected{
+        {{0, 0, 0}, {3, 0, 0}, {3, 0, 0}}, {2.0, 2.0, 9.0}, 0, 1, 0.0, true, {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(curve), expected);
+}
+
+TEST(Model, FromFloatPointsAndSvalues) {
+    const ParametricCurve curve(narrowed(kBend), {2.0, 2.0, 9.0}, ParametricCurve::dim3D);
+    const CurveState expected{kBend, {2.0, 2.0, 9.0}, 2, 1, 0.0, false, {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(curve), expected);
+}
+
+TEST(Model, CopiesAndAssignmentsTakeEveryField) {
+    const ParametricCurve original = unusualCurve();
+    const ParametricCurve copy(original);
+    EXPECT_EQ(stateOf(copy), stateOf(original));
+    ParametricCurve assigned;
+    EXPECT_EQ(&(assigned = original), &assigned);
+    EXPECT_EQ(stateOf(assigned), stateOf(original));
+    const ParametricCurve& itself = assigned;
+    assigned = itself;
+    EXPECT_EQ(stateOf(assigned), stateOf(original));
+}
+
+TEST(Model, CopiesAreIndependent) {
+    ParametricCurve curve(kBend, ParametricCurve::dim3D);
+    const ParametricCurve copy(curve);
+    curve.setPointsX(std::vector<double>{5.0, 6.0});
+    EXPECT_EQ(copy.getCurve(), kBend);
+}
+
+// -- Computed s ----
+
+TEST(Model, SIsArcLengthOverLength) {
+    ParametricCurve curve;
+    curve.setPoints(kBend, ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 5.0 / 17.0, 1.0));
+    EXPECT_EQ(curve.getLength(), 17.0);
+}
+
+TEST(Model, ArcNormalizationGivesTheSameS) {
+    ParametricCurve curve;
+    curve.setPoints(kBend, ParametricCurve::normalizeArc, ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 5.0 / 17.0, 1.0));
+    EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
+}
+
+TEST(Model, ComponentNormalizationsFollowOneComponent) {
+    ParametricCurve curve;
+    curve.setPoints(kBend, ParametricCurve::normalizeX, ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 1.0, 1.0));
+    curve.setPoints(kBend, ParametricCurve::normalizeY, ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 1.0, 1.0));
+    curve.setPoints(kBend, ParametricCurve::normalizeZ, ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.0, 1.0));
+    EXPECT_EQ(curve.getCurve(), kBend);
+}
+
+// s is computed from the points as given, whatever the dimension drops afterwards.
+TEST(Model, NormalizationSeesComponentsThatTheDimensionDrops) {
+    ParametricCurve curve;
+    curve.setPoints(Points{{0, 0, 0}, {0, 0, 1}, {0, 0, 4}}, ParametricCurve::normalizeZ,
+                    ParametricCurve::dim1D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.25, 1.0));
+    EXPECT_EQ(curve.getLastPoint(), Point(0, 0, 0));
+}
+
+// Without a normalization, the stored points count.
+TEST(Model, ComputedSSeesOnlySignificantComponents) {
+    ParametricCurve curve;
+    curve.setPoints(Points{{0, 5, 9}, {1, 7, 3}, {4, 0, 0}}, ParametricCurve::dim1D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.25, 1.0));
+    EXPECT_EQ(curve.getLength(), 4.0);
+    curve.setPoints(Points{{0, 0, 9}, {3, 4, 3}, {3, 9, 0}}, ParametricCurve::dim2D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.5, 1.0));
+    EXPECT_EQ(curve.getPointAtIndex(1), Point(3, 4, 0));
+}
+
+TEST(Model, CoincidentPointsGetZerosAndOne) {
+    const ParametricCurve curve(Points(5, Point(1, 2, 3)), ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.0, 0.0, 0.0, 1.0));
+    EXPECT_EQ(curve.getLength(), 0.0);
+}
+
+TEST(Model, AStepToAMarkerIsTheLargestFloat) {
+    const ParametricCurve curve(Points{{0, 0, 0}, {DBL_MAX, 0, 0}}, ParametricCurve::dim3D);
+    EXPECT_EQ(curve.getLength(), kLargestFloat);
+    // The rule looks at the difference, not at the points.
+    const ParametricCurve shifted(Points{{-1e300, 0, 0}, {DBL_MAX, 0, 0}, {DBL_MAX, 1, 0}},
+                                  ParametricCurve::dim3D);
+    EXPECT_EQ(shifted.getLength(), std::numeric_limits<double>::infinity());
+}
+
+TEST(Model, AnInfiniteOrNaNLengthGivesZerosAndOne) {
+    for (const double odd : {std::numeric_limits<double>::infinity(), std::nan("")}) {
+        const ParametricCurve curve(Points{{0, 0, 0}, {odd, 0, 0}, {1, 0, 0}, {2, 0, 0}},
+                                    ParametricCurve::dim3D);
+        EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.0, 0.0, 1.0));
+        EXPECT_FALSE(std::isfinite(curve.getLength()));
+    }
+}
+
+TEST(Model, UniformNormalizationIsRefusedUnchanged) {
+    for (const auto norm : {ParametricCurve::normalizeUniform, kUnknownNormalization,
+                            static_cast<ParametricCurve::normalization>(-1)}) {
+        ParametricCurve curve = unusualCurve();
+        const CurveState before = stateOf(curve);
+        EXPECT_THAT([&] { curve.setPoints(kBend, norm, ParametricCurve::dim3D); },
+                    refusedSetting("Unrecognised normalization of the curve."));
+        EXPECT_THAT([&] { curve.setPoints(narrowed(kBend), norm, ParametricCurve::dim3D); },
+                    refusedSetting("Unrecognised normalization of the curve."));
+        EXPECT_EQ(stateOf(curve), before);
+    }
+}
+
+TEST(Model, NormalizationIsLookedAtBeforeTheDimension) {
+    ParametricCurve curve;
+    EXPECT_THAT([&] { curve.setPoints(kBend, kUnknownNormalization, kUnknownDimension); },
+                refusedSetting("Unrecognised normalization of the curve."));
+}
+
+// -- Uniform s ----
+
+TEST(Model, UniformSOnFourValues) {
+    ParametricCurve curve;
+    curve.setPointsXnormalizeUniform({9.0, 9.0, -1.0, 4.0});
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 1.0 / 3.0, 2.0 / 3.0, 1.0));
+    EXPECT_EQ(curve.getCurve(), (Points{{9, 0, 0}, {9, 0, 0}, {-1, 0, 0}, {4, 0, 0}}));
+    EXPECT_EQ(curve.getDimension(), ParametricCurve::dim1D);
+    EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
+    EXPECT_TRUE(curve.isCurveCreatedAsDouble());
+    EXPECT_EQ(curve.getLength(), std::sqrt(3.0)) << "kept from before";
+}
+
+// The step is divided once and multiplied; the end is exactly 1 all the same.
+TEST(Model, UniformSIsAMultipleOfOneStep) {
+    for (std::size_t n = 2; n < 200; ++n) {
+        ParametricCurve curve;
+        curve.setPointsXnormalizeUniform(std::vector<double>(n, 1.0));
+        const double step = 1.0 / static_cast<double>(n - 1);
+        for (std::size_t i = 0; i + 1 < n; ++i) {
+            ASSERT_EQ(curve.getSvalues()[i], static_cast<double>(i) * step);
+        }
+        ASSERT_EQ(curve.getSvalues().back(), 1.0);
+    }
+}
+
+// -- Supplied s ----
+
+TEST(Model, EqualNeighbouringSvaluesAreAccepted) {
+    const Points points(4, Point(1, 1, 1));
+    const ParametricCurve curve(points, {0.0, 0.5, 0.5, 1.0}, ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.5, 0.5, 1.0));
+}
+
+TEST(Model, KeepsNewPointsWithOldSvaluesWhenSFalls) {
+    const Points points = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {0, 0, 1}};
+    const std::string message = "Parametric values  not continuous. i = 2, 0.5 0.6";
+    ParametricCurve curve(narrowed(kBend), ParametricCurve::dim3D);
+    EXPECT_THAT(
+        [&] {
+            curve.setPoints(points, {0, 0.6, 0.5, 1}, ParametricCurve::dim1D);
+        },
+        refusedSetting(message));
+    const CurveState expected{points, {0.0, 5.0 / 17.0, 1.0}, 2, 0, 17.0, false, {}, {0, 0, 1}};
+    EXPECT_EQ(stateOf(curve), expected);
+    EXPECT_THAT(
+        [&] {
+            curve.setPoints(narrowed(points), {0, 0.6, 0.5, 1}, ParametricCurve::dim1D);
+        },
+        refusedSetting(message));
+    EXPECT_EQ(stateOf(curve), expected);
+    EXPECT_THAT(
+        [&] {
+            ParametricCurve(points, {0, 0.6, 0.5, 1}, ParametricCurve::dim3D);
+        },
+        refusedSetting(message));
+}
+
+TEST(Model, CountsThatDifferAreRefusedUnchanged) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    const auto refused = refusedSetting("Vectors of points and sValues must have the same size.");
+    EXPECT_THAT([&] { curve.setPoints(kBend, {0.0, 1.0}, ParametricCurve::dim3D); }, refused);
+    EXPECT_THAT(
+        [&] { curve.setPoints(narrowed(kBend), std::vector<double>(), ParametricCurve::dim3D); },
+        refused);
+    EXPECT_THAT([&] { ParametricCurve(kBend, {0, 0, 0, 1}, ParametricCurve::dim3D); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(narrowed(kBend), {0, 1}, ParametricCurve::dim3D); }, refused);
+    EXPECT_EQ(stateOf(curve), before);
+}
+
+TEST(Model, SuppliedSLeavesTheLength) {
+    ParametricCurve curve(kBend, ParametricCurve::dim3D);
+    curve.setPoints(Points{{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0}, ParametricCurve::dim3D);
+    EXPECT_EQ(curve.getLength(), 17.0);
+    EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
+}
+
+TEST(Model, TakesItsOwnPointsAndSvalues) {
+    ParametricCurve curve(kBend, ParametricCurve::dim3D);
+    curve.setPoints(curve.getCurve(), curve.getSvalues(), ParametricCurve::dim2D);
+    EXPECT_EQ(curve.getCurve(), (Points{{0, 0, 0}, {3, 4, 0}, {3, 4, 0}}));
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 5.0 / 17.0, 1.0));
+    curve.setPoints(curve.getCurve(), ParametricCurve::dim3D);
+    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 1.0, 1.0));
+}
+
+// -- Failed checks of points ----
+
+TEST(Model, EmptyPointsAreRefusedUnchanged) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    const auto refused = refusedPoints("Curve is empty");
+    const auto dim = ParametricCurve::dim3D;
+    const auto norm = ParametricCurve::normalizeArc;
+    const std::vector<double> values;
+    EXPECT_THAT([&] { curve.setPoints(Points(), dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(FloatPoints(), dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(Points(), norm, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(FloatPoints(), norm, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(Points(), values, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(FloatPoints(), values, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPointsX(values); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(std::vector<float>()); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(values, values); }, refused);
+    EXPECT_THAT([&] { curve.setPointsXnormalizeUniform(values); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(Points(), dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(FloatPoints(), dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(FloatPoints(), norm, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(Points(), values, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(FloatPoints(), values, dim); }, refused);
+    EXPECT_EQ(stateOf(curve), before);
+}
+
+TEST(Model, OnePointIsRefusedWithAFullStop) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    const auto refused = refusedPoints("Curve has only one point in it.");
+    const Points one = {{1, 2, 3}};
+    const auto dim = ParametricCurve::dim3D;
+    EXPECT_THAT([&] { curve.setPoints(one, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(narrowed(one), dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(one, ParametricCurve::normalizeX, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(one, kUnknownNormalization, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(one, std::vector<double>{0, 1}, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(one, dim); }, refused);
+    EXPECT_EQ(stateOf(curve), before);
+}
+
+TEST(Model, OneValueIsRefusedWithoutAFullStop) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    const auto refused = refusedPoints("Curve has only one point in it");
+    const std::vector<double> one = {1.0};
+    const std::vector<float> oneFloat = {1.0f};
+    EXPECT_THAT([&] { curve.setPointsX(one); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(one); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(one); }, refused);
+    EXPECT_THAT([&] { curve.setPointsX(oneFloat); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(oneFloat); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(oneFloat); }, refused);
+    EXPECT_THAT([&] { curve.setPointsX(one, {0, 1}); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(one, {0, 1}); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(one, {0, 1}); }, refused);
+    EXPECT_THAT([&] { curve.setPointsXnormalizeUniform(one); }, refused);
+    EXPECT_EQ(stateOf(curve), before);
+}
+
+// -- Unrecognised dimension ----
+
+TEST(Model, KeepsPointsOfAnUnrecognisedDimension) {
+    const auto refused = refusedSetting("Unrecognised dimension of the curve.");
+    const Points points = {{1, 2, 3}, {4, 5, 6}};
+    ParametricCurve curve = unusualCurve();
+    EXPECT_THAT([&] { curve.setPoints(points, kUnknownDimension); }, refused);
+    // s-values are sized, not computed; the length and the created-as-double flag stay.
+    CurveState expected = stateOf(unusualCurve());
+    expected.points = points;
+    expected.svalues = {0.25, 0.5};
+    expected.dimension = 7;
+    expected.parametrization = ParametricCurve::parametrizationComputed;
+    EXPECT_EQ(stateOf(curve), expected);
+
+    EXPECT_THAT([&] { curve.setPoints(narrowed(kBend), static_cast<ParametricCurve::dim>(-1)); },
+                refused);
+    expected.points = kBend;
+    expected.svalues = {0.25, 0.5, 0.0};
+    expected.dimension = -1;
+    EXPECT_EQ(stateOf(curve), expected);
+}
+
+TEST(Model, KeepsPointsAndSvaluesOfAnUnrecognisedDimension) {
+    const auto refused = refusedSetting("Unrecognised dimension of the curve.");
+    ParametricCurve curve = unusualCurve();
+    CurveState expected = stateOf(curve);
+    expected.points = kBend;
+    expected.svalues = {5.0, 6.0, 7.0};
+    expected.dimension = 7;
+    expected.parametrization = ParametricCurve::parametrizationSupplied;
+    EXPECT_THAT([&] { curve.setPoints(kBend, {5.0, 6.0, 7.0}, kUnknownDimension); }, refused);
+    EXPECT_EQ(stateOf(curve), expected);
+    EXPECT_THAT(
+        [&] {
+            curve.setPoints(narrowed(kBend), {5.0, 6.0, 7.0}, kUnknownDimension);
+        },
+        refused);
+    EXPECT_EQ(stateOf(curve), expected);
+    EXPECT_THAT([&] { curve.setPoints(kBend, ParametricCurve::normalizeX, kUnknownDimension); },
+                refused);
+    expected.svalues = {0.0, 1.0, 1.0};
+    EXPECT_EQ(stateOf(curve), expected);
+    EXPECT_THAT([&] { ParametricCurve(kBend, kUnknownDimension); }, refused);
+}
+
+// -- Single components ----
+
+TEST(Model, SingleComponentsFillOneAxisOfASpaceCurve) {
+    const std::vector<double> values = {0.0, 3.0, -1.0};
+    const std::vector<float> floats = {0.0f, 3.0f, -1.0f};
+    const std::vector<double> s = {0.0, 3.0 / 7.0, 1.0};
+    CurveState expected{{}, s, 2, 0, 7.0, true, {}, {0, 0, 1}};
+    const auto check = [&expected](auto set, Points points, bool createdAsDouble) {
+        ParametricCurve curve(kBend, {0, 0, 1}, ParametricCurve::dim1D);
+        set(curve);
+        expected.points = std::move(points);
+        expected.createdAsDouble = createdAsDouble;
+        EXPECT_EQ(stateOf(curve), expected);
+    };
+    const Points alongX = {{0, 0, 0}, {3, 0, 0}, {-1, 0, 0}};
+    const Points alongY = {{0, 0, 0}, {0, 3, 0}, {0, -1, 0}};
+    const Points alongZ = {{0, 0, 0}, {0, 0, 3}, {0, 0, -1}};
+    check([&](ParametricCurve& c) { c.setPointsX(values); }, alongX, true);
+    check([&](ParametricCurve& c) { c.setPointsX(floats); }, alongX, false);
+    check([&](ParametricCurve& c) { c.setPointsY(values); }, alongY, true);
+    check([&](ParametricCurve& c) { c.setPointsY(floats); }, alongY, false);
+    check([&](ParametricCurve& c) { c.setPointsZ(values); }, alongZ, true);
+    check([&](ParametricCurve& c) { c.setPointsZ(floats); }, alongZ, false);
+
+    expected.svalues = {-1.0, -1.0, 5.0};
+    expected.parametrization = 1;
+    expected.length = 0.0; // that of the curve before, which never computed one
+    check([&](ParametricCurve& c) { c.setPointsX(values, expected.svalues); }, alongX, true);
+    check([&](ParametricCurve& c) { c.setPointsY(values, expected.svalues); }, alongY, true);
+    check([&](ParametricCurve& c) { c.setPointsZ(values, expected.svalues); }, alongZ, true);
+}
+
+TEST(Model, SingleComponentsRefuseWrongSvaluesUnchanged) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    const std::vector<double> values = {1.0, 2.0, 3.0, 4.0};
+    const auto sizes = refusedSetting("Vectors of points and sValues must have the same size. "
+                                      "Points size=4, sValues size=2");
+    EXPECT_THAT([&] { curve.setPointsX(values, {0, 1}); }, sizes);
+    EXPECT_THAT([&] { curve.setPointsY(values, {0, 1}); }, sizes);
+    EXPECT_THAT([&] { curve.setPointsZ(values, {0, 1}); }, sizes);
+    const auto falls = refusedSetting("Parametric values  not continuous. i = 3, -0.5 0.25");
+    EXPECT_THAT([&] { curve.setPointsX(values, {0, 0, 0.25, -0.5}); }, falls);
+    EXPECT_THAT([&] { curve.setPointsY(values, {0, 0, 0.25, -0.5}); }, falls);
+    EXPECT_THAT([&] { curve.setPointsZ(values, {0, 0, 0.25, -0.5}); }, falls);
+    EXPECT_EQ(stateOf(curve), before);
+}
+
+// -- Accessors ----
+
+TEST(Model, AccessorsHandOutAndCopy) {
+    const ParametricCurve curve(kBend, ParametricCurve::dim3D);
+    EXPECT_EQ(curve.getSize(), 3u);
+    Points points(9);
+    curve.getCurve(points);
+    EXPECT_EQ(points, kBend);
+    std::vector<double> svalues(9);
+    curve.getSvalues(svalues);
+    EXPECT_EQ(svalues, curve.getSvalues());
+    EXPECT_EQ(&curve.getCurve(), &curve.getCurve());
+}
+
+// -- Against a plain statement of the rules, bit for bit ----
+
+double plainStep(const Point& a, const Point& b) {
+    const double x = b.x - a.x;
+    const double y = b.y - a.y;
+    const double z = b.z - a.z;
+    if (x == DBL_MAX || y == DBL_MAX || z == DBL_MAX) {
+        return kLargestFloat;
+    }
+    return std::sqrt(x * x + y * y + z * z);
+}
+
+std::vector<double> plainArcValues(const Points& points, double& length) {
+    std::vector<double> s(points.size());
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        s[i] = s[i - 1] + plainStep(points[i - 1], points[i]);
+    }
+    length = s.back();
+    const bool significant = length >= 100.0 * qel::NumericalUtils::spacing(length);
+    for (double& value : s) {
+        value = significant ? value / length : 0.0;
+    }
+    s.back() = 1.0;
+    return s;
+}
+
+TEST(Model, RandomCurvesFollowTheRulesBitForBit) {
+    RandomCurves random(31);
+    for (int round = 0; round < 3000; ++round) {
+        SCOPED_TRACE(round);
+        const Points given = random.points(round % 50 == 0 ? 3000 : 40);
+        const auto dimension = static_cast<ParametricCurve::dim>(random.count(0, 2));
+        const ParametricCurve curve(given, dimension);
+        CurveState expected{given, {}, dimension, 0, 0.0, true, {}, {0, 0, 1}};
+        for (Point& point : expected.points) {
+            point.y = dimension == 0 ? 0.0 : point.y;
+            point.z = dimension <= 1 ? 0.0 : point.z;
+        }
+        expected.svalues = plainArcValues(expected.points, expected.length);
+        ASSERT_EQ(stateOf(curve), expected);
+    }
+}
+
+TEST(Model, RandomNormalizationsFollowTheRulesBitForBit) {
+    RandomCurves random(32);
+    for (int round = 0; round < 2000; ++round) {
+        SCOPED_TRACE(round);
+        const Points given = random.points(30);
+        const auto norm = static_cast<ParametricCurve::normalization>(random.count(0, 3));
+        ParametricCurve curve;
+        curve.setPoints(given, norm, ParametricCurve::dim3D);
+        Points measured = given;
+        if (norm != ParametricCurve::normalizeArc) {
+            for (Point& point : measured) {
+                point = Point(point.getRef(norm), 0.0, 0.0);
+            }
+        }
+        double unused = 0.0;
+        const CurveState expected{
+            given, plainArcValues(measured, unused), 2, 1, std::sqrt(3.0), true, {}, {0, 0, 1}};
+        ASSERT_EQ(stateOf(curve), expected);
+    }
+}
+
+} // namespace

@@ -1,0 +1,49 @@
+# Compares the symbols that the library exports with the classes that it is to export: members,
+# statics, operators that take one of them, virtual tables and type information.
+#
+#     cmake -DNM=<nm> -DLIBRARY=<library> -DHEADERS=<folder of the public headers> -P <this file>
+
+cmake_minimum_required(VERSION 3.25)
+
+# Each class stands in the header of its name; the second list has those with virtual functions.
+set(classes
+    QELMatrix4 Doublet Vector LineSegment2D NumericalUtils FloatQELVector FloatQELVectorConcrete
+    FloatQELVectorComponent TripletQELVector IntQELVector ParametricCurve QuadtreeBucket
+    QuadtreeQuad QuadtreeObject TensorEigenizer)
+set(polymorphic FloatQELVector FloatQELVectorConcrete FloatQELVectorComponent TripletQELVector
+                IntQELVector ParametricCurve)
+
+execute_process(
+    COMMAND ${NM} --dynamic --defined-only --demangle --format=posix ${LIBRARY}
+    OUTPUT_VARIABLE listing COMMAND_ERROR_IS_FATAL ANY)
+# Brackets and semicolons have a meaning in CMake's lists.
+string(REGEX REPLACE "[][;]" "_" listing "${listing}")
+string(REGEX REPLACE "\n$" "" listing "${listing}")
+string(REPLACE "\n" ";" lines "${listing}")
+
+list(JOIN classes "|" any_class)
+foreach(line IN LISTS lines)
+    string(REGEX REPLACE " [A-Za-z] [0-9a-f ]*$" "" symbol "${line}")
+    if(symbol MATCHES "^qel::(${any_class})::")
+        list(APPEND exporting ${CMAKE_MATCH_1})
+    elseif(symbol MATCHES "^(vtable|typeinfo|typeinfo name) for qel::(${any_class})$")
+        list(APPEND described "${CMAKE_MATCH_1} ${CMAKE_MATCH_2}")
+    elseif(NOT symbol MATCHES "^qel::operator[^A-Za-z]*\\(.*qel::(${any_class})[ &,)].*\\)$")
+        message(SEND_ERROR "Exported, but of no class that is to be: ${symbol}")
+    endif()
+endforeach()
+
+foreach(class IN LISTS classes)
+    if(EXISTS ${HEADERS}/${class}.h AND NOT class IN_LIST exporting)
+        message(SEND_ERROR "Nothing of qel::${class} is exported")
+    endif()
+endforeach()
+foreach(class IN LISTS polymorphic)
+    foreach(kind vtable typeinfo "typeinfo name")
+        if(EXISTS ${HEADERS}/${class}.h AND NOT "${kind} ${class}" IN_LIST described)
+            message(SEND_ERROR "The ${kind} of qel::${class} is not exported")
+        endif()
+    endforeach()
+endforeach()
+list(LENGTH lines count)
+message(STATUS "${count} symbols exported")
