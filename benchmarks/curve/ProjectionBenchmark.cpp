@@ -85,7 +85,6 @@ void projectVtk(benchmark::State& state) {
     const Points curve = helix(sizeOf(state));
     vtkNew<vtkPolyLine> line;
     line->GetPoints()->SetDataTypeToDouble();
-    line->Initialize(static_cast<int>(curve.size()), nullptr, nullptr);
     line->GetPoints()->SetNumberOfPoints(static_cast<vtkIdType>(curve.size()));
     line->GetPointIds()->SetNumberOfIds(static_cast<vtkIdType>(curve.size()));
     for (std::size_t i = 0; i < curve.size(); ++i) {
