@@ -2,13 +2,23 @@
 #define QEL_CURVE_BRACKET_H
 
 /// @file
-/// The stored points around an s.
+/// The stored points around an s, and the point between them.
 
 #include <algorithm>
 #include <cstddef>
 #include <vector>
 
+#include <qel/NumericalUtils.h>
+
+#include "curve/Conversions.h"
+
 namespace qel {
+
+constexpr double kEqualSvalues = 100.0; // spacings of the greater one
+
+inline bool countAsEqual(double sLo, double sHi) {
+    return kEqualSvalues * NumericalUtils::spacing(sHi) > sHi - sLo;
+}
 
 /// hi is the first index whose s-value is greater than s; lo is the first index whose s-value
 /// equals s if there is one, else the last whose s-value is less.
@@ -27,6 +37,16 @@ inline Bracket bracketOf(const std::vector<double>& svalues, double s) {
         --lo;
     }
     return {static_cast<std::size_t>(lo - first), static_cast<std::size_t>(hi - first)};
+}
+
+/// Point at s between two points with their s-values: weighted by where s lies, or the middle
+/// where the s-values count as equal.
+inline Point pointBetween(const Point& pLo, const Point& pHi, double sLo, double sHi, double s) {
+    if (countAsEqual(sLo, sHi)) {
+        return (pLo + pHi) * 0.5;
+    }
+    const double t = (s - sLo) / (sHi - sLo);
+    return pLo + (pHi - pLo) * t;
 }
 
 } // namespace qel

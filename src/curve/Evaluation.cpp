@@ -7,20 +7,12 @@
 
 #include <cmath>
 
-#include <qel/NumericalUtils.h>
-
 #include "curve/Bracket.h"
 #include "curve/Conversions.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
 namespace {
-
-constexpr double kEqualSvalues = 100.0; // spacings of the greater one
-
-bool countAsEqual(double sLo, double sHi) {
-    return kEqualSvalues * NumericalUtils::spacing(sHi) > sHi - sLo;
-}
 
 template <typename T>
 void copyComponent(const Points& points, double Point::*component, std::vector<T>& values) {
@@ -106,11 +98,7 @@ Point ParametricCurve::getPointAtParameter(double s) const {
         return points_.back();
     }
     const auto [lo, hi] = bracketOf(svalues_, s);
-    if (countAsEqual(svalues_[lo], svalues_[hi])) {
-        return (points_[lo] + points_[hi]) * 0.5;
-    }
-    const double t = (s - svalues_[lo]) / (svalues_[hi] - svalues_[lo]);
-    return points_[lo] + (points_[hi] - points_[lo]) * t;
+    return pointBetween(points_[lo], points_[hi], svalues_[lo], svalues_[hi], s);
 }
 
 int ParametricCurve::getClosestToSvaluePoint(double s) const {

@@ -9,21 +9,13 @@
 
 #include "curve/ArcLength.h"
 #include "curve/Conversions.h"
+#include "curve/Validation.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
 namespace {
 
 // -- Validation ----
-
-void checkCount(std::size_t count, const char* onePointMessage) {
-    if (count == 0) {
-        throw internal::error("ParametricCurve", "Constructor", "Curve is empty", argumentError);
-    }
-    if (count == 1) {
-        throw internal::error("ParametricCurve", "Constructor", onePointMessage, argumentError);
-    }
-}
 
 template <typename T>
 void checkValues(const std::vector<T>& values) {
@@ -174,7 +166,7 @@ ParametricCurve::~ParametricCurve() = default;
 // -- Points, s computed ----
 
 void ParametricCurve::setPoints(const Points& points, dim dimension) {
-    checkCount(points.size(), "Curve has only one point in it.");
+    checkPoints(points);
     Points stored(points);
     if (!isRecognised(dimension)) {
         // Deliberate: the dimension is looked at after the points were stored, so a curve that is
@@ -199,7 +191,7 @@ void ParametricCurve::setPoints(const FloatPoints& points, dim dimension) {
 }
 
 void ParametricCurve::setPoints(const Points& points, normalization norm, dim dimension) {
-    checkCount(points.size(), "Curve has only one point in it.");
+    checkPoints(points);
     setPoints(points, normalisedValues(points, norm), dimension);
 }
 
@@ -212,7 +204,7 @@ void ParametricCurve::setPoints(const FloatPoints& points, normalization norm, d
 
 void ParametricCurve::setPoints(const Points& points, const std::vector<double>& svalues,
                                 dim dimension) {
-    checkCount(points.size(), "Curve has only one point in it.");
+    checkPoints(points);
     if (svalues.size() != points.size()) {
         throw internal::error("ParametricCurve", "setPoints",
                               "Vectors of points and sValues must have the same size.",

@@ -2,8 +2,10 @@
 // installs a reporter of its own. Leaves with the number of things that went wrong.
 
 #include <iostream>
+#include <vector>
 
 #include <qel/NumericalUtils.h>
+#include <qel/ParametricCurve.h>
 #include <qel/QELError.h>
 #include <qel/QELException.h>
 #include <qel/QELMatrix3base.h>
@@ -45,11 +47,19 @@ void checkLibrary() {
     expect(qel::NumericalUtils::spacing(50.0) == 10.0 * qel::NumericalUtils::spacing(5.0),
            "spacing");
     expect(qel::TripletBase<double>(3.0, 0.0, 4.0).length() == 5.0, "length");
+    double s = 0.0;
+    const qel::ParametricCurve diagonal;
+    const auto foot = diagonal.projectPoint(qel::TripletBase<double>(2.0, 2.0, 2.0), s);
+    expect(foot == diagonal.getLastPoint() && s == 1.0, "projection");
 }
 
 void checkExceptions() {
+    const auto onePoint = [] {
+        qel::ParametricCurve(std::vector<qel::TripletBase<double>>(1), qel::ParametricCurve::dim3D);
+    };
+    expect(throws<qel::internal::error>(onePoint), "internal::error from the library");
     const auto openNowhere = [] { qel::QELStream("/no/such/folder/file", 2, false); };
-    expect(throws<qel::data::invalid>(openNowhere), "data::invalid from the library");
+    expect(throws<qel::data::invalid>(openNowhere), "data::invalid from a support library");
     const auto badRow = [] { qel::QELMatrix3base<float>()[3][0] = 1.0f; };
     expect(throws<qel::Error>(badRow), "Error from a header");
 }

@@ -1,0 +1,96 @@
+#ifndef QEL_QUADTREEBUCKET_H
+#define QEL_QUADTREEBUCKET_H
+
+/// @file
+/// Nearest-point search in the plane.
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+#include <qel/Export.h>
+#include <qel/QELVector.h>
+#include <qel/QuadtreeObject.h>
+#include <qel/TripletBase.h>
+
+namespace qel {
+
+class NearestIndex;
+
+/// Finds the nearest of a fixed cloud of points in the x-y plane; z is carried and never used.
+///
+///     QuadtreeBucket bucket(24, 16);
+///     bucket.construct(points);
+///     const std::size_t nearest = bucket.findNearestPoint(probe); // a position in `points`
+///
+/// Distances are squares in float. Points at exactly the same distance are told apart by the
+/// bucket quadtree that the two limits define. Its nodes are cut in two halves, across x at the
+/// root and then in turn, as long as they hold more than `bucketCapacity` points and are less than
+/// `maxDepth` deep. First comes the leaf where the probe lies, then the leaf whose rectangle is
+/// nearer to the probe, then the leaf that comes first in the tree (low halves before high ones),
+/// and within a leaf the point that comes first in the list. The limits decide nothing else: the
+/// search does not slow down where leaves are over-full.
+///
+/// Can be moved, not copied. A query writes the state of the bucket: one bucket serves one thread
+/// at a time.
+class QEL_API QuadtreeBucket {
+public:
+    // -- Building ----
+
+    /// Limits 10 and 10.
+    QuadtreeBucket();
+    /// Any limits are taken. A negative maxDepth is no limit; a bucketCapacity below 0 counts
+    /// as 0.
+    QuadtreeBucket(int maxDepth, int bucketCapacity);
+    ~QuadtreeBucket();
+
+    QuadtreeBucket(const QuadtreeBucket&) = delete;
+    QuadtreeBucket& operator=(const QuadtreeBucket&) = delete;
+    /// The source is left without points, its limits kept.
+    QuadtreeBucket(QuadtreeBucket&& other) noexcept;
+    QuadtreeBucket& operator=(QuadtreeBucket&& other) noexcept;
+
+    /// Takes the points, in place of those it may have had. O(n log n), close to O(n) for points
+    /// that are spread evenly. Points that are not finite are taken and never found.
+    /// @throws internal::error  if there are no points; the bucket is unchanged then
+    void construct(const std::vector<TripletBase<float>>& points);
+
+    // -- Queries ----
+
+    /// Position of the nearest point in the list given to construct(). Usually O(log n); points
+    /// that lie at exactly the least distance are all looked at. Allocates nothing.
+    /// @throws internal::error  if there are no points, before construct()
+    /// @throws data::invalid    if no point has a squared distance below the largest float: for a
+    ///                          query that is NaN, infinite or too far away
+    std::size_t findNearestPoint(const TripletBase<float>& p);
+
+    /// Squared distance of the point that the last query found; the largest float if none.
+    float getBestDistance() const { return bestDistance_; }
+    /// The point that the last query found; null if none. Valid until construct() is called again.
+    const QuadtreeObject* getBestObject() const { return bestObject_; }
+
+    // -- State ----
+
+    int getMaxDepth() const { return maxDepth_; }
+    int getBucketCapacity() const { return bucketCapacity_; }
+    /// Depth of the deepest node that the points need. Where the limits ask for more depth than
+    /// could ever separate them (equal points), the limit itself.
+    int getMaxDepthReached() const { return maxDepthReached_; }
+
+private:
+    void swap(QuadtreeBucket& other) noexcept;
+
+    float bestDistance_;
+    const QuadtreeObject* bestObject_ = nullptr;
+    float queryX_ = 0.0f;
+    float queryY_ = 0.0f;
+    int maxDepth_ = 10;
+    int bucketCapacity_ = 10;
+    int maxDepthReached_ = 0;
+    std::unique_ptr<const NearestIndex> index_; // null before construct
+    QELVector<QuadtreeObject> objects_;
+};
+
+} // namespace qel
+
+#endif

@@ -1,0 +1,59 @@
+#ifndef QEL_SPATIAL_LEAFORDER_H
+#define QEL_SPATIAL_LEAFORDER_H
+
+/// @file
+/// Sorts points into the leaves of the bucket quadtree.
+///
+/// The tree is the one that grows when the points are inserted one after the other: a node is an
+/// inner node exactly if it holds more points than the capacity and is not at the depth limit.
+/// So it needs no insertion: sorting by the cells of a grid of the tree's own cuts brings the
+/// points into the order of its leaves, and cutting the sorted run in two, again and again,
+/// gives the leaves. Nothing but the leaves with points is kept.
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <qel/TripletBase.h>
+
+#include "spatial/QuadRectangle.h"
+
+namespace qel {
+
+/// A point on its way into the index.
+struct PlanePoint {
+    float x, y;
+    std::uint32_t index; ///< position in the caller's list
+    std::uint32_t cell;  ///< Z-order number of its grid cell, later the number of its leaf
+};
+
+/// A leaf with points. Leaves are numbered in the order of the tree, low halves first.
+struct QuadLeaf {
+    QuadRectangle rectangle;
+    /// Sides that stem from a cut. A query reaches the leaf if it lies on the leaf's side of all
+    /// of them; the other sides are the root's, and queries beyond them are let in.
+    bool cutLeft, cutBelow, cutRight, cutAbove;
+
+    bool isReachedBy(float qx, float qy) const {
+        return (!cutLeft || qx >= rectangle.xmin) && (!cutRight || !(qx >= rectangle.xmax)) &&
+               (!cutBelow || qy >= rectangle.ymin) && (!cutAbove || !(qy >= rectangle.ymax));
+    }
+};
+
+struct LeafOrder {
+    QuadRectangle root;
+    std::vector<PlanePoint> points;   ///< leaf after leaf; PlanePoint::cell is the leaf's number
+    std::vector<std::uint32_t> cells; ///< the grid cells of the points, ascending
+    std::vector<QuadLeaf> leaves;
+    int maxDepthReached = 0;
+};
+
+/// @param maxDepth  negative: no limit
+/// @param capacity  not negative
+/// The list must not be empty, and be shorter than 2^31.
+LeafOrder sortIntoLeaves(const std::vector<TripletBase<float>>& points, int maxDepth,
+                         std::size_t capacity);
+
+} // namespace qel
+
+#endif

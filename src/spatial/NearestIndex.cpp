@@ -1,0 +1,58 @@
+#include "spatial/NearestIndex.h"
+
+#include <cmath>
+
+#include "spatial/BoxTreeBuilder.h"
+#include "spatial/NearestSearch.h"
+
+namespace qel {
+
+NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth,
+                           std::size_t capacity) {
+    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity);
+    root_ = order.root;
+    maxDepthReached_ = order.maxDepthReached;
+    tree_ = buildBoxTree(order);
+    leaves_ = std::move(order.leaves);
+}
+
+void BoxTree::reserve(std::size_t nodes, std::size_t blocks) {
+    lines_.reserve((nodes * sizeof(BoxNode) + blocks * sizeof(PointBlock)) / sizeof(Line));
+}
+
+NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
+    if (!std::isfinite(qx) || !std::isfinite(qy)) {
+        return {}; // at no finite distance of anything
+    }
+    const NearestHit hit = searchNearest(*this, qx, qy);
+    return hit.isFound ? Nearest{true, hit.index, hit.distance} : Nearest{};
+}
+
+std::size_t NearestIndex::memoryBytes() const {
+    return leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes();
+}
+
+bool NearestIndex::isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB,
+                           float qx, float qy) const {
+    const std::uint32_t leafA = blockA.leaf[laneA], leafB = blockB.leaf[laneB];
+    if (leafA == leafB) {
+        return blockA.index[laneA] < blockB.index[laneB];
+    }
+    // The search starts in the query's leaf only if this holds, which a root without extent in
+    // numbers (NaN) does not.
+    const bool startsInLeaf =
+        (qx >= root_.xmin || root_.xmax > qx) && (qy >= root_.ymin || root_.ymax > qy);
+    const QuadLeaf& first = leaves_[leafA];
+    const QuadLeaf& second = leaves_[leafB];
+    if (startsInLeaf && first.isReachedBy(qx, qy)) {
+        return true;
+    }
+    if (startsInLeaf && second.isReachedBy(qx, qy)) {
+        return false;
+    }
+    const float distanceA = squaredDistance(first.rectangle, qx, qy);
+    const float distanceB = squaredDistance(second.rectangle, qx, qy);
+    return distanceA != distanceB ? distanceA < distanceB : leafA < leafB;
+}
+
+} // namespace qel

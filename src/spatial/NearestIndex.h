@@ -1,0 +1,135 @@
+#ifndef QEL_SPATIAL_NEARESTINDEX_H
+#define QEL_SPATIAL_NEARESTINDEX_H
+
+/// @file
+/// The index behind QuadtreeBucket: a tree of boxes that fit the points closely, 16 to a node.
+///
+/// The best-first search over the bucket quadtree visits leaves in the order of (distance of the
+/// leaf's rectangle, number of the leaf), after the leaf in which the query lies. This is so
+/// because no node is farther than the nodes inside it, and because nodes at equal distance are
+/// taken in the order of the tree: all ancestors of a leaf are expanded before any node that
+/// stands after the leaf in this order. A node is passed over only if it cannot hold a nearer
+/// point. So the result is the least point in the order of
+///
+///     (squared distance, outside the query's leaf, distance of the leaf, number of the leaf,
+///      position in the list)
+///
+/// and any structure may find it. This one keeps nothing of the quadtree but each point's leaf,
+/// which is looked at only to choose among points at exactly the same distance. Its own boxes
+/// split where points are, so that the caller's limits cost nothing.
+
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <type_traits>
+#include <vector>
+
+#include <qel/TripletBase.h>
+
+#include "spatial/LeafOrder.h"
+
+namespace qel {
+
+/// Points or boxes that one step of the search measures together.
+constexpr int kLanes = 16;
+
+/// Boxes of up to 16 children, coordinate by coordinate. A lane without a child has an empty box,
+/// from +infinity to -infinity, which is infinitely far from everything.
+struct alignas(64) BoxNode {
+    /// Marks a child that is a block of points.
+    static constexpr std::uint32_t kBlock = std::uint32_t{1} << 31;
+
+    float xmin[kLanes];
+    float ymin[kLanes];
+    float xmax[kLanes];
+    float ymax[kLanes];
+    std::uint32_t child[kLanes]; ///< line of the child in the BoxTree, plus kBlock for a block
+};
+
+/// Up to 16 points. Lanes without a point are at infinity.
+struct alignas(64) PointBlock {
+    float x[kLanes];
+    float y[kLanes];
+    std::uint32_t index[kLanes]; ///< position in the caller's list
+    std::uint32_t leaf[kLanes];  ///< number of the point's leaf
+};
+
+/// Nodes and blocks, each behind its parent: a step down mostly stays within a page of memory.
+/// The root is the first.
+class BoxTree {
+public:
+    const BoxNode& node(std::uint32_t line) const {
+        return *std::launder(reinterpret_cast<const BoxNode*>(&lines_[line]));
+    }
+    const PointBlock& block(std::uint32_t line) const {
+        return *std::launder(reinterpret_cast<const PointBlock*>(&lines_[line]));
+    }
+    std::size_t memoryBytes() const { return lines_.capacity() * sizeof(Line); }
+
+    // -- Building ----
+
+    void reserve(std::size_t nodes, std::size_t blocks);
+    /// Each returns the line of a new object.
+    std::uint32_t add(const BoxNode& node) { return append(node); }
+    std::uint32_t add(const PointBlock& block) { return append(block); }
+    void replace(std::uint32_t line, const BoxNode& node) { new (&lines_[line]) BoxNode(node); }
+
+private:
+    // A cache line of storage.
+    struct alignas(64) Line {
+        unsigned char bytes[64];
+    };
+
+    template <typename T>
+    std::uint32_t append(const T& object) {
+        static_assert(std::is_trivially_copyable<T>::value && sizeof(T) % sizeof(Line) == 0,
+                      "objects fill whole lines and may be moved with them");
+        const std::size_t line = lines_.size();
+        lines_.resize(line + sizeof(T) / sizeof(Line));
+        new (&lines_[line]) T(object);
+        return static_cast<std::uint32_t>(line);
+    }
+
+    std::vector<Line> lines_;
+};
+
+class NearestIndex {
+public:
+    /// Bound on the height of the tree, and more than it can reach: a split halves the points or
+    /// uses up one of the 24 bits of their cells.
+    static constexpr int kMaxHeight = 60;
+
+    struct Nearest {
+        bool isFound = false;
+        std::size_t index = 0; ///< in the list given
+        float distance = 0.0f; ///< squared
+    };
+
+    /// @param points  not empty, and fewer than 2^31
+    NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth, std::size_t capacity);
+
+    /// The point that the stated search finds. Nothing if none is at a squared distance below the
+    /// largest float.
+    Nearest find(float qx, float qy) const;
+
+    int maxDepthReached() const { return maxDepthReached_; }
+    std::size_t memoryBytes() const;
+
+    // -- For the search ----
+
+    const BoxTree& tree() const { return tree_; }
+    /// True if, of two points at the same distance of the query, the first one wins. Points are
+    /// given by their places in the tree.
+    bool isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB, float qx,
+                 float qy) const;
+
+private:
+    QuadRectangle root_;
+    std::vector<QuadLeaf> leaves_;
+    BoxTree tree_;
+    int maxDepthReached_;
+};
+
+} // namespace qel
+
+#endif

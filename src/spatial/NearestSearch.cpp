@@ -1,0 +1,204 @@
+// Depth-first search in NearestIndex, nearest boxes first. A step measures 16 boxes or 16 points
+// at once.
+//
+// Squared distances are compared as the integers that their bits spell: for numbers that are not
+// negative this is the same order, and the least of 16 integers is a vector operation. A box's
+// number stands in the lowest bits of its distance, which rounds the distance down and so never
+// hides a box.
+
+#include "spatial/NearestSearch.h"
+
+#include <cstring>
+#include <limits>
+
+#include "platform/VectorUnit.h"
+
+namespace qel {
+namespace {
+
+constexpr std::int32_t kLaneBits = kLanes - 1;
+constexpr std::int32_t kDone = std::numeric_limits<std::int32_t>::max();
+
+// Asks for memory that is needed soon.
+QEL_KERNEL void prefetch(const void* place) {
+#if defined(QEL_VECTOR_UNITS)
+    __builtin_prefetch(place);
+#else
+    static_cast<void>(place);
+#endif
+}
+
+QEL_KERNEL std::int32_t bitsOf(float value) {
+    std::int32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
+}
+
+QEL_KERNEL float floatOf(std::int32_t bits) {
+    float value = 0.0f;
+    std::memcpy(&value, &bits, sizeof(value));
+    return value;
+}
+
+QEL_KERNEL std::int32_t lesser(std::int32_t a, std::int32_t b) {
+    return a < b ? a : b;
+}
+
+#if defined(QEL_VECTOR_UNITS)
+// In four vectors of four: compilers make a chain of 16 steps of the plain loop.
+typedef std::int32_t Four __attribute__((vector_size(16)));
+
+QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+    Four v[4];
+    std::memcpy(v, values, sizeof(v));
+    const Four a = v[0] < v[1] ? v[0] : v[1];
+    const Four b = v[2] < v[3] ? v[2] : v[3];
+    const Four c = a < b ? a : b;
+    return lesser(lesser(c[0], c[1]), lesser(c[2], c[3]));
+}
+#else
+QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+    std::int32_t result = kDone;
+    for (int i = 0; i < kLanes; ++i) {
+        result = lesser(result, values[i]);
+    }
+    return result;
+}
+#endif
+
+// The children of a node that are still to be visited: distance and lane in one, kDone if not.
+struct alignas(64) Frame {
+    std::int32_t keys[kLanes];
+    const BoxNode* node;
+};
+
+// The difference to the nearer side, as QuadRectangle's outsideBy but for its sign, which the
+// square takes away.
+QEL_KERNEL float beyond(float q, float low, float high) {
+    const float below = low - q, above = q - high;
+    const float farther = below > above ? below : above;
+    return farther > 0.0f ? farther : 0.0f;
+}
+
+QEL_KERNEL void open(Frame& frame, const BoxNode& node, float qx, float qy) {
+    frame.node = &node;
+    for (int i = 0; i < kLanes; ++i) {
+        const float dx = beyond(qx, node.xmin[i], node.xmax[i]);
+        const float dy = beyond(qy, node.ymin[i], node.ymax[i]);
+        frame.keys[i] = (bitsOf(dx * dx + dy * dy) & ~kLaneBits) | i;
+    }
+}
+
+struct Best {
+    std::int32_t distance; // bits; points beyond it lose
+    int lane;
+    const PointBlock* block; // null if none yet
+};
+
+// Points at the same distance: apart, as few queries come here.
+void settleTie(const NearestIndex& index, const PointBlock& block, const std::int32_t* distances,
+               float qx, float qy, Best& best) {
+    for (int i = 0; i < kLanes; ++i) {
+        if (distances[i] == best.distance &&
+            index.isFirst(block, i, *best.block, best.lane, qx, qy)) {
+            best.block = &block;
+            best.lane = i;
+        }
+    }
+}
+
+QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, float qx, float qy,
+                          Best& best) {
+    alignas(64) std::int32_t distances[kLanes];
+    for (int i = 0; i < kLanes; ++i) {
+        const float dx = qx - block.x[i];
+        const float dy = qy - block.y[i];
+        distances[i] = bitsOf(dx * dx + dy * dy);
+    }
+    const std::int32_t nearest = least(distances);
+    if (nearest > best.distance) {
+        return;
+    }
+    // The first and the last lane at this distance.
+    alignas(64) std::int32_t fromFront[kLanes], fromBack[kLanes];
+    for (int i = 0; i < kLanes; ++i) {
+        fromFront[i] = distances[i] == nearest ? i : kDone;
+        fromBack[i] = distances[i] == nearest ? -i : kDone;
+    }
+    const std::int32_t first = least(fromFront);
+    bool isTie = first != -least(fromBack);
+    if (nearest < best.distance || best.block == nullptr) {
+        prefetch(block.index);
+        best = {nearest, first, &block};
+    } else {
+        isTie = true;
+    }
+    if (isTie) {
+        settleTie(index, block, distances, qx, qy, best);
+    }
+}
+
+QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
+    Frame frames[NearestIndex::kMaxHeight];
+    int depth = 0;
+    // A winner is nearer than the largest float.
+    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
+    const BoxTree& tree = index.tree();
+    open(frames[0], tree.node(0), qx, qy);
+    while (depth >= 0) {
+        Frame& frame = frames[depth];
+        const std::int32_t next = least(frame.keys);
+        if ((next & ~kLaneBits) > best.distance) {
+            --depth; // equal distances are visited: they may hold the winner of a tie
+            continue;
+        }
+        const std::int32_t lane = next & kLaneBits;
+        frame.keys[lane] = kDone;
+        const std::uint32_t child = frame.node->child[lane];
+        if ((child & BoxNode::kBlock) != 0) {
+            scanBlock(index, tree.block(child - BoxNode::kBlock), qx, qy, best);
+        } else {
+            const BoxNode& node = tree.node(child);
+            prefetch(node.child);
+            open(frames[++depth], node, qx, qy);
+        }
+    }
+    return best;
+}
+
+Best searchPortable(const NearestIndex& index, float qx, float qy) {
+    return search(index, qx, qy);
+}
+#if defined(QEL_VECTOR_UNITS)
+QEL_AVX2 Best searchAvx2(const NearestIndex& index, float qx, float qy) {
+    return search(index, qx, qy);
+}
+QEL_AVX512 Best searchAvx512(const NearestIndex& index, float qx, float qy) {
+    return search(index, qx, qy);
+}
+#endif
+
+Best searchOnThisMachine(const NearestIndex& index, float qx, float qy) {
+    switch (vectorUnit()) {
+#if defined(QEL_VECTOR_UNITS)
+    case VectorUnit::avx512:
+        return searchAvx512(index, qx, qy);
+    case VectorUnit::avx2:
+        return searchAvx2(index, qx, qy);
+#endif
+    default:
+        return searchPortable(index, qx, qy);
+    }
+}
+
+} // namespace
+
+NearestHit searchNearest(const NearestIndex& index, float qx, float qy) {
+    const Best best = searchOnThisMachine(index, qx, qy);
+    if (best.block == nullptr) {
+        return {};
+    }
+    return {best.block->index[best.lane], floatOf(best.distance), true};
+}
+
+} // namespace qel

@@ -1,0 +1,411 @@
+#include <qel/QuadtreeBucket.h>
+
+#include <cmath>
+#include <limits>
+#include <type_traits>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "spatial/StatedSearch.h"
+#include "support/Errors.h"
+#include "support/Samples.h"
+
+using qel::QuadtreeBucket;
+using qel_test::Samples;
+using qel_test::StatedSearch;
+using qel_test::throwsInternal;
+using qel_test::throwsInvalid;
+using Point = qel::TripletBase<float>;
+using Points = std::vector<Point>;
+
+namespace {
+
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kMax = std::numeric_limits<float>::max();
+
+QuadtreeBucket bucketOf(const Points& points, int maxDepth = 10, int capacity = 10) {
+    QuadtreeBucket bucket(maxDepth, capacity);
+    bucket.construct(points);
+    return bucket;
+}
+
+// The index found, or StatedSearch::kNone for a refusal.
+std::size_t found(QuadtreeBucket& bucket, const Point& query) {
+    try {
+        return bucket.findNearestPoint(query);
+    } catch (const qel::data::invalid&) {
+        return StatedSearch::kNone;
+    }
+}
+
+// Compares one query with the plain search, and the state left behind.
+void checkQuery(QuadtreeBucket& bucket, StatedSearch& stated, const Points& points,
+                const Point& query) {
+    SCOPED_TRACE(::testing::Message() << "query " << query);
+    const std::size_t expected = stated.find(query);
+    ASSERT_EQ(found(bucket, query), expected);
+    ASSERT_EQ(bucket.getBestDistance(), stated.bestDistance());
+    if (expected == StatedSearch::kNone) {
+        ASSERT_EQ(bucket.getBestObject(), nullptr);
+    } else {
+        ASSERT_EQ(bucket.getBestObject()->index, expected);
+        ASSERT_EQ(bucket.getBestObject()->point.x, points[expected].x);
+        ASSERT_EQ(bucket.getBestObject()->point.y, points[expected].y);
+    }
+}
+
+void checkQueries(const Points& points, int maxDepth, int capacity, const Points& queries) {
+    SCOPED_TRACE(::testing::Message()
+                 << points.size() << " points, limits " << maxDepth << " and " << capacity);
+    QuadtreeBucket bucket = bucketOf(points, maxDepth, capacity);
+    StatedSearch stated(points, maxDepth, capacity);
+    ASSERT_EQ(bucket.getMaxDepthReached(), stated.maxDepthReached());
+    for (const Point& query : queries) {
+        checkQuery(bucket, stated, points, query);
+        if (::testing::Test::HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
+// -- Clouds ----
+
+enum CloudKind { plainCloud, gridCloud, lineCloud, repeatedCloud, scaledCloud, badCloud, kinds };
+
+Point sampledPoint(Samples<float>& samples, CloudKind kind) {
+    const auto grid = [&] { return static_cast<float>(samples.integer(-4, 4)); };
+    switch (kind) {
+    case gridCloud:
+        return Point(grid(), grid(), samples.plain());
+    case lineCloud:
+        return Point(3.0f, samples.integer(0, 1) != 0 ? grid() : samples.plain(), 0.0f);
+    case repeatedCloud:
+        return Point(grid() * 0.5f, 0.25f * grid(), grid());
+    case badCloud:
+        return Point(samples.any(), samples.any(), samples.any());
+    default:
+        return Point(samples.plain(), samples.plain(), samples.plain());
+    }
+}
+
+Points sampledCloud(Samples<float>& samples, CloudKind kind, int count) {
+    Points points;
+    const float scale =
+        kind == scaledCloud ? std::pow(10.0f, static_cast<float>(samples.integer(-38, 36))) : 1.0f;
+    const float shift = kind == scaledCloud && samples.integer(0, 1) != 0 ? samples.plain() : 0.0f;
+    for (int i = 0; i < count; ++i) {
+        const Point p = sampledPoint(samples, kind);
+        points.emplace_back(p.x * scale + shift, p.y * scale + shift, p.z);
+    }
+    return points;
+}
+
+// On the points, half way between two of them, anywhere, and far away.
+Point sampledQuery(Samples<float>& samples, const Points& points, CloudKind kind) {
+    const auto pick = [&] {
+        return points[static_cast<std::size_t>(
+            samples.integer(0, static_cast<int>(points.size()) - 1))];
+    };
+    const Point p = pick(), q = pick();
+    switch (samples.integer(0, 6)) {
+    case 0:
+        return p;
+    case 1:
+        return Point((p.x + q.x) / 2, (p.y + q.y) / 2, 0.0f);
+    case 2:
+        return Point(p.x + (p.x - q.x), q.y, 0.0f);
+    case 3:
+        return Point(1000.0f * samples.plain(), 1000.0f * samples.plain(), 0.0f);
+    case 4:
+        return Point(samples.any(), samples.any(), 0.0f);
+    default:
+        return sampledPoint(samples, kind);
+    }
+}
+
+void checkSampledClouds(CloudKind kind, unsigned seed, int clouds, int mostPoints, int queries) {
+    Samples<float> samples(seed);
+    for (int n = 0; n < clouds && !::testing::Test::HasFatalFailure(); ++n) {
+        SCOPED_TRACE(::testing::Message() << "kind " << kind << ", cloud " << n);
+        const Points points = sampledCloud(samples, kind, samples.integer(1, mostPoints));
+        Points probes;
+        for (int i = 0; i < queries; ++i) {
+            probes.push_back(sampledQuery(samples, points, kind));
+        }
+        checkQueries(points, samples.integer(0, 14), samples.integer(0, 12), probes);
+    }
+}
+
+} // namespace
+
+// -- Stated cases ----
+
+TEST(QuadtreeBucket, EmptyListIsRefused) {
+    QuadtreeBucket bucket;
+    EXPECT_THAT([&] { bucket.construct({}); },
+                throwsInternal("Quadtree", "construct", "Vector of verticies empty."));
+    EXPECT_THAT([&] { bucket.findNearestPoint(Point(0, 0, 0)); },
+                throwsInternal("Quadtree", "findNearestPoint", "No points to search."));
+}
+
+TEST(QuadtreeBucket, RefusedListLeavesTheEarlierPoints) {
+    QuadtreeBucket bucket = bucketOf({Point(1, 1, 0), Point(2, 2, 0)});
+    EXPECT_THAT([&] { bucket.construct({}); },
+                throwsInternal("Quadtree", "construct", "Vector of verticies empty."));
+    EXPECT_EQ(bucket.findNearestPoint(Point(3, 3, 0)), 1u);
+}
+
+TEST(QuadtreeBucket, WithoutPointsQueriesAreRefused) {
+    QuadtreeBucket bucket;
+    EXPECT_THAT([&] { bucket.findNearestPoint(Point(0, 0, 0)); },
+                throwsInternal("Quadtree", "findNearestPoint", "No points to search."));
+    EXPECT_EQ(bucket.getBestObject(), nullptr);
+}
+
+TEST(QuadtreeBucket, OnePointIsAlwaysNearest) {
+    QuadtreeBucket bucket = bucketOf({Point(1, 2, 3)});
+    for (const Point& query : {Point(1, 2, 3), Point(0, 0, 0), Point(-1e6f, 1e6f, 0)}) {
+        EXPECT_EQ(bucket.findNearestPoint(query), 0u);
+    }
+}
+
+TEST(QuadtreeBucket, FirstOfEqualDistancesInTheLeafWins) {
+    QuadtreeBucket bucket = bucketOf({Point(0, 0, 0), Point(1, 0, 0), Point(0, 1, 0)});
+    EXPECT_EQ(bucket.findNearestPoint(Point(0.4f, 0.4f, 0)), 0u);
+    EXPECT_EQ(bucket.findNearestPoint(Point(0.5f, 0, 0)), 0u);
+    EXPECT_EQ(bucket.getBestDistance(), 0.25f);
+}
+
+TEST(QuadtreeBucket, HeightDoesNotMatter) {
+    QuadtreeBucket bucket = bucketOf({Point(0, 0, 100), Point(1, 0, 0)});
+    EXPECT_EQ(bucket.findNearestPoint(Point(0, 0, 0)), 0u);
+    EXPECT_EQ(bucket.findNearestPoint(Point(0, 0, kNan)), 0u);
+    EXPECT_EQ(bucket.getBestObject()->point.z, 100.0f);
+}
+
+TEST(QuadtreeBucket, EleventhPointSplitsTheRoot) {
+    Points points;
+    for (int i = 0; i < 10; ++i) {
+        points.emplace_back(static_cast<float>(i), static_cast<float>(i % 3), 0.0f);
+    }
+    EXPECT_EQ(bucketOf(points).getMaxDepthReached(), 0);
+    points.emplace_back(10.0f, 0.0f, 0.0f);
+    QuadtreeBucket bucket = bucketOf(points);
+    EXPECT_EQ(bucket.getMaxDepthReached(), 1);
+    EXPECT_EQ(bucket.findNearestPoint(Point(1e4f, 0, 0)), 10u);
+    EXPECT_EQ(bucket.findNearestPoint(Point(-1e4f, 0, 0)), 0u);
+}
+
+TEST(QuadtreeBucket, SplitFallsOnTheMiddleOfTheRootWithItsMargins) {
+    // Points 4 and 6 are equally far from the query 5, which lies on the cut and so in the high
+    // half; 6 wins although 4 comes first in the list.
+    Points points;
+    for (int i = 0; i <= 10; ++i) {
+        points.emplace_back(static_cast<float>(i == 5 ? 4 : i), 0.0f, 0.0f);
+    }
+    QuadtreeBucket bucket = bucketOf(points);
+    EXPECT_EQ(bucket.findNearestPoint(Point(5, 0, 0)), 6u);
+    EXPECT_EQ(bucket.findNearestPoint(Point(std::nextafter(5.0f, 0.0f), 0, 0)), 4u);
+    points.pop_back(); // one leaf again
+    QuadtreeBucket unsplit = bucketOf(points);
+    EXPECT_EQ(unsplit.findNearestPoint(Point(5, 0, 0)), 4u);
+}
+
+TEST(QuadtreeBucket, IdenticalPointsEndInOneDeepLeaf) {
+    const Points points(20, Point(1, 1, 0));
+    QuadtreeBucket bucket = bucketOf(points);
+    EXPECT_EQ(bucket.getMaxDepthReached(), 10);
+    EXPECT_EQ(bucket.findNearestPoint(Point(1, 1, 0)), 0u);
+    EXPECT_EQ(bucket.findNearestPoint(Point(-5, 7, 0)), 0u);
+}
+
+// -- Life of a bucket ----
+
+TEST(QuadtreeBucket, SecondListReplacesTheFirst) {
+    QuadtreeBucket bucket = bucketOf({Point(0, 0, 0), Point(9, 9, 0), Point(3, 3, 0)});
+    bucket.findNearestPoint(Point(3, 3, 0));
+    bucket.construct({Point(5, 5, 0), Point(9, 9, 0)});
+    EXPECT_EQ(bucket.getBestObject(), nullptr);
+    EXPECT_EQ(bucket.findNearestPoint(Point(3, 3, 0)), 0u);
+}
+
+TEST(QuadtreeBucket, IsMovedNotCopied) {
+    EXPECT_FALSE(std::is_copy_constructible<QuadtreeBucket>::value);
+    EXPECT_FALSE(std::is_copy_assignable<QuadtreeBucket>::value);
+    EXPECT_TRUE(std::is_nothrow_move_constructible<QuadtreeBucket>::value);
+    EXPECT_TRUE(std::is_nothrow_move_assignable<QuadtreeBucket>::value);
+
+    QuadtreeBucket source(3, 2);
+    source.construct({Point(0, 0, 0), Point(1, 0, 0)});
+    source.findNearestPoint(Point(1, 0, 0));
+    QuadtreeBucket target(std::move(source));
+    EXPECT_EQ(target.getBestObject()->index, 1u);
+    EXPECT_EQ(target.findNearestPoint(Point(0.9f, 0, 0)), 1u);
+    EXPECT_EQ(target.getMaxDepth(), 3);
+    EXPECT_EQ(target.getBucketCapacity(), 2);
+    EXPECT_EQ(source.getMaxDepth(), 3);
+    EXPECT_EQ(source.getBestObject(), nullptr);
+    EXPECT_THAT([&] { source.findNearestPoint(Point(0, 0, 0)); },
+                throwsInternal("Quadtree", "findNearestPoint", "No points to search."));
+    source.construct({Point(4, 4, 0)}); // may be filled again
+    EXPECT_EQ(source.findNearestPoint(Point(0, 0, 0)), 0u);
+
+    QuadtreeBucket assigned;
+    assigned.construct({Point(7, 7, 0)});
+    assigned = std::move(target);
+    EXPECT_EQ(assigned.findNearestPoint(Point(0.9f, 0, 0)), 1u);
+}
+
+TEST(QuadtreeBucket, DefaultLimitsAreTen) {
+    const QuadtreeBucket bucket;
+    EXPECT_EQ(bucket.getMaxDepth(), 10);
+    EXPECT_EQ(bucket.getBucketCapacity(), 10);
+    EXPECT_EQ(bucket.getMaxDepthReached(), 0);
+    EXPECT_EQ(bucket.getBestDistance(), kMax);
+}
+
+TEST(QuadtreeObject, HoldsAPointAndItsPosition) {
+    const qel::QuadtreeObject empty;
+    EXPECT_EQ(empty.point, Point());
+    EXPECT_EQ(empty.index, 0u);
+    const qel::QuadtreeObject object(Point(1, 2, 3), 7);
+    const qel::QuadtreeObject copy(object);
+    EXPECT_EQ(copy.point, Point(1, 2, 3));
+    EXPECT_EQ(copy.index, 7u);
+}
+
+TEST(QuadtreeQuad, IsAnEmptyLeafWhenBuiltAndIsCopiedShallowly) {
+    qel::QuadtreeQuad quad;
+    EXPECT_EQ(quad.splitType, 2);
+    EXPECT_EQ(quad.lowChild, nullptr);
+    EXPECT_EQ(quad.highChild, nullptr);
+    EXPECT_EQ(quad.parent, nullptr);
+    EXPECT_TRUE(quad.objects.empty());
+    qel::QuadtreeQuad child;
+    const qel::QuadtreeObject object(Point(1, 2, 3), 7);
+    quad.xmax = 4.0f;
+    quad.depth = 3;
+    quad.splitType = qel::QuadtreeQuad::splitAcrossY;
+    quad.lowChild = &child;
+    quad.objects.push_back(&object);
+    qel::QuadtreeQuad copy;
+    copy = quad;
+    EXPECT_EQ(copy.xmax, 4.0f);
+    EXPECT_EQ(copy.depth, 3);
+    EXPECT_EQ(copy.splitType, 1);
+    EXPECT_EQ(copy.lowChild, &child);
+    ASSERT_EQ(copy.objects.size(), 1u);
+    EXPECT_EQ(copy.objects[0], &object);
+}
+
+// -- What cannot be found ----
+
+TEST(QuadtreeBucket, UnreachableQueriesAreRefused) {
+    QuadtreeBucket bucket = bucketOf({Point(0, 0, 0), Point(1, 1, 0)});
+    for (const Point& query : {Point(kNan, 0, 0), Point(0, kNan, 0), Point(kInfinity, 0, 0),
+                               Point(0, -kInfinity, 0), Point(1e30f, 0, 0)}) {
+        bucket.findNearestPoint(Point(0, 0, 0));
+        EXPECT_THAT(
+            [&] { bucket.findNearestPoint(query); },
+            throwsInvalid("Quadtree", "findNearestPoint", "No point at a finite distance."));
+        EXPECT_EQ(bucket.getBestObject(), nullptr);
+        EXPECT_EQ(bucket.getBestDistance(), kMax);
+    }
+}
+
+TEST(QuadtreeBucket, NonFinitePointsAreNeverFound) {
+    QuadtreeBucket bucket = bucketOf({Point(kNan, 0, 0), Point(0, kInfinity, 0), Point(5, 5, 0)});
+    EXPECT_EQ(bucket.findNearestPoint(Point(0, 0, 0)), 2u);
+    QuadtreeBucket none = bucketOf({Point(kNan, kNan, 0), Point(kInfinity, kInfinity, 0)});
+    EXPECT_THAT([&] { none.findNearestPoint(Point(0, 0, 0)); },
+                throwsInvalid("Quadtree", "findNearestPoint", "No point at a finite distance."));
+}
+
+// -- Any limits ----
+
+TEST(QuadtreeBucket, LimitsBeyondReasonNeitherHangNorExhaustMemory) {
+    Samples<float> samples(401);
+    Points points = sampledCloud(samples, plainCloud, 500);
+    points.insert(points.end(), 50, points[3]);
+    constexpr int limits[] = {std::numeric_limits<int>::min(), -1, 0, 1, 100000,
+                              std::numeric_limits<int>::max()};
+    for (const int maxDepth : limits) {
+        for (const int capacity : limits) {
+            QuadtreeBucket bucket = bucketOf(points, maxDepth, capacity);
+            for (std::size_t i = 0; i < 500; ++i) {
+                ASSERT_EQ(bucket.findNearestPoint(points[i]), i);
+            }
+        }
+    }
+}
+
+TEST(QuadtreeBucket, HugeDepthAnswersLikeEnoughDepth) {
+    // Equal points split for ever; from some depth on nothing changes any more. The plain search
+    // still gets there.
+    Samples<float> samples(402);
+    for (int n = 0; n < 12; ++n) {
+        const Points points =
+            sampledCloud(samples, static_cast<CloudKind>(n % kinds), samples.integer(1, 12));
+        const int capacity = samples.integer(0, 2);
+        QuadtreeBucket bucket = bucketOf(points, 100000, capacity);
+        StatedSearch stated(points, 640, capacity);
+        for (int i = 0; i < 50; ++i) {
+            const Point query = sampledQuery(samples, points, static_cast<CloudKind>(n % kinds));
+            checkQuery(bucket, stated, points, query);
+            ASSERT_FALSE(HasFatalFailure()) << "cloud " << n;
+        }
+    }
+}
+
+TEST(QuadtreeBucket, ManyIdenticalPointsAreFoundAtOnce) {
+    const Points points(200000, Point(2, 3, 0));
+    QuadtreeBucket bucket = bucketOf(points, 1000, 10);
+    for (int i = 0; i < 20000; ++i) {
+        ASSERT_EQ(bucket.findNearestPoint(Point(static_cast<float>(i), 0, 0)), 0u);
+    }
+}
+
+// -- Against the plain search ----
+
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFinds) {
+    checkSampledClouds(plainCloud, 411, 600, 400, 100);
+}
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsOnGrids) {
+    checkSampledClouds(gridCloud, 412, 1500, 200, 100);
+}
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsOnALine) {
+    checkSampledClouds(lineCloud, 413, 600, 200, 100);
+}
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAmongRepeatedPoints) {
+    checkSampledClouds(repeatedCloud, 414, 600, 300, 100);
+}
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAtAnyScale) {
+    checkSampledClouds(scaledCloud, 415, 800, 200, 100);
+}
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAmongBadPoints) {
+    checkSampledClouds(badCloud, 416, 1500, 120, 100);
+}
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInLargeClouds) {
+    checkSampledClouds(plainCloud, 417, 4, 60000, 2000);
+    checkSampledClouds(gridCloud, 418, 4, 20000, 200);
+}
+
+TEST(QuadtreeBucket, FindsTheLeastDistance) {
+    Samples<float> samples(419);
+    for (int n = 0; n < 200; ++n) {
+        const Points points = sampledCloud(samples, plainCloud, samples.integer(1, 2000));
+        QuadtreeBucket bucket = bucketOf(points, 24, 8);
+        for (int i = 0; i < 100; ++i) {
+            const Point query(samples.plain(), samples.plain(), 0.0f);
+            float least = kMax;
+            for (const Point& p : points) {
+                const float dx = query.x - p.x, dy = query.y - p.y;
+                least = std::min(least, dx * dx + dy * dy);
+            }
+            bucket.findNearestPoint(query);
+            ASSERT_EQ(bucket.getBestDistance(), least);
+        }
+    }
+}
