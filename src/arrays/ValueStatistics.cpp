@@ -3,8 +3,8 @@
 // Extremes and count do not depend on order, but for the sign of a zero, which is looked up, and
 // for NaN, whose blocks take the defining loop. The sum does, where it rounds. A sum of doubles is
 // exact, and so free of order, while every term is a multiple of some 2^q and no partial sum
-// exceeds 2^(53+q): a float is a multiple of its last digit, so the least exponent of a block and
-// its largest magnitude tell. Blocks that pass are added up in lanes; the others in index order.
+// reaches 2^(53+q): the last digits of the smallest value and of the sum so far, and the largest
+// magnitude, tell. Blocks that pass are added up in lanes; the others in index order.
 
 #include "arrays/ValueStatistics.h"
 
@@ -93,12 +93,22 @@ struct SumKernel {
     }
 };
 
-// 2^q divides every value of the block.
-int lastDigitExponent(std::int32_t smallestMagnitude) {
+// The power of two that every value of the block is a multiple of: the last digit of the smallest
+// one.
+double lastDigitOf(std::int32_t smallestMagnitude) {
     constexpr int kDigitBits = 23;
     constexpr int kSmallestExponent = -149;
     const int exponent = smallestMagnitude >> kDigitBits; // 0 and 1 share the last digit
-    return std::max(exponent, 1) - 1 + kSmallestExponent;
+    return std::ldexp(1.0, std::max(exponent, 1) - 1 + kSmallestExponent);
+}
+
+// The largest power of two that a sum other than 0 is a multiple of.
+double lastDigitOf(double sum) {
+    constexpr int kDigits = std::numeric_limits<double>::digits;
+    int exponent = 0;
+    const double fraction = std::frexp(sum, &exponent);
+    const auto digits = static_cast<std::int64_t>(std::ldexp(fraction, kDigits));
+    return std::ldexp(static_cast<double>(digits & -digits), exponent - kDigits);
 }
 
 // True if adding kBlock values to the sum is exact in every order.
@@ -108,12 +118,14 @@ bool isExact(double sum, const BlockExtremes& block) {
     }
     const double largest = std::max(std::fabs(static_cast<double>(floatOf(keyOf(block.least)))),
                                     std::fabs(static_cast<double>(floatOf(keyOf(block.most)))));
-    const double digits = std::ldexp(1.0, -lastDigitExponent(block.closest));
-    const double sumInDigits = sum * digits;             // a scaling by a power of two; exact
-    constexpr double kLargestExact = 9007199254740992.0; // 2^53
-    return std::fabs(sumInDigits) + static_cast<double>(kBlock) * largest * digits <=
-               kLargestExact &&
-           sumInDigits == std::nearbyint(sumInDigits);
+    const double bound = std::fabs(sum) + static_cast<double>(kBlock) * largest;
+    if (!std::isfinite(bound)) {
+        return false;
+    }
+    const double ofBlock = lastDigitOf(block.closest);
+    const double digit = sum == 0.0 ? ofBlock : std::min(ofBlock, lastDigitOf(sum));
+    constexpr double kTwoTo53 = 9007199254740992.0;
+    return bound < kTwoTo53 * digit;
 }
 
 // The extreme as the loop leaves it: of zeros, the first one.

@@ -40,6 +40,11 @@ bool isOwnKind(const TripletQELVector&) {
     return true;
 }
 
+// Bracketing a root costs more than the C library's function, unless many are done at once.
+bool bracketingPays() {
+    return vectorUnit() != VectorUnit::portable;
+}
+
 // -- Point by point, through the arrays' operations ----
 
 // Stores formula(point) in out[point] for every point.
@@ -171,7 +176,12 @@ void TensorEigenizer::getHelicity(TripletQELVector& velocity, FloatQELVector& ou
 }
 
 void TensorEigenizer::get2ndEValSymmTT(FloatQELVector& out) const {
-    evaluate<secondEigenvalue, SecondEigenvalueKernel>({n_, *row1_, *row2_, *row3_}, out);
+    const Field field = {n_, *row1_, *row2_, *row3_};
+    if (bracketingPays()) {
+        evaluate<secondEigenvalue, SecondEigenvalueKernel>(field, out);
+    } else {
+        evaluate<secondEigenvalue>(field, out);
+    }
 }
 
 // -- Eigenvalues and what is built on them ----
@@ -184,7 +194,7 @@ void TensorEigenizer::getSwirlStrength(FloatQELVector& swirl,
     if (n_ == 0) {
         return;
     }
-    if (isOwnKind(swirl) && isOwnKind(realEigenvalue)) {
+    if (bracketingPays() && isOwnKind(swirl) && isOwnKind(realEigenvalue)) {
         const FloatRun first = runOf(swirl, n_);
         const FloatRun second = runOf(realEigenvalue, n_);
         const Rows rows = field.rows();
