@@ -10,10 +10,8 @@ bool ParameterWalk::inOrder(const std::vector<double>& svalues) {
     return ordered;
 }
 
-Point ParameterWalk::searched(double s) {
-    const auto [lo, hi] = bracketOf(svalues_, s);
-    hi_ = hi;
-    return pointBetween(points_[lo], points_[hi], svalues_[lo], svalues_[hi], s);
+Bracket ParameterWalk::farBracket(const std::vector<double>& svalues, double s) {
+    return bracketOf(svalues, s);
 }
 
 } // namespace qel
