@@ -27,38 +27,12 @@ public:
           svalues_(svalues),
           p_(points.data()),
           s_(svalues.data()),
-          first_(svalues.front()),
-          last_(svalues.back()),
           walks_(expected >= svalues.size() / kSearchPays && points.size() == svalues.size() &&
-                 inOrder(svalues)),
-          small_(first_ >= -10.0 && last_ <= 10.0) {}
+                 svalues.front() >= -10.0 && svalues.back() <= 10.0 && inOrder(svalues)) {}
 
-    /// What ParametricCurve::getPointAtParameter(s) returns.
-    Point at(double s) {
-        if (s > last_) {
-            s = last_; // where all s-values are equal, the first point answers
-        }
-        if (!(s > first_)) {
-            return points_.front();
-        }
-        if (!(s < last_)) {
-            return points_.back();
-        }
-        if (!walks_ || !stepTo(s)) {
-            const Bracket far = farBracket(svalues_, s);
-            hi_ = far.hi;
-            return pointBetween(points_[far.lo], points_[far.hi], svalues_[far.lo],
-                                svalues_[far.hi], s);
-        }
-        const Point& pLo = p_[hi_ - 1];
-        const Point& pHi = p_[hi_];
-        const double sLo = s_[hi_ - 1];
-        const double ds = s_[hi_] - sLo;
-        if (!surelyDistinct(ds)) {
-            return pointBetween(pLo, pHi, sLo, s_[hi_], s);
-        }
-        return pLo + (pHi - pLo) * ((s - sLo) / ds);
-    }
+    /// What ParametricCurve::getPointAtParameter(s) returns, by a search. A walk goes on from
+    /// there.
+    Point at(double s);
 
     /// Gives emit(k, point) for every k from begin to end - 1, the point being at(parameterAt(k)).
     template <typename ParameterAt, typename Emit>
@@ -75,37 +49,17 @@ private:
     static constexpr std::size_t kSearchPays = 16; // points of the curve for each one asked for
     static constexpr int kSteps = 8;               // farther than this, a search is faster
 
-    // The spacing of an s up to 10 is at most epsilon, so that steps of this size never count as
-    // equal; spares the search for the decade.
-    bool surelyDistinct(double ds) const {
-        constexpr double kEpsilon = 2.220446049250313e-16;
-        return ds >= kEqualSvalues * kEpsilon && small_;
-    }
+    // Steps of this size between s-values up to 10, whose spacing is at most epsilon, never count
+    // as equal; spares the search for the decade.
+    static constexpr double kSurelyDistinct = kEqualSvalues * 2.220446049250313e-16;
 
     static bool inOrder(const std::vector<double>& svalues);
 
-    // A function of its own, which sees no walk, so that the walk's state stays in registers.
-    static Bracket farBracket(const std::vector<double>& svalues, double s);
-
-    // Moves hi_ to the first s-value above s. False if it is not near, or if the bracket does not
-    // start at the point before because s-values equal to s repeat.
-    bool stepTo(double s) {
-        if (s < s_[hi_ - 1]) {
-            return false;
-        }
-        for (int step = 0; step < kSteps; ++step, ++hi_) {
-            if (s < s_[hi_]) { // holds at the last one at the latest
-                return s_[hi_ - 1] < s || s_[hi_ - 2] < s;
-            }
-        }
-        return false;
-    }
-
-    // Emits points as long as the next parameter is near and its bracket plain, and returns the
-    // first k that is left to at(). What changes stands in locals: nothing waits for memory.
+    // Emits points as long as the next parameter is near and its bracket plain; returns the first
+    // k that is left to at(). What changes stands in locals: nothing waits for memory.
     template <typename ParameterAt, typename Emit>
     std::size_t runOfNear(std::size_t k, std::size_t end, ParameterAt parameterAt, Emit emit) {
-        if (!walks_ || !small_) {
+        if (!walks_) {
             return k;
         }
         const std::size_t last = svalues_.size() - 1;
@@ -121,9 +75,10 @@ private:
                 sLo = sHi;
                 sHi = s_[++hi];
             }
+            // An s equal to sLo has its bracket there unless that is not the first of a run.
             const bool startsAtLo = sLo < s || (hi > 1 && s_[hi - 2] < s);
             const double ds = sHi - sLo;
-            if (s >= sHi || !startsAtLo || !surelyDistinct(ds)) {
+            if (s >= sHi || !startsAtLo || !(ds >= kSurelyDistinct)) {
                 break;
             }
             emit(k, p_[hi - 1] + (p_[hi] - p_[hi - 1]) * ((s - sLo) / ds));
@@ -136,10 +91,7 @@ private:
     const std::vector<double>& svalues_;
     const Point* p_;
     const double* s_;
-    double first_;
-    double last_;
     bool walks_;
-    bool small_; // no s-value is beyond 10 in magnitude
     std::size_t hi_ = 1;
 };
 

@@ -144,12 +144,15 @@ void ParametricCurve::getCurveWithMinimumS(Points& points, std::vector<double>& 
     for (std::size_t i = 1; i < points_.size(); ++i) {
         const double d = svalues_[i] - svalues_[i - 1];
         const std::size_t k = inserted(i);
-        for (std::size_t j = 1; j <= k; ++j) {
-            const double s =
-                d * static_cast<double>(j) / static_cast<double>(k + 1) + svalues_[i - 1];
-            points.push_back(walk.at(s));
-            svalues.push_back(s);
-        }
+        const double parts = static_cast<double>(k + 1);
+        const double start = svalues_[i - 1];
+        const auto parameterAt = [&](std::size_t j) {
+            return d * static_cast<double>(j) / parts + start;
+        };
+        walk.forEach(1, k + 1, parameterAt, [&](std::size_t j, const Point& p) {
+            points.push_back(p);
+            svalues.push_back(parameterAt(j));
+        });
         points.push_back(points_[i]);
         svalues.push_back(svalues_[i]);
     }
