@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by the scripts beside it, which source it first.
 
 set -euo pipefail

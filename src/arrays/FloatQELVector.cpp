@@ -4,8 +4,13 @@
 
 #include <iostream>
 #include <sstream>
+#include <typeinfo>
+
+#include <qel/FloatQELVectorComponent.h>
+#include <qel/FloatQELVectorConcrete.h>
 
 #include "arrays/UndefinedText.h"
+#include "arrays/ValueStatistics.h"
 
 namespace qel {
 namespace {
@@ -21,27 +26,24 @@ FloatQELVector::~FloatQELVector() = default;
 
 // -- Statistics ----
 
+// Arrays of the library's own kinds lie in memory at their stride; a caller's may do as it likes
+// between Begin() and End() and is walked.
 void FloatQELVector::updateCache() const {
-    nValid_ = 0;
-    sum_ = 0.0;
-    min_ = kUndefined;
-    max_ = kUndefined;
     // Only reads; the iterators are not const because the interface gives out one kind.
     FloatQELVector& self = const_cast<FloatQELVector&>(*this);
-    for (Iterator it = self.Begin(); it != self.End(); ++it) {
-        const float value = *it;
-        if (value == kUndefined) {
-            continue;
+    ValueStatistics s;
+    if (typeid(*this) == typeid(FloatQELVectorConcrete) ||
+        typeid(*this) == typeid(FloatQELVectorComponent)) {
+        s = statisticsOf(self.Begin().operator->(), static_cast<std::size_t>(getStride()), size());
+    } else {
+        for (Iterator it = self.Begin(); it != self.End(); ++it) {
+            s.add(*it);
         }
-        if (min_ == kUndefined || min_ > value) {
-            min_ = value;
-        }
-        if (max_ == kUndefined || value > max_) {
-            max_ = value;
-        }
-        ++nValid_;
-        sum_ += static_cast<double>(value);
     }
+    min_ = s.min;
+    max_ = s.max;
+    sum_ = s.sum;
+    nValid_ = s.count;
     cacheValid_ = true;
 }
 

@@ -39,11 +39,7 @@ FloatQELVector::Iterator FloatQELVectorComponent::Begin() {
 // One stride beyond the last value; of y and z that is past the storage's end, where nothing is
 // read.
 FloatQELVector::Iterator FloatQELVectorComponent::End() {
-    Iterator end = Begin();
-    if (!empty()) {
-        end = {getStride(), &*end + static_cast<std::ptrdiff_t>(3 * size())};
-    }
-    return end;
+    return {getStride(), Begin().operator->() + static_cast<std::ptrdiff_t>(3 * size())};
 }
 
 int FloatQELVectorComponent::getStride() const {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "curve/DistanceLanes.h"
 #include "platform/VectorUnit.h"
 
 namespace qel {
@@ -13,6 +14,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kRun = RunBoxes::kRun;
 constexpr std::size_t kFan = RunBoxes::kFan;
+static_assert(kRun == kDistanceLanes, "a run is measured at once");
 
 // A box of level l holds the vertices whose index shifted right by this is the box's number.
 constexpr std::size_t levelBits(std::size_t level) {
@@ -47,45 +49,16 @@ QEL_KERNEL bool mayPrecede(double d2, std::size_t first, const Best& best) {
     return (d2 < best.d2) | ((d2 == best.d2) & (first < best.index));
 }
 
-QEL_KERNEL void squaredDistancesOfRun(const Point* points, const Point& q, double* d2) {
-    for (std::size_t i = 0; i < kRun; ++i) {
-        const double x = points[i].x - q.x;
-        const double y = points[i].y - q.y;
-        const double z = points[i].z - q.z;
-        d2[i] = x * x + y * y + z * z;
-    }
-}
-
-// The smallest of some values, or infinity; NaN does not count.
-template <std::size_t count>
-QEL_KERNEL double smallest(const double* values) {
-    if constexpr (count == 1) {
-        return values[0] < kInfinity ? values[0] : kInfinity;
-    } else {
-        constexpr std::size_t half = count / 2;
-        double lesser[half];
-        for (std::size_t i = 0; i < half; ++i) {
-            const double a = values[i] < kInfinity ? values[i] : kInfinity;
-            lesser[i] = values[i + half] < a ? values[i + half] : a;
-        }
-        return smallest<half>(lesser);
-    }
-}
-
 QEL_KERNEL void searchRun(const RunBoxes::View& view, std::size_t run, const Point& q, Best& best) {
-    double d2[kRun];
     // The last run is looked at from kRun vertices before the end; the vertices seen twice, or
     // without need, change nothing.
     const std::size_t first = std::min(run * kRun, view.count - kRun);
-    squaredDistancesOfRun(view.points + first, q, d2);
-    const double least = smallest<kRun>(d2);
+    const Point* points = view.points + first;
+    const double least = leastSquaredDistance(points, kRun, q, kInfinity);
     if (mayPrecede(least, first, best)) {
-        std::size_t i = 0;
-        while (d2[i] != least) {
-            ++i;
-        }
-        if (mayPrecede(least, first + i, best)) {
-            best = {least, first + i};
+        const std::size_t index = first + firstAtSquaredDistance(least, points, q);
+        if (mayPrecede(least, index, best)) {
+            best = {least, index};
         }
     }
 }

@@ -25,8 +25,12 @@ namespace qel {
 #define QEL_VECTOR_UNITS 1
 #define QEL_KERNEL __attribute__((always_inline)) inline
 #define QEL_AVX2 __attribute__((target("avx2,fma")))
-#define QEL_AVX512                                                                                 \
-    __attribute__((target("avx2,fma,avx512f,avx512dq,avx512bw,avx512vl,prefer-vector-width=512")))
+#define QEL_AVX512_SET "avx2,fma,avx512f,avx512dq,avx512bw,avx512vl"
+#if defined(__clang__) // takes the full width by itself and does not know the option
+#define QEL_AVX512 __attribute__((target(QEL_AVX512_SET)))
+#else
+#define QEL_AVX512 __attribute__((target(QEL_AVX512_SET ",prefer-vector-width=512")))
+#endif
 #else
 #define QEL_KERNEL inline
 #endif

@@ -7,21 +7,15 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 
 namespace qel {
 namespace {
 
+constexpr int kSinglePassBits = 10;
 constexpr std::size_t kShortRun = 32; // sorted by comparisons
 constexpr int kDigitBits = 6;
 constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
-
-// Moves bit i to bit 2i; 16 bits at most.
-std::uint32_t spread(std::uint32_t bits) {
-    bits = (bits | (bits << 8)) & 0x00ff00ffu;
-    bits = (bits | (bits << 4)) & 0x0f0f0f0fu;
-    bits = (bits | (bits << 2)) & 0x33333333u;
-    return (bits | (bits << 1)) & 0x55555555u;
-}
 
 bool isInCellOrder(const PlanePoint& a, const PlanePoint& b) {
     return a.cell < b.cell;
@@ -59,34 +53,36 @@ void sortRun(PlanePoint* run, PlanePoint* scratch, std::size_t count, int bits) 
 
 } // namespace
 
-std::vector<PlanePoint> sortByCells(const std::vector<TripletBase<float>>& points,
-                                    const GridCells& gridX, const GridCells& gridY) {
+void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
+                 const GridCells& gridY, LeafOrder& order) {
     const int cellBits = 2 * gridX.levels();
-    const int runBits = cellBits > 10 ? cellBits / 2 : 0; // few cells: a single pass
-    std::vector<PlanePoint> located(points.size());
+    const int runBits = cellBits > kSinglePassBits ? cellBits / 2 : 0;
+    std::vector<std::uint32_t>& cells = order.cells;
     std::vector<std::uint32_t> starts((std::size_t{1} << (cellBits - runBits)) + 1);
+    cells.resize(points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const float x = points[i].x, y = points[i].y;
-        const std::uint32_t cell = 2 * spread(gridX.cellOf(x)) + spread(gridY.cellOf(y));
-        located[i] = {x, y, static_cast<std::uint32_t>(i), cell};
-        ++starts[(cell >> runBits) + 1];
+        cells[i] = cellNumber(gridX, gridY, points[i].x, points[i].y);
+        ++starts[(cells[i] >> runBits) + 1];
     }
-    for (std::size_t run = 1; run < starts.size(); ++run) {
-        starts[run] += starts[run - 1];
-    }
-    std::vector<PlanePoint> sorted(points.size());
-    for (const PlanePoint& p : located) {
-        sorted[starts[p.cell >> runBits]++] = p;
+    const std::uint32_t longest = *std::max_element(starts.begin(), starts.end());
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+
+    std::vector<PlanePoint>& sorted = order.points;
+    sorted.resize(points.size());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        sorted[starts[cells[i] >> runBits]++] = {points[i].x, points[i].y,
+                                                 static_cast<std::uint32_t>(i), cells[i]};
     }
     if (runBits > 0) { // each start is now the end of its run
+        std::vector<PlanePoint> scratch(longest);
         std::size_t begin = 0;
         for (std::size_t run = 0; run + 1 < starts.size(); ++run) {
-            const std::size_t end = starts[run];
-            sortRun(sorted.data() + begin, located.data(), end - begin, runBits);
-            begin = end;
+            sortRun(sorted.data() + begin, scratch.data(), starts[run] - begin, runBits);
+            begin = starts[run];
         }
     }
-    return sorted;
+    std::transform(sorted.begin(), sorted.end(), cells.begin(),
+                   [](const PlanePoint& p) { return p.cell; });
 }
 
 } // namespace qel

@@ -108,11 +108,10 @@ private:
 
     // The node at a depth of the grid in which a cell lies.
     QuadLeaf leafAt(std::uint32_t cell, int depth) const {
-        std::uint32_t x = 0, y = 0;
-        for (int d = 0; d < depth; ++d) {
-            std::uint32_t& axis = d % 2 == 0 ? x : y;
-            axis = 2 * axis + ((cell >> (gridDepth_ - 1 - d)) & 1u);
-        }
+        const std::uint32_t choices = cell >> (gridDepth_ - depth);
+        const bool endsInX = depth % 2 != 0;
+        const std::uint32_t x = everyOtherBit(endsInX ? choices : choices >> 1);
+        const std::uint32_t y = everyOtherBit(endsInX ? choices >> 1 : choices);
         const int levelsX = (depth + 1) / 2, levelsY = depth / 2;
         const int finerX = gridX_.levels() - levelsX, finerY = gridY_.levels() - levelsY;
         const std::uint32_t lastX = (1u << levelsX) - 1, lastY = (1u << levelsY) - 1;
@@ -198,12 +197,10 @@ LeafOrder sortIntoLeaves(const std::vector<TripletBase<float>>& points, int maxD
     LeafOrder order;
     order.root = rootRectangle(points);
     const int levels = gridLevels(points.size());
+    order.gridLevels = levels;
     const GridCells gridX(order.root.xmin, order.root.xmax, levels);
     const GridCells gridY(order.root.ymin, order.root.ymax, levels);
-    order.points = sortByCells(points, gridX, gridY);
-    order.cells.resize(points.size());
-    std::transform(order.points.begin(), order.points.end(), order.cells.begin(),
-                   [](const PlanePoint& p) { return p.cell; });
+    sortByCells(points, gridX, gridY, order);
     LeafCutter(order, gridX, gridY, maxDepth, capacity).cutByCells(0, points.size(), 0);
     return order;
 }

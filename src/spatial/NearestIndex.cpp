@@ -1,9 +1,8 @@
 #include "spatial/NearestIndex.h"
 
 #include <cmath>
-#include <limits>
 
-#include "spatial/BoxTree.h"
+#include "spatial/BoxTreeBuilder.h"
 #include "spatial/NearestSearch.h"
 
 namespace qel {
@@ -13,23 +12,12 @@ NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int ma
     LeafOrder order = sortIntoLeaves(points, maxDepth, capacity);
     root_ = order.root;
     maxDepthReached_ = order.maxDepthReached;
-    nodes_ = buildBoxTree(order);
+    tree_ = buildBoxTree(order, starts_);
     leaves_ = std::move(order.leaves);
+}
 
-    const std::size_t count = order.points.size();
-    coordinates_.resize(2 * (count + kLanes));
-    indices_.resize(count);
-    leafNumbers_.resize(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const PlanePoint& p = order.points[i];
-        coordinates_[2 * i] = p.x;
-        coordinates_[2 * i + 1] = p.y;
-        indices_[i] = p.index;
-        leafNumbers_[i] = p.cell;
-    }
-    for (std::size_t i = 2 * count; i < coordinates_.size(); ++i) {
-        coordinates_[i] = std::numeric_limits<float>::infinity();
-    }
+void BoxTree::reserve(std::size_t nodes, std::size_t blocks) {
+    lines_.reserve((nodes * sizeof(BoxNode) + blocks * sizeof(PointBlock)) / sizeof(Line));
 }
 
 NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
@@ -37,19 +25,18 @@ NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
         return {}; // at no finite distance of anything
     }
     const NearestHit hit = searchNearest(*this, qx, qy);
-    return hit.isFound ? Nearest{true, indices_[hit.position], hit.distance} : Nearest{};
+    return hit.isFound ? Nearest{true, hit.index, hit.distance} : Nearest{};
 }
 
 std::size_t NearestIndex::memoryBytes() const {
-    return leaves_.capacity() * sizeof(QuadLeaf) + nodes_.capacity() * sizeof(BoxNode) +
-           coordinates_.capacity() * sizeof(float) +
-           (indices_.capacity() + leafNumbers_.capacity()) * sizeof(std::uint32_t);
+    return leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes() + starts_.memoryBytes();
 }
 
-bool NearestIndex::isFirst(std::uint32_t a, std::uint32_t b, float qx, float qy) const {
-    const std::uint32_t leafA = leafNumbers_[a], leafB = leafNumbers_[b];
+bool NearestIndex::isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB,
+                           float qx, float qy) const {
+    const std::uint32_t leafA = blockA.leaf[laneA], leafB = blockB.leaf[laneB];
     if (leafA == leafB) {
-        return indices_[a] < indices_[b];
+        return blockA.index[laneA] < blockB.index[laneB];
     }
     // The search starts in the query's leaf only if this holds, which a root without extent in
     // numbers (NaN) does not.

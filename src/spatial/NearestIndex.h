@@ -20,11 +20,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
+#include <type_traits>
 #include <vector>
 
 #include <qel/TripletBase.h>
 
 #include "spatial/LeafOrder.h"
+#include "spatial/StartTable.h"
 
 namespace qel {
 
@@ -34,19 +37,65 @@ constexpr int kLanes = 16;
 /// Boxes of up to 16 children, coordinate by coordinate. A lane without a child has an empty box,
 /// from +infinity to -infinity, which is infinitely far from everything.
 struct alignas(64) BoxNode {
+    /// Marks a child that is a block of points.
+    static constexpr std::uint32_t kBlock = std::uint32_t{1} << 31;
+
     float xmin[kLanes];
     float ymin[kLanes];
     float xmax[kLanes];
     float ymax[kLanes];
-    /// Number of a node, or kBlock + position of the first point of a block.
-    std::uint32_t child[kLanes];
+    std::uint32_t child[kLanes]; ///< line of the child in the BoxTree, plus kBlock for a block
+};
+
+/// Up to 16 points. Lanes without a point are at infinity.
+struct alignas(64) PointBlock {
+    float x[kLanes];
+    float y[kLanes];
+    std::uint32_t index[kLanes]; ///< position in the caller's list
+    std::uint32_t leaf[kLanes];  ///< number of the point's leaf
+};
+
+/// Nodes and blocks, each behind its parent: a step down mostly stays within a page of memory.
+/// The root is the first.
+class BoxTree {
+public:
+    const BoxNode& node(std::uint32_t line) const {
+        return *std::launder(reinterpret_cast<const BoxNode*>(&lines_[line]));
+    }
+    const PointBlock& block(std::uint32_t line) const {
+        return *std::launder(reinterpret_cast<const PointBlock*>(&lines_[line]));
+    }
+    std::size_t memoryBytes() const { return lines_.capacity() * sizeof(Line); }
+
+    // -- Building ----
+
+    void reserve(std::size_t nodes, std::size_t blocks);
+    /// Each returns the line of a new object.
+    std::uint32_t add(const BoxNode& node) { return append(node); }
+    std::uint32_t add(const PointBlock& block) { return append(block); }
+    void replace(std::uint32_t line, const BoxNode& node) { new (&lines_[line]) BoxNode(node); }
+
+private:
+    // A cache line of storage.
+    struct alignas(64) Line {
+        unsigned char bytes[64];
+    };
+
+    template <typename T>
+    std::uint32_t append(const T& object) {
+        static_assert(std::is_trivially_copyable<T>::value && sizeof(T) % sizeof(Line) == 0,
+                      "objects fill whole lines and may be moved with them");
+        const std::size_t line = lines_.size();
+        lines_.resize(line + sizeof(T) / sizeof(Line));
+        new (&lines_[line]) T(object);
+        return static_cast<std::uint32_t>(line);
+    }
+
+    std::vector<Line> lines_;
 };
 
 class NearestIndex {
 public:
-    /// Marks a child that is a block of points. A block has 16 points at most; those behind it are
-    /// measured with it, which does no harm.
-    static constexpr std::uint32_t kBlock = std::uint32_t{1} << 31;
     /// Bound on the height of the tree, and more than it can reach: a split halves the points or
     /// uses up one of the 24 bits of their cells.
     static constexpr int kMaxHeight = 60;
@@ -69,19 +118,18 @@ public:
 
     // -- For the search ----
 
-    const BoxNode* nodes() const { return nodes_.data(); }
-    /// x and y of each point in turn, and 16 points at infinity behind the last one.
-    const float* coordinates() const { return coordinates_.data(); }
-    /// True if, of two points at the same distance of the query, the first one wins.
-    bool isFirst(std::uint32_t a, std::uint32_t b, float qx, float qy) const;
+    const BoxTree& tree() const { return tree_; }
+    const StartTable& starts() const { return starts_; }
+    /// True if, of two points at the same distance of the query, the first one wins. Points are
+    /// given by their places in the tree.
+    bool isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB, float qx,
+                 float qy) const;
 
 private:
     QuadRectangle root_;
     std::vector<QuadLeaf> leaves_;
-    std::vector<BoxNode> nodes_;
-    std::vector<float> coordinates_;
-    std::vector<std::uint32_t> indices_; // position in the caller's list
-    std::vector<std::uint32_t> leafNumbers_;
+    BoxTree tree_;
+    StartTable starts_;
     int maxDepthReached_;
 };
 

@@ -19,6 +19,15 @@ namespace {
 constexpr std::int32_t kLaneBits = kLanes - 1;
 constexpr std::int32_t kDone = std::numeric_limits<std::int32_t>::max();
 
+// Asks for memory that is needed soon.
+QEL_KERNEL void prefetch(const void* place) {
+#if defined(QEL_VECTOR_UNITS)
+    __builtin_prefetch(place);
+#else
+    static_cast<void>(place);
+#endif
+}
+
 QEL_KERNEL std::int32_t bitsOf(float value) {
     std::int32_t bits = 0;
     std::memcpy(&bits, &value, sizeof(bits));
@@ -31,13 +40,31 @@ QEL_KERNEL float floatOf(std::int32_t bits) {
     return value;
 }
 
+QEL_KERNEL std::int32_t lesser(std::int32_t a, std::int32_t b) {
+    return a < b ? a : b;
+}
+
+#if defined(QEL_VECTOR_UNITS)
+// In four vectors of four: compilers make a chain of 16 steps of the plain loop.
+typedef std::int32_t Four __attribute__((vector_size(16)));
+
+QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+    Four v[4];
+    std::memcpy(v, values, sizeof(v));
+    const Four a = v[0] < v[1] ? v[0] : v[1];
+    const Four b = v[2] < v[3] ? v[2] : v[3];
+    const Four c = a < b ? a : b;
+    return lesser(lesser(c[0], c[1]), lesser(c[2], c[3]));
+}
+#else
 QEL_KERNEL std::int32_t least(const std::int32_t* values) {
     std::int32_t result = kDone;
     for (int i = 0; i < kLanes; ++i) {
-        result = values[i] < result ? values[i] : result;
+        result = lesser(result, values[i]);
     }
     return result;
 }
+#endif
 
 // The children of a node that are still to be visited: distance and lane in one, kDone if not.
 struct alignas(64) Frame {
@@ -64,38 +91,60 @@ QEL_KERNEL void open(Frame& frame, const BoxNode& node, float qx, float qy) {
 
 struct Best {
     std::int32_t distance; // bits; points beyond it lose
-    std::uint32_t position;
-    bool isFound;
+    int lane;
+    const PointBlock* block; // null if none yet
 };
 
-// Measures the 16 points from `position` on.
-QEL_KERNEL void scanBlock(const NearestIndex& index, std::uint32_t position, float qx, float qy,
+// Points at the same distance: apart, as few queries come here.
+void settleTie(const NearestIndex& index, const PointBlock& block, const std::int32_t* distances,
+               float qx, float qy, Best& best) {
+    for (int i = 0; i < kLanes; ++i) {
+        if (distances[i] == best.distance &&
+            index.isFirst(block, i, *best.block, best.lane, qx, qy)) {
+            best.block = &block;
+            best.lane = i;
+        }
+    }
+}
+
+QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, float qx, float qy,
                           Best& best) {
-    const float* const points = index.coordinates() + std::size_t{2} * position;
     alignas(64) std::int32_t distances[kLanes];
     for (int i = 0; i < kLanes; ++i) {
-        const float dx = qx - points[2 * i];
-        const float dy = qy - points[2 * i + 1];
+        const float dx = qx - block.x[i];
+        const float dy = qy - block.y[i];
         distances[i] = bitsOf(dx * dx + dy * dy);
     }
     const std::int32_t nearest = least(distances);
     if (nearest > best.distance) {
         return;
     }
-    for (std::uint32_t i = 0; i < kLanes; ++i) {
-        if (distances[i] == nearest && (nearest < best.distance || !best.isFound ||
-                                        index.isFirst(position + i, best.position, qx, qy))) {
-            best = {nearest, position + i, true};
-        }
+    // The first and the last lane at this distance.
+    alignas(64) std::int32_t fromFront[kLanes], fromBack[kLanes];
+    for (int i = 0; i < kLanes; ++i) {
+        fromFront[i] = distances[i] == nearest ? i : kDone;
+        fromBack[i] = distances[i] == nearest ? -i : kDone;
+    }
+    const std::int32_t first = least(fromFront);
+    bool isTie = first != -least(fromBack);
+    if (nearest < best.distance || best.block == nullptr) {
+        prefetch(block.index);
+        best = {nearest, first, &block};
+    } else {
+        isTie = true;
+    }
+    if (isTie) {
+        settleTie(index, block, distances, qx, qy, best);
     }
 }
 
-QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
+// Searches a node and all below it for something better.
+QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float qx, float qy,
+                            Best& best) {
     Frame frames[NearestIndex::kMaxHeight];
     int depth = 0;
-    // A winner is nearer than the largest float.
-    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, false};
-    open(frames[0], index.nodes()[0], qx, qy);
+    const BoxTree& tree = index.tree();
+    open(frames[0], tree.node(line), qx, qy);
     while (depth >= 0) {
         Frame& frame = frames[depth];
         const std::int32_t next = least(frame.keys);
@@ -106,12 +155,36 @@ QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
         const std::int32_t lane = next & kLaneBits;
         frame.keys[lane] = kDone;
         const std::uint32_t child = frame.node->child[lane];
-        if ((child & NearestIndex::kBlock) != 0) {
-            scanBlock(index, child - NearestIndex::kBlock, qx, qy, best);
+        if ((child & BoxNode::kBlock) != 0) {
+            scanBlock(index, tree.block(child - BoxNode::kBlock), qx, qy, best);
         } else {
-            open(frames[++depth], index.nodes()[child], qx, qy);
+            const BoxNode& node = tree.node(child);
+            prefetch(node.child);
+            open(frames[++depth], node, qx, qy);
         }
     }
+}
+
+// True if all points beyond the region are farther than the best. A query outside the region is
+// not nearer to anything in it.
+QEL_KERNEL bool isSettled(const QuadRectangle& region, float qx, float qy, const Best& best) {
+    const float sideX = qx - region.xmin < region.xmax - qx ? qx - region.xmin : region.xmax - qx;
+    const float sideY = qy - region.ymin < region.ymax - qy ? qy - region.ymin : region.ymax - qy;
+    const float side = sideX < sideY ? sideX : sideY;
+    return best.block != nullptr && side > 0.0f && floatOf(best.distance) < side * side;
+}
+
+QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
+    // A winner is nearer than the largest float.
+    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
+    const StartTable::Start* const start = index.starts().find(qx, qy);
+    if (start != nullptr) {
+        searchBelow(index, start->line, qx, qy, best);
+        if (start->line == 0 || isSettled(start->region, qx, qy, best)) {
+            return best;
+        }
+    }
+    searchBelow(index, 0, qx, qy, best);
     return best;
 }
 
@@ -144,7 +217,10 @@ Best searchOnThisMachine(const NearestIndex& index, float qx, float qy) {
 
 NearestHit searchNearest(const NearestIndex& index, float qx, float qy) {
     const Best best = searchOnThisMachine(index, qx, qy);
-    return {best.position, floatOf(best.distance), best.isFound};
+    if (best.block == nullptr) {
+        return {};
+    }
+    return {best.block->index[best.lane], floatOf(best.distance), true};
 }
 
 } // namespace qel

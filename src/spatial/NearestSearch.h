@@ -11,7 +11,7 @@
 namespace qel {
 
 struct NearestHit {
-    std::uint32_t position = 0; ///< in the order of the index
+    std::uint32_t index = 0; ///< in the caller's list
     float distance = 0.0f;
     bool isFound = false;
 };

@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kClassName = "Quadtree"; // as messages have always called it
 constexpr float kNoDistance = std::numeric_limits<float>::max();
-constexpr std::size_t kMostPoints = NearestIndex::kBlock;
+constexpr std::size_t kMostPoints = std::size_t{1} << 31;
 
 } // namespace
 

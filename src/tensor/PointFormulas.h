@@ -64,9 +64,8 @@ QEL_KERNEL float timesVorticity(const TripletBase<float>& a, const TripletBase<f
     return vorticity.y * a.y + vorticity.x * a.x + vorticity.z * a.z;
 }
 
-QEL_KERNEL float scaledCosine(const TripletBase<float>& e, const TripletBase<float>& n,
-                              float scale) {
-    return (e.x * n.x + e.y * n.y + e.z * n.z) * scale;
+QEL_KERNEL float helicity(const Gradient& t, const TripletBase<float>& velocity) {
+    return timesVorticity(velocity, vorticity(t));
 }
 
 QEL_KERNEL TripletBase<float> scaled(const TripletBase<float>& t, float factor) {
@@ -170,6 +169,31 @@ QEL_KERNEL TripletBase<float> swirlPlaneNormal(const Gradient& gradient, float r
                             t.t31 * t.t12 + t.t32 * t.t22 + t.t33 * t.t32 - twice * t.t32,
                             t.t31 * t.t13 + t.t32 * t.t23 + t.t33 * t.t33 - twice * t.t33 + m};
     return directionOfLongest(b1, b2, b3, t);
+}
+
+// -- What is built on them, where the swirl strength is positive ----
+
+QEL_KERNEL TripletBase<float> scaledEigenvector(const Gradient& t, float eigenvalue,
+                                                float strength) {
+    return scaled(realEigenvector(t, eigenvalue), strength);
+}
+
+QEL_KERNEL TripletBase<float> scaledNormal(const Gradient& t, float eigenvalue, float strength) {
+    return scaled(swirlPlaneNormal(t, eigenvalue, strength), strength);
+}
+
+QEL_KERNEL float eigenvectorHelicity(const Gradient& t, float eigenvalue, float /*strength*/) {
+    return timesVorticity(realEigenvector(t, eigenvalue), vorticity(t));
+}
+
+QEL_KERNEL float normalHelicity(const Gradient& t, float eigenvalue, float strength) {
+    return timesVorticity(swirlPlaneNormal(t, eigenvalue, strength), vorticity(t));
+}
+
+QEL_KERNEL float stretchRate(const Gradient& t, float eigenvalue, float strength) {
+    const TripletBase<float> e = realEigenvector(t, eigenvalue);
+    const TripletBase<float> n = swirlPlaneNormal(t, eigenvalue, strength);
+    return (e.x * n.x + e.y * n.y + e.z * n.z) * strength;
 }
 
 } // namespace qel

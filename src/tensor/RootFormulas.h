@@ -5,7 +5,6 @@
 /// The roots of the two cubics of the tensor analysis at one point, with the C library's acos, cos
 /// and pow: the definition of what lambda-2, swirl strength and real eigenvalue are.
 
-#include <algorithm>
 #include <cmath>
 
 #include "tensor/PointFormulas.h"
@@ -51,9 +50,13 @@ QEL_KERNEL SymmetricCubic symmetricCubic(const Gradient& gradient) {
     return {m11, m22, m33, d, m, scale, r};
 }
 
-/// The middle one of three numbers.
-inline double median(double a, double b, double c) {
-    return std::max(std::min(a, b), std::min(std::max(a, b), c));
+/// The middle one of three numbers: max(min(a, b), min(max(a, b), c)), with the standard library's
+/// min and max where one is a NaN.
+QEL_KERNEL double median(double a, double b, double c) {
+    const double low = b < a ? b : a;
+    const double high = a < b ? b : a;
+    const double capped = c < high ? c : high;
+    return low < capped ? capped : low;
 }
 
 /// A NaN spread, which infinite or NaN inputs give, takes the median: it is not at or above the

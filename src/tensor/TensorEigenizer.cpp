@@ -1,16 +1,117 @@
-// The tensor analysis: each operation, point by point.
+// The tensor analysis: each operation over the field.
+//
+// An operation is a formula at one point (PointFormulas.h, RootFormulas.h) in the loop below that
+// goes through the arrays' own operations. Arrays of the library's own kinds that share no memory
+// take the same formula through the vector units (FieldKernels.h, RootKernels.h), with the same
+// result.
 
 #include <qel/TensorEigenizer.h>
 
+#include "platform/VectorDispatch.h"
+#include "tensor/FieldAccess.h"
+#include "tensor/FieldKernels.h"
 #include "tensor/PointFormulas.h"
 #include "tensor/RootFormulas.h"
+#include "tensor/RootKernels.h"
 
 namespace qel {
 namespace {
 
 using Triplet = TripletBase<float>;
 
-constexpr Triplet kZero = {0.0f, 0.0f, 0.0f};
+// The three rows, n points of each.
+struct Field {
+    std::size_t n;
+    const TripletQELVector& row1;
+    const TripletQELVector& row2;
+    const TripletQELVector& row3;
+
+    Gradient at(std::size_t k) const { return gradientOf(row1[k], row2[k], row3[k]); }
+
+    Rows rows() const { return {runOf(row1, n), runOf(row2, n), runOf(row3, n)}; }
+};
+
+bool standsApartFromRows(const Footprint& output, const Rows& rows, std::size_t n) {
+    return standsApart(output, Footprint(rows.row1, n), Footprint(rows.row2, n),
+                       Footprint(rows.row3, n));
+}
+
+bool isOwnKind(const TripletQELVector&) {
+    return true;
+}
+
+// -- Point by point, through the arrays' operations ----
+
+// Stores formula(point) in out[point] for every point.
+template <typename Output, typename Formula>
+void storeEach(std::size_t n, Output& out, const Formula& formula) {
+    for (std::size_t k = 0; k < n; ++k) {
+        const auto value = formula(k);
+        out[k] = value;
+    }
+}
+
+// -- A formula of the tensor alone ----
+
+template <float (*Formula)(const Gradient&), typename Kernel = FloatKernel<Formula>>
+void evaluate(const Field& field, FloatQELVector& out) {
+    out.resize(field.n);
+    if (field.n == 0) {
+        return;
+    }
+    if (isOwnKind(out)) {
+        const FloatRun run = runOf(out, field.n);
+        const Rows rows = field.rows();
+        if (standsApartFromRows(Footprint(run, field.n), rows, field.n)) {
+            onVectorUnit<Kernel>(rows, field.n, run);
+            return;
+        }
+    }
+    storeEach(field.n, out, [&](std::size_t k) { return Formula(field.at(k)); });
+}
+
+// -- A formula of the tensor, the real eigenvalue and the swirl strength ----
+
+// Both are read at every point, also where the second is not needed: inputs that are too short
+// are fatal, whatever their values.
+template <typename Kernel, typename Output, typename Formula>
+void evaluateWhereItSwirls(const Field& field, FloatQELVector& swirl,
+                           FloatQELVector& realEigenvalue, Output& out, const Formula& formula) {
+    out.resize(field.n);
+    if (field.n == 0) {
+        return;
+    }
+    if (isOwnKind(out) && isOwnKind(swirl) && isOwnKind(realEigenvalue)) {
+        const SwirlRuns inputs = {runOf(swirl, field.n), runOf(realEigenvalue, field.n)};
+        const auto run = runOf(out, field.n);
+        const Rows rows = field.rows();
+        const Footprint output(run, field.n);
+        if (standsApartFromRows(output, rows, field.n) &&
+            standsApart(output, Footprint(inputs.strength, field.n),
+                        Footprint(inputs.eigenvalue, field.n))) {
+            onVectorUnit<Kernel>(rows, field.n, inputs, run);
+            return;
+        }
+    }
+    storeEach(field.n, out, [&](std::size_t k) {
+        const float strength = swirl[k];
+        const float eigenvalue = realEigenvalue[k];
+        return strength > 0.0f ? formula(field.at(k), eigenvalue, strength)
+                               : decltype(formula(field.at(k), eigenvalue, strength)){};
+    });
+}
+
+template <float (*Formula)(const Gradient&, float, float)>
+void evaluateSwirl(const Field& field, FloatQELVector& swirl, FloatQELVector& realEigenvalue,
+                   FloatQELVector& out) {
+    evaluateWhereItSwirls<SwirlFloatKernel<Formula>>(field, swirl, realEigenvalue, out, Formula);
+}
+
+template <Triplet (*Formula)(const Gradient&, float, float)>
+void evaluateSwirl(const Field& field, FloatQELVector& swirl, FloatQELVector& realEigenvalue,
+                   TripletQELVector& out) {
+    evaluateWhereItSwirls<SwirlTripletKernel<Formula>>(field, swirl, realEigenvalue, out, Formula);
+}
 
 } // namespace
 
@@ -21,83 +122,79 @@ TensorEigenizer::TensorEigenizer(const TensorEigenizer&) = default;
 TensorEigenizer& TensorEigenizer::operator=(const TensorEigenizer&) = default;
 TensorEigenizer::~TensorEigenizer() = default;
 
-namespace {
-
-// The three rows.
-struct Field {
-    const TripletQELVector& row1;
-    const TripletQELVector& row2;
-    const TripletQELVector& row3;
-
-    Gradient at(std::size_t k) const { return gradientOf(row1[k], row2[k], row3[k]); }
-};
-
-// Stores formula(gradient at k) in out[k] for every point.
-template <typename Output, typename Formula>
-void evaluate(std::size_t n, const Field& field, Output& out, Formula formula) {
-    out.resize(n);
-    for (std::size_t k = 0; k < n; ++k) {
-        const auto value = formula(field.at(k));
-        out[k] = value;
-    }
-}
-
-// The same for a formula of swirl strength and real eigenvalue too, and only where it swirls.
-template <typename Value, typename Output, typename Formula>
-void evaluateWhereItSwirls(std::size_t n, const Field& field, FloatQELVector& swirl,
-                           FloatQELVector& realEigenvalue, Output& out, const Value& otherwise,
-                           Formula formula) {
-    out.resize(n);
-    for (std::size_t k = 0; k < n; ++k) {
-        const float strength = swirl[k];
-        const float eigenvalue = realEigenvalue[k];
-        const Value value =
-            strength > 0.0f ? formula(field.at(k), eigenvalue, strength) : otherwise;
-        out[k] = value;
-    }
-}
-
-} // namespace
-
 // -- Invariants and products ----
 
 void TensorEigenizer::getInvariantQ(FloatQELVector& out) const {
-    evaluate(n_, {*row1_, *row2_, *row3_}, out, invariantQ);
+    evaluate<invariantQ>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDivergence(FloatQELVector& out) const {
-    evaluate(n_, {*row1_, *row2_, *row3_}, out, divergence);
+    evaluate<divergence>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDiscrim(FloatQELVector& out) const {
-    evaluate(n_, {*row1_, *row2_, *row3_}, out, discriminant);
+    evaluate<discriminant>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getVorticity(TripletQELVector& out) const {
-    evaluate(n_, {*row1_, *row2_, *row3_}, out, vorticity);
-}
-
-void TensorEigenizer::getHelicity(TripletQELVector& velocity, FloatQELVector& out) const {
-    const Field field = {*row1_, *row2_, *row3_};
+    const Field field = {n_, *row1_, *row2_, *row3_};
     out.resize(n_);
-    for (std::size_t k = 0; k < n_; ++k) {
-        const Triplet u = velocity[k];
-        const float value = timesVorticity(u, vorticity(field.at(k)));
-        out[k] = value;
+    if (n_ == 0) {
+        return;
+    }
+    Triplet* const run = runOf(out, n_);
+    const Rows rows = field.rows();
+    if (standsApartFromRows(Footprint(run, n_), rows, n_)) {
+        onVectorUnit<VorticityKernel>(rows, n_, run);
+    } else {
+        storeEach(n_, out, [&](std::size_t k) { return vorticity(field.at(k)); });
     }
 }
 
+void TensorEigenizer::getHelicity(TripletQELVector& velocity, FloatQELVector& out) const {
+    const Field field = {n_, *row1_, *row2_, *row3_};
+    out.resize(n_);
+    if (n_ == 0) {
+        return;
+    }
+    if (isOwnKind(out)) {
+        const Triplet* const input = runOf(velocity, n_);
+        const FloatRun run = runOf(out, n_);
+        const Rows rows = field.rows();
+        const Footprint output(run, n_);
+        if (standsApartFromRows(output, rows, n_) && standsApart(output, Footprint(input, n_))) {
+            onVectorUnit<HelicityKernel>(rows, n_, input, run);
+            return;
+        }
+    }
+    storeEach(n_, out, [&](std::size_t k) { return helicity(field.at(k), velocity[k]); });
+}
+
 void TensorEigenizer::get2ndEValSymmTT(FloatQELVector& out) const {
-    evaluate(n_, {*row1_, *row2_, *row3_}, out, secondEigenvalue);
+    evaluate<secondEigenvalue, SecondEigenvalueKernel>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 // -- Eigenvalues and what is built on them ----
 
 void TensorEigenizer::getSwirlStrength(FloatQELVector& swirl,
                                        FloatQELVector& realEigenvalue) const {
-    const Field field = {*row1_, *row2_, *row3_};
+    const Field field = {n_, *row1_, *row2_, *row3_};
     swirl.resize(n_);
     realEigenvalue.resize(n_);
+    if (n_ == 0) {
+        return;
+    }
+    if (isOwnKind(swirl) && isOwnKind(realEigenvalue)) {
+        const FloatRun first = runOf(swirl, n_);
+        const FloatRun second = runOf(realEigenvalue, n_);
+        const Rows rows = field.rows();
+        const Footprint output(second, n_);
+        if (standsApartFromRows(Footprint(first, n_), rows, n_) &&
+            standsApartFromRows(output, rows, n_) && standsApart(output, Footprint(first, n_))) {
+            onVectorUnit<SwirlKernel>(rows, n_, first, second);
+            return;
+        }
+    }
     for (std::size_t k = 0; k < n_; ++k) {
         const Swirl value = swirlOf(field.at(k));
         swirl[k] = value.strength;
@@ -107,45 +204,27 @@ void TensorEigenizer::getSwirlStrength(FloatQELVector& swirl,
 
 void TensorEigenizer::getSwirlStretchRate(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                           FloatQELVector& out) const {
-    evaluateWhereItSwirls(n_, {*row1_, *row2_, *row3_}, swirl, realEigenvalue, out, 0.0f,
-                          [](const Gradient& t, float eigenvalue, float strength) {
-                              return scaledCosine(realEigenvector(t, eigenvalue),
-                                                  swirlPlaneNormal(t, eigenvalue, strength),
-                                                  strength);
-                          });
+    evaluateSwirl<stretchRate>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
 }
 
 void TensorEigenizer::getRealEigenHelicity(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                            FloatQELVector& out) const {
-    evaluateWhereItSwirls(n_, {*row1_, *row2_, *row3_}, swirl, realEigenvalue, out, 0.0f,
-                          [](const Gradient& t, float eigenvalue, float) {
-                              return timesVorticity(realEigenvector(t, eigenvalue), vorticity(t));
-                          });
+    evaluateSwirl<eigenvectorHelicity>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
 }
 
 void TensorEigenizer::getNormEigenHelicity(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                            FloatQELVector& out) const {
-    evaluateWhereItSwirls(n_, {*row1_, *row2_, *row3_}, swirl, realEigenvalue, out, 0.0f,
-                          [](const Gradient& t, float eigenvalue, float strength) {
-                              return timesVorticity(swirlPlaneNormal(t, eigenvalue, strength),
-                                                    vorticity(t));
-                          });
+    evaluateSwirl<normalHelicity>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
 }
 
 void TensorEigenizer::getSwirlNormal(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                      TripletQELVector& out) const {
-    evaluateWhereItSwirls(n_, {*row1_, *row2_, *row3_}, swirl, realEigenvalue, out, kZero,
-                          [](const Gradient& t, float eigenvalue, float strength) {
-                              return scaled(swirlPlaneNormal(t, eigenvalue, strength), strength);
-                          });
+    evaluateSwirl<scaledNormal>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
 }
 
 void TensorEigenizer::getEVecReal(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                   TripletQELVector& out) const {
-    evaluateWhereItSwirls(n_, {*row1_, *row2_, *row3_}, swirl, realEigenvalue, out, kZero,
-                          [](const Gradient& t, float eigenvalue, float strength) {
-                              return scaled(realEigenvector(t, eigenvalue), strength);
-                          });
+    evaluateSwirl<scaledEigenvector>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
 }
 
 // -- One point ----

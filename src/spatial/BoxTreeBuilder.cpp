@@ -3,7 +3,7 @@
 // A run of points is split where the highest bit of the cells changes, which keeps parts
 // square without looking at a point; within one cell, at the median of the longer side.
 
-#include "spatial/BoxTree.h"
+#include "spatial/BoxTreeBuilder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,13 +14,19 @@ namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
+// What a node of 16 blocks holds on average: splits in the middle fill blocks to two thirds.
+constexpr std::size_t kPointsOfLowNode = 128;
+
 struct Run {
     std::size_t begin, end;
-    bool isOnePlace; // all points at the same place: a block of any size
+    int freeBits;            // its cells agree but for these lowest bits, and no others do
+    bool isOnePlace = false; // all points at the same place: a block of any size
 
     std::size_t count() const { return end - begin; }
     bool isBlock() const { return isOnePlace || count() <= static_cast<std::size_t>(kLanes); }
 };
+
+constexpr int kNoRegion = -1; // for freeBits: a part of a cell
 
 constexpr QuadRectangle kEmptyBox = {kInfinity, kInfinity, -kInfinity, -kInfinity};
 
@@ -33,48 +39,86 @@ void extend(QuadRectangle& box, const QuadRectangle& other) {
 
 class BoxTreeBuilder {
 public:
-    explicit BoxTreeBuilder(LeafOrder& order) : order_(order) {}
+    BoxTreeBuilder(LeafOrder& order, StartTable& starts) : order_(order), starts_(starts) {}
 
-    std::vector<BoxNode> build() {
-        nodes_.reserve(order_.points.size() / 128 + 1);
-        addNode({0, order_.points.size(), false});
-        return std::move(nodes_);
+    BoxTree build() {
+        const std::size_t count = order_.points.size();
+        tree_.reserve(count / 96 + 1, count / 11 + 1); // about what even clouds take
+        QuadRectangle box;
+        addNode({0, count, 2 * order_.gridLevels}, box);
+        return std::move(tree_);
     }
 
 private:
-    // Adds the node over a run and all below it; returns the box of its points.
-    QuadRectangle addNode(const Run& whole) {
+    // Adds the node over a run and all below it, blocks first; returns the line of the node and
+    // the box of its points.
+    std::uint32_t addNode(const Run& whole, QuadRectangle& box) {
         Run runs[kLanes];
         const int count = splitIntoRuns(whole, runs);
-        const std::size_t number = nodes_.size();
-        nodes_.emplace_back();
-        QuadRectangle box = kEmptyBox;
+        BoxNode node = {};
+        const std::uint32_t line = tree_.add(node);
+        if (whole.freeBits >= 0 && whole.count() > 0) {
+            starts_.name(line, order_.cells[whole.begin], whole.freeBits);
+        }
+        box = kEmptyBox;
         for (int lane = 0; lane < kLanes; ++lane) {
-            std::uint32_t child = 0;
             QuadRectangle childBox = kEmptyBox;
+            node.child[lane] = 0;
             if (lane < count && runs[lane].isBlock()) {
-                child = NearestIndex::kBlock + static_cast<std::uint32_t>(runs[lane].begin);
-                childBox = boxOf(runs[lane]);
-            } else if (lane < count) {
-                child = static_cast<std::uint32_t>(nodes_.size());
-                childBox = addNode(runs[lane]);
+                node.child[lane] = BoxNode::kBlock + addBlock(runs[lane], childBox);
             }
-            setLane(nodes_[number], lane, childBox, child);
+            setBox(node, lane, childBox);
             extend(box, childBox);
         }
-        return box;
+        for (int lane = 0; lane < count; ++lane) {
+            if (!runs[lane].isBlock()) {
+                QuadRectangle childBox;
+                node.child[lane] = addNode(runs[lane], childBox);
+                setBox(node, lane, childBox);
+                extend(box, childBox);
+            }
+        }
+        tree_.replace(line, node);
+        return line;
     }
 
-    static void setLane(BoxNode& node, int lane, const QuadRectangle& box, std::uint32_t child) {
+    std::uint32_t addBlock(const Run& run, QuadRectangle& box) {
+        PointBlock block = {};
+        std::fill(block.x, block.x + kLanes, kInfinity);
+        std::fill(block.y, block.y + kLanes, kInfinity);
+        // Of points at one place, the first in the list wins wherever any of them would.
+        const std::size_t count = run.isOnePlace ? 1 : run.count();
+        for (std::size_t i = 0; i < count; ++i) {
+            const PlanePoint& p = order_.points[run.begin + i];
+            block.x[i] = p.x;
+            block.y[i] = p.y;
+            block.index[i] = p.index;
+            block.leaf[i] = p.cell;
+            extend(box, {p.x, p.y, p.x, p.y});
+        }
+        return tree_.add(block);
+    }
+
+    static void setBox(BoxNode& node, int lane, const QuadRectangle& box) {
         node.xmin[lane] = box.xmin;
         node.ymin[lane] = box.ymin;
         node.xmax[lane] = box.xmax;
         node.ymax[lane] = box.ymax;
-        node.child[lane] = child;
     }
 
-    // Splits the longest run until there are 16 or all are blocks.
+    // The most points that a child of a node over `count` points should hold: the least of 16,
+    // 128, 2048, ... that lets 16 of them do. Nodes just above the points are thereby well filled.
+    static std::size_t childSize(std::size_t count) {
+        std::size_t size = kLanes;
+        for (std::size_t node = kPointsOfLowNode; node < count; node *= kLanes) {
+            size = node;
+        }
+        return size;
+    }
+
+    // Splits the longest run until none is too long or there are 16.
     int splitIntoRuns(const Run& whole, Run* runs) {
+        const std::size_t longEnough = childSize(whole.count());
         int count = 0;
         if (whole.count() > 0) {
             runs[count++] = whole;
@@ -84,12 +128,12 @@ private:
                 std::max_element(runs, runs + count, [](const Run& a, const Run& b) {
                     return (a.isBlock() ? 0 : a.count()) < (b.isBlock() ? 0 : b.count());
                 });
-            if (longest->isBlock()) {
+            if (longest->isBlock() || longest->count() <= longEnough) {
                 break;
             }
             const std::size_t middle = split(*longest);
             if (!longest->isBlock()) {
-                runs[count++] = {middle, longest->end, false};
+                runs[count++] = {middle, longest->end, longest->freeBits};
                 longest->end = middle;
             }
         }
@@ -103,10 +147,10 @@ private:
         if (first == last) {
             return splitAtMedian(run);
         }
-        std::uint32_t bit = first ^ last; // down to its highest bit:
-        while ((bit & (bit - 1)) != 0) {
-            bit &= bit - 1;
+        while (((first ^ last) >> (run.freeBits - 1)) == 0) {
+            --run.freeBits; // the points leave one half of the region empty
         }
+        const std::uint32_t bit = std::uint32_t{1} << --run.freeBits;
         const auto cells = order_.cells.begin();
         return static_cast<std::size_t>(
             std::partition_point(cells + static_cast<std::ptrdiff_t>(run.begin),
@@ -120,11 +164,11 @@ private:
         const auto begin = order_.points.begin() + static_cast<std::ptrdiff_t>(run.begin);
         const auto end = order_.points.begin() + static_cast<std::ptrdiff_t>(run.end);
         if (box.xmin == box.xmax && box.ymin == box.ymax) {
-            // The first in the list wins wherever any of them would; the others are not needed.
             std::iter_swap(begin, std::min_element(begin, end, isListedBefore));
             run.isOnePlace = true;
             return run.end;
         }
+        run.freeBits = kNoRegion;
         // Whole blocks on the left.
         const std::size_t half =
             (run.count() / 2 + kLanes - 1) / static_cast<std::size_t>(kLanes) * kLanes;
@@ -153,7 +197,8 @@ private:
     }
 
     LeafOrder& order_;
-    std::vector<BoxNode> nodes_;
+    StartTable& starts_;
+    BoxTree tree_;
 };
 
 bool isFinite(const PlanePoint& p) {
@@ -162,8 +207,9 @@ bool isFinite(const PlanePoint& p) {
 
 // They are at no finite distance of anything.
 void dropNonFinitePoints(LeafOrder& order) {
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < order.points.size(); ++i) {
+    const auto firstBad = std::find_if_not(order.points.begin(), order.points.end(), isFinite);
+    auto kept = static_cast<std::size_t>(firstBad - order.points.begin());
+    for (std::size_t i = kept; i < order.points.size(); ++i) {
         if (isFinite(order.points[i])) {
             order.points[kept] = order.points[i];
             order.cells[kept] = order.cells[i];
@@ -176,9 +222,10 @@ void dropNonFinitePoints(LeafOrder& order) {
 
 } // namespace
 
-std::vector<BoxNode> buildBoxTree(LeafOrder& order) {
+BoxTree buildBoxTree(LeafOrder& order, StartTable& starts) {
     dropNonFinitePoints(order);
-    return BoxTreeBuilder(order).build();
+    starts = StartTable(order.root, order.points.size(), order.gridLevels);
+    return BoxTreeBuilder(order, starts).build();
 }
 
 } // namespace qel

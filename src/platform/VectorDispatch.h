@@ -1,0 +1,55 @@
+#ifndef QEL_PLATFORM_VECTORDISPATCH_H
+#define QEL_PLATFORM_VECTORDISPATCH_H
+
+/// @file
+/// Runs a kernel on the chosen vector unit.
+///
+///     struct Steps {
+///         QEL_KERNEL static void run(const double* x, std::size_t n, double* steps) { ... }
+///     };
+///     onVectorUnit<Steps>(x, n, steps);
+///
+/// The functions below are the one-line functions per unit that VectorUnit.h describes, once for
+/// all kernels.
+
+#include "platform/VectorUnit.h"
+
+namespace qel {
+
+template <typename Kernel, typename... Arguments>
+void runPortable(Arguments... arguments) {
+    Kernel::run(arguments...);
+}
+
+#if defined(QEL_VECTOR_UNITS)
+template <typename Kernel, typename... Arguments>
+QEL_AVX2 void runAvx2(Arguments... arguments) {
+    Kernel::run(arguments...);
+}
+
+template <typename Kernel, typename... Arguments>
+QEL_AVX512 void runAvx512(Arguments... arguments) {
+    Kernel::run(arguments...);
+}
+#endif
+
+/// Calls Kernel::run(arguments...), compiled for the vector unit in use. Arguments are passed by
+/// value.
+template <typename Kernel, typename... Arguments>
+void onVectorUnit(Arguments... arguments) {
+#if defined(QEL_VECTOR_UNITS)
+    switch (vectorUnit()) {
+    case VectorUnit::avx512:
+        return runAvx512<Kernel, Arguments...>(arguments...);
+    case VectorUnit::avx2:
+        return runAvx2<Kernel, Arguments...>(arguments...);
+    case VectorUnit::portable:
+        break;
+    }
+#endif
+    runPortable<Kernel, Arguments...>(arguments...);
+}
+
+} // namespace qel
+
+#endif

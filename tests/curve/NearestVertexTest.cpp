@@ -1,0 +1,99 @@
+// The nearest vertex in lanes: the index that the plain search finds, on every vector unit.
+
+#include "curve/NearestVertex.h"
+
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "support/Curves.h"
+#include "support/Paths.h"
+#include "support/VectorUnits.h"
+
+namespace {
+
+using namespace qel_test;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+void checkProbes(const Points& path, const Points& probes) {
+    for (const Point& probe : probes) {
+        ASSERT_EQ(qel::nearestVertex(path, probe), referenceNearestVertex(path, probe)) << probe;
+    }
+}
+
+// Around the lanes, around the block of 128 and where the last block overlaps the one before.
+TEST(NearestVertex, AnyNumberOfPointsGivesTheIndexOfThePlainSearch) {
+    std::vector<std::size_t> sizes;
+    for (std::size_t n = 1; n <= 70; ++n) {
+        sizes.push_back(n);
+    }
+    for (const std::size_t n :
+         {127, 128, 135, 136, 137, 144, 255, 256, 263, 264, 265, 1000, 4099}) {
+        sizes.push_back(n);
+    }
+    onEveryVectorUnit([&] {
+        RandomCurves random(33);
+        for (const std::size_t n : sizes) {
+            for (const NamedPath& path : pathsOfEveryKind(n, random)) {
+                SCOPED_TRACE(path.name + ", " + std::to_string(n) + " points");
+                checkProbes(path.points, probesOf(path.points, 20, random));
+            }
+        }
+    });
+}
+
+// One near vertex at every place: first and last of a block, of the lanes, of the overlap.
+TEST(NearestVertex, FindsTheNearestAtEveryPlace) {
+    onEveryVectorUnit([] {
+        Points points(421, Point(5.0, 0.0, 0.0));
+        for (std::size_t at = 0; at < points.size(); ++at) {
+            points[at].x = 1.0;
+            EXPECT_EQ(qel::nearestVertex(points, Point()), at);
+            points[at].x = 5.0;
+        }
+    });
+}
+
+TEST(NearestVertex, TheFirstOfTiedVerticesWinsWhereverTheyLie) {
+    onEveryVectorUnit([] {
+        Points points(421, Point(5.0, 0.0, 0.0));
+        for (std::size_t first = 0; first < points.size(); first += 13) {
+            for (std::size_t second = first + 1; second < points.size(); second += 7) {
+                points[first] = Point(0.0, 1.0, 0.0);
+                points[second] = Point(1.0, 0.0, 0.0);
+                EXPECT_EQ(qel::nearestVertex(points, Point()), first);
+                points[first] = points[second] = Point(5.0, 0.0, 0.0);
+            }
+        }
+    });
+}
+
+TEST(NearestVertex, ANaNDistanceIsTheNearestOnlyAtTheFirstVertex) {
+    onEveryVectorUnit([] {
+        Points points(421, Point(5.0, 0.0, 0.0));
+        points[300].x = 1.0;
+        for (std::size_t at = 1; at < points.size(); at += at == 299 ? 2 : 1) {
+            points[at].y = kNaN;
+            EXPECT_EQ(qel::nearestVertex(points, Point()), 300u);
+        }
+        points[0].y = kNaN;
+        EXPECT_EQ(qel::nearestVertex(points, Point()), 0u);
+        EXPECT_EQ(qel::nearestVertex(points, Point(kNaN, 0.0, 0.0)), 0u);
+    });
+}
+
+// Wherever the points start in memory, as the blocks are laid on the lines of the cache.
+TEST(NearestVertex, DoesNotDependOnWhereThePointsStand) {
+    onEveryVectorUnit([] {
+        RandomCurves random(34);
+        for (std::size_t size = 136; size < 160; ++size) {
+            std::vector<Points> keepers; // different sizes move the next ones about
+            keepers.emplace_back(size % 9 + 1);
+            keepers.push_back(probesOf(Points(1), size, random));
+            checkProbes(keepers.back(), probesOf(keepers.back(), 20, random));
+        }
+    });
+}
+
+} // namespace

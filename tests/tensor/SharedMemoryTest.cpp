@@ -1,0 +1,311 @@
+// Arrays of every kind, and outputs that share memory with inputs: always the result of the loop
+// over the points in order, and the expiry of statistics that goes with it.
+
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include <qel/FloatQELVectorComponent.h>
+#include <qel/FloatQELVectorConcrete.h>
+#include <qel/TensorEigenizer.h>
+
+#include "support/Bits.h"
+#include "tensor/Fields.h"
+#include "tensor/PlainFormulas.h"
+
+namespace {
+
+using namespace qel_test;
+using qel::FloatQELVector;
+using qel::FloatQELVectorComponent;
+using qel::FloatQELVectorConcrete;
+using qel::TensorEigenizer;
+using qel::TripletQELVector;
+
+constexpr std::size_t kCount = 700; // several blocks
+
+std::vector<Tensor> tensors() {
+    return mixedTensors(kCount, 51);
+}
+
+// -- A caller's own kind ----
+
+TEST(CallersArrays, AreWrittenThroughTheirOperationsInOrder) {
+    const Field field(tensors());
+    CallersArray out;
+    field.eigenizer().getInvariantQ(out);
+    EXPECT_EQ(out.resized, 1);
+    ASSERT_EQ(out.asked.size(), kCount);
+    for (std::size_t k = 0; k < kCount; ++k) {
+        ASSERT_EQ(out.asked[k], k);
+    }
+}
+
+TEST(CallersArrays, OfNoPointsAreOnlyResized) {
+    const Field field;
+    CallersArray swirl, eigenvalue, out;
+    TripletQELVector triplets;
+    field.eigenizer().getSwirlStretchRate(swirl, eigenvalue, out);
+    field.eigenizer().getEVecReal(swirl, eigenvalue, triplets);
+    EXPECT_EQ(out.resized, 1);
+    EXPECT_EQ(swirl.resized, 0);
+    EXPECT_TRUE(out.asked.empty() && swirl.asked.empty() && eigenvalue.asked.empty());
+}
+
+// A class derived from the library's, with an operation of its own.
+struct Negating : FloatQELVectorConcrete {
+    using FloatQELVectorConcrete::operator[];
+    float& operator[](std::size_t i) override {
+        asked.push_back(i);
+        return FloatQELVectorConcrete::operator[](i);
+    }
+    std::vector<std::size_t> asked;
+};
+
+TEST(CallersArrays, DerivedFromTheLibrarysAreTheirOwnKind) {
+    const Field field(tensors());
+    Negating out;
+    field.eigenizer().getDivergence(out);
+    EXPECT_EQ(out.asked.size(), kCount);
+}
+
+// Every operation, into arrays that `make` builds, against arrays of the caller's kind.
+struct Results {
+    std::vector<std::vector<float>> floats;
+    std::vector<std::vector<Triplet>> triplets;
+};
+
+Results resultsOf(const TensorEigenizer& t, FloatQELVector& swirl, FloatQELVector& eigenvalue,
+                  FloatQELVector& out, TripletQELVector velocity) {
+    Results r;
+    const auto keep = [&] { r.floats.push_back(valuesOf(out)); };
+    TripletQELVector triplets;
+    const auto keepTriplets = [&] { r.triplets.push_back(triplets.getInternals()); };
+    t.getInvariantQ(out), keep();
+    t.getDivergence(out), keep();
+    t.getDiscrim(out), keep();
+    t.get2ndEValSymmTT(out), keep();
+    t.getHelicity(velocity, out), keep();
+    t.getVorticity(triplets), keepTriplets();
+    t.getSwirlStrength(swirl, eigenvalue);
+    r.floats.push_back(valuesOf(swirl));
+    r.floats.push_back(valuesOf(eigenvalue));
+    t.getSwirlStretchRate(swirl, eigenvalue, out), keep();
+    t.getRealEigenHelicity(swirl, eigenvalue, out), keep();
+    t.getNormEigenHelicity(swirl, eigenvalue, out), keep();
+    t.getSwirlNormal(swirl, eigenvalue, triplets), keepTriplets();
+    t.getEVecReal(swirl, eigenvalue, triplets), keepTriplets();
+    return r;
+}
+
+void expectSame(const Results& a, const Results& b) {
+    ASSERT_EQ(a.floats.size(), b.floats.size());
+    for (std::size_t i = 0; i < a.floats.size(); ++i) {
+        EXPECT_TRUE(sameBitsInAll(a.floats[i], b.floats[i])) << "float output " << i;
+    }
+    ASSERT_EQ(a.triplets.size(), b.triplets.size());
+    for (std::size_t i = 0; i < a.triplets.size(); ++i) {
+        EXPECT_TRUE(sameBitsInAll(a.triplets[i], b.triplets[i])) << "triplet output " << i;
+    }
+}
+
+TEST(SharedMemory, EveryKindOfArrayGivesTheSame) {
+    const Field field(tensors());
+    const TensorEigenizer t = field.eigenizer();
+    CallersArray swirl, eigenvalue, out;
+    const Results expected = resultsOf(t, swirl, eigenvalue, out, field.row2);
+
+    FloatQELVectorConcrete ownSwirl, ownEigenvalue, ownOut;
+    expectSame(resultsOf(t, ownSwirl, ownEigenvalue, ownOut, field.row2), expected);
+
+    // All three outputs in one triplet array, in every order.
+    for (int first = 0; first < 3; ++first) {
+        TripletQELVector triplets;
+        FloatQELVectorComponent a(triplets, first);
+        FloatQELVectorComponent b(triplets, (first + 1) % 3);
+        FloatQELVectorComponent c(triplets, (first + 2) % 3);
+        expectSame(resultsOf(t, a, b, c, field.row2), expected);
+    }
+    CallersArray mixedOut;
+    expectSame(resultsOf(t, ownSwirl, ownEigenvalue, mixedOut, field.row2), expected);
+    CallersArray mixedSwirl;
+    expectSame(resultsOf(t, mixedSwirl, ownEigenvalue, ownOut, field.row2), expected);
+}
+
+// -- Outputs that are inputs ----
+
+TEST(SharedMemory, AViewOfARowAsOutput) {
+    const std::vector<Tensor> start = tensors();
+    for (int row = 0; row < 3; ++row) {
+        for (int component = 0; component < 3; ++component) {
+            Field field(start);
+            TripletQELVector* const rows[] = {&field.row1, &field.row2, &field.row3};
+            FloatQELVectorComponent out(*rows[row], component);
+            field.eigenizer().getDiscrim(out);
+            for (std::size_t k = 0; k < kCount; ++k) {
+                Tensor expected = start[k];
+                expected[static_cast<std::size_t>(3 * row + component)] =
+                    static_cast<float>(plain::cubic(start[k]).discriminant);
+                const Tensor actual = field.at(k);
+                for (std::size_t i = 0; i < 9; ++i) {
+                    ASSERT_TRUE(sameBits(actual[i], expected[i])) << k << " " << i;
+                }
+            }
+        }
+    }
+}
+
+TEST(SharedMemory, ARowAsVorticityOutput) {
+    const std::vector<Tensor> start = tensors();
+    Field field(start);
+    field.eigenizer().getVorticity(field.row2);
+    for (std::size_t k = 0; k < kCount; ++k) {
+        ASSERT_TRUE(sameBits(field.row2[k], plain::vorticity(start[k])));
+    }
+}
+
+TEST(SharedMemory, TheVelocityAsHelicityOutput) {
+    const Field field(tensors());
+    TripletQELVector velocity = field.row3;
+    FloatQELVectorComponent out(velocity, 0);
+    field.eigenizer().getHelicity(velocity, out);
+    for (std::size_t k = 0; k < kCount; ++k) {
+        const Triplet u = field.row3[k];
+        ASSERT_TRUE(sameBits(velocity[k].x, plain::productYxz(u, plain::vorticity(field.at(k)))));
+        ASSERT_TRUE(sameBits(velocity[k].y, u.y));
+    }
+}
+
+TEST(SharedMemory, ARowAsVelocity) {
+    Field field(tensors());
+    FloatQELVectorConcrete out;
+    field.eigenizer().getHelicity(field.row1, out);
+    for (std::size_t k = 0; k < kCount; ++k) {
+        const Tensor t = field.at(k);
+        ASSERT_TRUE(sameBits(out[k], plain::productYxz(field.row1[k], plain::vorticity(t))));
+    }
+}
+
+TEST(SharedMemory, BothSwirlOutputsInOneArrayKeepTheEigenvalue) {
+    const Field field(tensors());
+    FloatQELVectorConcrete both;
+    field.eigenizer().getSwirlStrength(both, both);
+    TripletQELVector triplets;
+    FloatQELVectorComponent view(triplets, 1), again(triplets, 1);
+    field.eigenizer().getSwirlStrength(view, again);
+    for (std::size_t k = 0; k < kCount; ++k) {
+        ASSERT_TRUE(sameBits(both[k], plain::swirl(field.at(k)).eigenvalue));
+        ASSERT_TRUE(sameBits(view[k], both[k]));
+    }
+}
+
+TEST(SharedMemory, TheSwirlStrengthAsOutput) {
+    const Field field(tensors());
+    FloatQELVectorConcrete swirl, eigenvalue, expected;
+    field.eigenizer().getSwirlStrength(swirl, eigenvalue);
+    field.eigenizer().getSwirlStretchRate(swirl, eigenvalue, expected);
+    FloatQELVectorConcrete inPlace(swirl);
+    field.eigenizer().getSwirlStretchRate(inPlace, eigenvalue, inPlace);
+    EXPECT_TRUE(sameBitsInAll(valuesOf(inPlace), valuesOf(expected)));
+    FloatQELVectorConcrete replaced(eigenvalue);
+    field.eigenizer().getSwirlStretchRate(swirl, replaced, replaced);
+    EXPECT_TRUE(sameBitsInAll(valuesOf(replaced), valuesOf(expected)));
+}
+
+TEST(SharedMemory, AViewOfTheSwirlsArrayAsTripletOutput) {
+    // Swirl and eigenvalue in components of the very array that takes the eigenvectors.
+    const Field field(tensors());
+    FloatQELVectorConcrete swirl, eigenvalue;
+    TripletQELVector expected;
+    field.eigenizer().getSwirlStrength(swirl, eigenvalue);
+    field.eigenizer().getEVecReal(swirl, eigenvalue, expected);
+    TripletQELVector triplets;
+    FloatQELVectorComponent x(triplets, 0), z(triplets, 2);
+    field.eigenizer().getSwirlStrength(x, z);
+    field.eigenizer().getEVecReal(x, z, triplets);
+    EXPECT_TRUE(sameBitsInAll(triplets.getInternals(), expected.getInternals()));
+}
+
+TEST(SharedMemory, AnOutputThatResizesARow) {
+    // The row grows with zeros to the length that the object asks of it.
+    Field field(std::vector<Tensor>(3, Tensor{1, 2, 3, 4, 5, 6, 7, 8, 9}));
+    TripletQELVector row1(std::vector<Triplet>{{1, 2, 3}});
+    FloatQELVectorComponent out(row1, 0);
+    TensorEigenizer(3, row1, field.row2, field.row3).getDivergence(out);
+    EXPECT_EQ(valuesOf(out), (std::vector<float>{15, 14, 14}));
+}
+
+// -- Expiry ----
+
+// The maximum as computed after the first value was changed behind the array's back: the old one
+// if the statistics are still in force.
+template <typename Action>
+bool expires(FloatQELVectorConcrete& array, const Action& action) {
+    array.getMax();
+    *array.begin() = 1e9f;
+    action();
+    return array.getMax() == 1e9f;
+}
+
+TEST(SharedMemory, InputsReadByIndexExpire) {
+    const Field field(std::vector<Tensor>(3, Tensor{0, -1, 0, 1, 0, 0, 0, 0, 0}));
+    const TensorEigenizer t = field.eigenizer();
+    const TensorEigenizer none(0, field.row1, field.row2, field.row3);
+    FloatQELVectorConcrete swirl, eigenvalue, out;
+    CallersArray callers;
+    for (FloatQELVector* const output :
+         {static_cast<FloatQELVector*>(&out), static_cast<FloatQELVector*>(&callers)}) {
+        t.getSwirlStrength(swirl, eigenvalue);
+        EXPECT_TRUE(expires(swirl, [&] { t.getSwirlStretchRate(swirl, eigenvalue, *output); }));
+        EXPECT_TRUE(
+            expires(eigenvalue, [&] { t.getSwirlStretchRate(swirl, eigenvalue, *output); }));
+        t.getSwirlStrength(swirl, eigenvalue);
+        EXPECT_FALSE(expires(swirl, [&] { none.getSwirlStretchRate(swirl, eigenvalue, *output); }));
+    }
+}
+
+TEST(SharedMemory, VelocityExpiresAndRowsDoNot) {
+    const Field field(std::vector<Tensor>(3, Tensor{0, -1, 0, 1, 0, 0, 0, 0, 0}));
+    TripletQELVector velocity(std::vector<Triplet>(3, Triplet(1, 2, 3)));
+    EXPECT_EQ(velocity.getNvalid(), 3);
+    EXPECT_EQ(field.row1.getNvalid(), 3);
+    FloatQELVectorConcrete out;
+    field.eigenizer().getHelicity(velocity, out);
+    EXPECT_EQ(velocity.getNvalid(), 6);
+    EXPECT_EQ(field.row1.getNvalid(), 3);
+    TensorEigenizer(0, field.row1, field.row2, field.row3).getHelicity(velocity, out);
+    EXPECT_EQ(velocity.getNvalid(), 6);
+}
+
+TEST(SharedMemory, OutputsExpire) {
+    const Field field(std::vector<Tensor>(3, Tensor{0, -1, 0, 1, 0, 0, 0, 0, 0}));
+    FloatQELVectorConcrete out;
+    out.resize(3);
+    EXPECT_EQ(out.getMax(), 0.0f);
+    field.eigenizer().getInvariantQ(out);
+    EXPECT_EQ(out.getMax(), 1.0f);
+
+    // A view keeps its own statistics, and its triplet array's expire.
+    TripletQELVector triplets(std::vector<Triplet>(3));
+    FloatQELVectorComponent view(triplets, 1);
+    EXPECT_EQ(view.getMax(), 0.0f);
+    EXPECT_EQ(triplets.getNvalid(), 3);
+    field.eigenizer().getInvariantQ(view);
+    EXPECT_EQ(view.getMax(), 0.0f);
+    EXPECT_EQ(triplets.getNvalid(), 6);
+    view.invalidateCache();
+    EXPECT_EQ(view.getMax(), 1.0f);
+
+    field.eigenizer().getVorticity(triplets);
+    EXPECT_EQ(triplets.getNvalid(), 9);
+}
+
+TEST(SharedMemory, ABadComponentIsRefusedAtTheFirstPoint) {
+    const Field field(std::vector<Tensor>(3, Tensor{}));
+    TripletQELVector triplets;
+    FloatQELVectorComponent view(triplets, 3);
+    EXPECT_THROW(field.eigenizer().getInvariantQ(view), qel::data::invalid);
+    EXPECT_EQ(triplets.size(), 3u) << "resized before";
+}
+
+} // namespace

@@ -1,0 +1,156 @@
+// Every output is the same in every bit on every vector unit and in the point by point loop.
+
+#include <gtest/gtest.h>
+
+#include <qel/FloatQELVectorConcrete.h>
+#include <qel/TensorEigenizer.h>
+
+#include "platform/VectorUnit.h"
+#include "support/Bits.h"
+#include "tensor/Fields.h"
+#include "tensor/PlainFormulas.h"
+
+namespace {
+
+using namespace qel_test;
+using qel::FloatQELVectorConcrete;
+using qel::TensorEigenizer;
+using qel::TripletQELVector;
+using qel::VectorUnit;
+
+class VectorUnits : public ::testing::TestWithParam<VectorUnit> {
+protected:
+    void SetUp() override {
+        if (!qel::hasVectorUnit(GetParam())) {
+            GTEST_SKIP() << "this machine has no such unit";
+        }
+        qel::forceVectorUnit(GetParam());
+    }
+    void TearDown() override { qel::restoreVectorUnit(); }
+};
+
+// Compares all outputs with those that go point by point, into arrays of a caller's kind.
+void checkAll(const std::vector<Tensor>& tensors) {
+    const Field field(tensors);
+    const TensorEigenizer t = field.eigenizer();
+    FloatQELVectorConcrete own, swirl, eigenvalue;
+    CallersArray callers, callersSwirl, callersEigenvalue;
+    const auto same = [&](const char* what) {
+        EXPECT_TRUE(sameBitsInAll(valuesOf(own), valuesOf(callers))) << what;
+    };
+    t.getInvariantQ(own), t.getInvariantQ(callers), same("Q");
+    t.getDivergence(own), t.getDivergence(callers), same("divergence");
+    t.getDiscrim(own), t.getDiscrim(callers), same("discriminant");
+    t.get2ndEValSymmTT(own), t.get2ndEValSymmTT(callers), same("lambda-2");
+    TripletQELVector velocity = field.row3;
+    t.getHelicity(velocity, own), t.getHelicity(velocity, callers), same("helicity");
+
+    t.getSwirlStrength(swirl, eigenvalue);
+    t.getSwirlStrength(callersSwirl, callersEigenvalue);
+    EXPECT_TRUE(sameBitsInAll(valuesOf(swirl), valuesOf(callersSwirl)));
+    EXPECT_TRUE(sameBitsInAll(valuesOf(eigenvalue), valuesOf(callersEigenvalue)));
+    t.getSwirlStretchRate(swirl, eigenvalue, own);
+    t.getSwirlStretchRate(swirl, eigenvalue, callers), same("stretch rate");
+    t.getRealEigenHelicity(swirl, eigenvalue, own);
+    t.getRealEigenHelicity(swirl, eigenvalue, callers), same("eigenvector helicity");
+    t.getNormEigenHelicity(swirl, eigenvalue, own);
+    t.getNormEigenHelicity(swirl, eigenvalue, callers), same("normal helicity");
+
+    TripletQELVector fast, plain;
+    t.getVorticity(fast);
+    for (const Tensor& tensor : tensors) {
+        plain.push_back(plain::vorticity(tensor));
+    }
+    EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << "vorticity";
+    t.getSwirlNormal(swirl, eigenvalue, fast);
+    t.getSwirlNormal(callersSwirl, callersEigenvalue, plain);
+    EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << "normal";
+    t.getEVecReal(swirl, eigenvalue, fast);
+    t.getEVecReal(callersSwirl, callersEigenvalue, plain);
+    EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << "eigenvector";
+}
+
+TEST_P(VectorUnits, RandomTensors) {
+    std::mt19937 random(61);
+    std::vector<Tensor> tensors;
+    for (int k = 0; k < 20000; ++k) {
+        tensors.push_back(normalTensor(random, 3.0f));
+    }
+    checkAll(tensors);
+}
+
+TEST_P(VectorUnits, DegenerateTensors) {
+    std::mt19937 random(62);
+    std::vector<Tensor> tensors;
+    for (int k = 0; k < 10000; ++k) {
+        tensors.push_back(degenerateTensor(random));
+    }
+    checkAll(tensors);
+}
+
+TEST_P(VectorUnits, ExtremeTensors) {
+    std::mt19937 random(63);
+    std::vector<Tensor> tensors;
+    for (int k = 0; k < 10000; ++k) {
+        tensors.push_back(extremeTensor(random));
+    }
+    checkAll(tensors);
+}
+
+TEST_P(VectorUnits, TensorsOfEveryScale) {
+    std::mt19937 random(64);
+    std::vector<Tensor> tensors;
+    for (int exponent = -148; exponent < 128; ++exponent) {
+        for (int k = 0; k < 20; ++k) {
+            tensors.push_back(normalTensor(random, std::ldexp(1.0f, exponent)));
+        }
+    }
+    checkAll(tensors);
+}
+
+// Near repeated eigenvalues, where the cosine is near its ends and the discriminant near zero.
+TEST_P(VectorUnits, NearlyDegenerateTensors) {
+    std::mt19937 random(65);
+    std::vector<Tensor> tensors;
+    for (int k = 0; k < 10000; ++k) {
+        Tensor t = degenerateTensor(random);
+        const Tensor noise =
+            normalTensor(random, std::ldexp(1.0f, -static_cast<int>(random() % 30)));
+        for (std::size_t i = 0; i < 9; ++i) {
+            t[i] += noise[i];
+        }
+        tensors.push_back(t);
+    }
+    checkAll(tensors);
+}
+
+TEST_P(VectorUnits, FlowsInOnePlane) {
+    std::mt19937 random(66);
+    std::vector<Tensor> tensors;
+    for (int k = 0; k < 3000; ++k) {
+        const Tensor t = normalTensor(random, 1.0f);
+        tensors.push_back({t[0], t[1], 0, t[3], k % 2 == 0 ? t[4] : -t[0], 0, 0, 0, 0});
+    }
+    checkAll(tensors);
+}
+
+// Lengths around those of lanes and blocks.
+TEST_P(VectorUnits, EveryLength) {
+    const std::size_t lengths[] = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 255, 256, 257, 511, 513};
+    for (const std::size_t n : lengths) {
+        SCOPED_TRACE(n);
+        checkAll(mixedTensors(n, 67 + static_cast<unsigned>(n)));
+    }
+}
+
+std::string nameOf(const ::testing::TestParamInfo<VectorUnit>& unit) {
+    const char* const names[] = {"Portable", "Avx2", "Avx512"};
+    return names[static_cast<int>(unit.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(All, VectorUnits,
+                         ::testing::Values(VectorUnit::portable, VectorUnit::avx2,
+                                           VectorUnit::avx512),
+                         nameOf);
+
+} // namespace
