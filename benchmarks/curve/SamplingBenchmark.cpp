@@ -46,7 +46,7 @@ void resampleQel(benchmark::State& state, std::vector<double> (*parameters)(std:
     const auto n = static_cast<std::size_t>(state.range(0));
     const qel::ParametricCurve curve(wave(n), qel::ParametricCurve::dim2D);
     const std::vector<double> s = parameters(n);
-    Points points;
+    Points points(n); // memory that is there already
     for (auto _ : state) {
         curve.getCurveBySvalues(points, s, true);
         benchmark::DoNotOptimize(points.data());
@@ -71,6 +71,7 @@ void resampleBoost(benchmark::State& state) {
     }
     const double step = static_cast<double>(bg::length(line)) / static_cast<double>(n - 1);
     bg::model::multi_point<Flat> points;
+    points.reserve(n + 1);
     for (auto _ : state) {
         points.clear();
         bg::line_interpolate(line, step, points);

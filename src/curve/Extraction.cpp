@@ -45,12 +45,12 @@ void checkIndex(std::size_t index, std::size_t size) {
     }
 }
 
-// Appends the elements first to last, both included; last is checked as an index is.
+// Copies the elements first to last, both included, to a place; last is checked as an index is.
+// Returns where the copy ends.
 template <typename T>
-void append(const std::vector<T>& from, std::size_t first, std::size_t last, std::vector<T>& to) {
-    const T* begin = &from[first];
-    const T* end = &from[last] + 1;
-    to.insert(to.end(), begin, end);
+T* copyRange(const std::vector<T>& from, std::size_t first, std::size_t last, T* to) {
+    const T* const begin = &from[first];
+    return std::copy(begin, &from[last] + 1, to); // one block, whatever was there before
 }
 
 // Drops a last point that repeats the one before. Of a piece of two points both stay, also when
@@ -69,20 +69,20 @@ void assemble(const Points& storedPoints, const std::vector<double>& storedSvalu
               const Cut& start, bool withStart, const Cut& end, Points& points,
               std::vector<double>& svalues) {
     const std::size_t inner = start.hi > end.lo ? 0 : end.lo - start.hi + 1;
-    points.clear();
-    svalues.clear();
-    points.reserve(inner + 2);
-    svalues.reserve(inner + 2);
+    points.resize(inner + (withStart ? 2 : 1));
+    svalues.resize(points.size());
+    Point* point = points.data();
+    double* s = svalues.data();
     if (withStart) {
-        points.push_back(start.point);
-        svalues.push_back(start.s);
+        *point++ = start.point;
+        *s++ = start.s;
     }
     if (inner > 0) {
-        append(storedPoints, start.hi, end.lo, points);
-        append(storedSvalues, start.hi, end.lo, svalues);
+        point = copyRange(storedPoints, start.hi, end.lo, point);
+        s = copyRange(storedSvalues, start.hi, end.lo, s);
     }
-    points.push_back(end.point);
-    svalues.push_back(end.s);
+    *point = end.point;
+    *s = end.s;
     dropTrailingDuplicate(points, svalues);
 }
 
@@ -218,17 +218,15 @@ namespace {
 
 // The points first to second in the direction of increasing index, past the end if need be. From
 // the last point to the first that is the closing segment alone.
-void appendArc(const Points& loop, std::size_t first, std::size_t second, Points& arc) {
-    const std::size_t last = loop.size() - 1;
-    arc.clear();
+void copyArc(const Points& loop, std::size_t first, std::size_t second, Points& arc) {
     if (first < second) {
-        arc.reserve(second - first + 1);
-        append(loop, first, second, arc);
+        arc.resize(second - first + 1);
+        copyRange(loop, first, second, arc.data());
         return;
     }
-    arc.reserve(last - first + 1 + second + 1);
-    append(loop, first, last, arc);
-    append(loop, 0, second, arc);
+    const std::size_t last = loop.size() - 1;
+    arc.resize(last - first + 1 + second + 1);
+    copyRange(loop, 0, second, copyRange(loop, first, last, arc.data()));
 }
 
 } // namespace
@@ -241,13 +239,13 @@ void ParametricCurve::getCurve(std::size_t first, std::size_t second, Points& fo
         throw internal::error("ParametricCurve", "getCurve",
                               "First and second index must be different.", argumentError);
     }
-    appendArc(points_, first, second, forward);
-    appendArc(points_, second, first, backward);
+    copyArc(points_, first, second, forward);
+    copyArc(points_, second, first, backward);
 }
 
 void ParametricCurve::getCurve(std::size_t index, Points& points) const {
     checkIndex(index, points_.size());
-    appendArc(points_, index, index, points);
+    copyArc(points_, index, index, points);
 }
 
 void ParametricCurve::getCurve(std::size_t first, std::size_t second, Points& points) const {
@@ -262,8 +260,8 @@ void ParametricCurve::getCurve(std::size_t first, std::size_t second, Points& po
         throw internal::error("ParametricCurve", "getCurve", message % first % second,
                               argumentError);
     }
-    points.clear();
-    append(points_, first, second, points);
+    points.resize(second - first + 1);
+    copyRange(points_, first, second, points.data());
 }
 
 void ParametricCurve::getCurve(std::size_t first, std::size_t second, FloatPoints& forward,

@@ -25,69 +25,72 @@ public:
     ParameterWalk(const Points& points, const std::vector<double>& svalues, std::size_t expected)
         : points_(points),
           svalues_(svalues),
-          first_(svalues.front()),
-          last_(svalues.back()),
+          p_(points.data()),
+          s_(svalues.data()),
           walks_(expected >= svalues.size() / kSearchPays && points.size() == svalues.size() &&
-                 inOrder(svalues)) {}
+                 svalues.front() >= -10.0 && svalues.back() <= 10.0 && inOrder(svalues)) {}
 
-    /// What ParametricCurve::getPointAtParameter(s) returns.
-    Point at(double s) {
-        if (s > last_) {
-            s = last_; // where all s-values are equal, the first point answers
+    /// What ParametricCurve::getPointAtParameter(s) returns, by a search. A walk goes on from
+    /// there.
+    Point at(double s);
+
+    /// Gives emit(k, point) for every k from begin to end - 1, the point being at(parameterAt(k)).
+    template <typename ParameterAt, typename Emit>
+    void forEach(std::size_t begin, std::size_t end, ParameterAt parameterAt, Emit emit) {
+        for (std::size_t k = begin; k < end; ++k) {
+            k = runOfNear(k, end, parameterAt, emit);
+            if (k < end) {
+                emit(k, at(parameterAt(k)));
+            }
         }
-        if (!(s > first_)) {
-            return points_.front();
-        }
-        if (!(s < last_)) {
-            return points_.back();
-        }
-        if (!walks_ || !stepTo(s)) {
-            return searched(s);
-        }
-        const Point* const p = points_.data() + hi_;
-        const double sLo = svalues_.data()[hi_ - 1];
-        const double sHi = svalues_.data()[hi_];
-        const double ds = sHi - sLo;
-        if (!surelyDistinct(ds, sHi)) {
-            return pointBetween(p[-1], p[0], sLo, sHi, s);
-        }
-        return p[-1] + (p[0] - p[-1]) * ((s - sLo) / ds);
     }
 
 private:
     static constexpr std::size_t kSearchPays = 16; // points of the curve for each one asked for
     static constexpr int kSteps = 8;               // farther than this, a search is faster
 
-    // The spacing of an s up to 10 is at most epsilon, so that steps of this size never count as
-    // equal; spares the search for the decade.
-    static bool surelyDistinct(double ds, double sHi) {
-        constexpr double kEpsilon = 2.220446049250313e-16;
-        return ds >= kEqualSvalues * kEpsilon && sHi <= 10.0 && sHi >= -10.0;
-    }
+    // Steps of this size between s-values up to 10, whose spacing is at most epsilon, never count
+    // as equal; spares the search for the decade.
+    static constexpr double kSurelyDistinct = kEqualSvalues * 2.220446049250313e-16;
 
     static bool inOrder(const std::vector<double>& svalues);
 
-    // Moves hi_ to the first s-value above s. False if it is not near, or if the bracket does not
-    // start at the point before because s-values equal to s repeat.
-    bool stepTo(double s) {
-        const double* const svalues = svalues_.data();
-        if (s < svalues[hi_ - 1]) {
-            return false;
+    // Emits points as long as the next parameter is near and its bracket plain; returns the first
+    // k that is left to at(). What changes stands in locals: nothing waits for memory.
+    template <typename ParameterAt, typename Emit>
+    std::size_t runOfNear(std::size_t k, std::size_t end, ParameterAt parameterAt, Emit emit) {
+        if (!walks_) {
+            return k;
         }
-        for (int step = 0; step < kSteps; ++step, ++hi_) {
-            if (s < svalues[hi_]) { // holds at the last one at the latest
-                return svalues[hi_ - 1] < s || svalues[hi_ - 2] < s;
+        const std::size_t last = svalues_.size() - 1;
+        std::size_t hi = hi_;
+        double sLo = s_[hi - 1];
+        double sHi = s_[hi];
+        for (; k < end; ++k) {
+            const double s = parameterAt(k);
+            if (!(s >= sLo)) {
+                break;
             }
+            for (int step = 0; step < kSteps && s >= sHi && hi < last; ++step) {
+                sLo = sHi;
+                sHi = s_[++hi];
+            }
+            // An s equal to sLo has its bracket there unless that is not the first of a run.
+            const bool startsAtLo = sLo < s || (hi > 1 && s_[hi - 2] < s);
+            const double ds = sHi - sLo;
+            if (s >= sHi || !startsAtLo || !(ds >= kSurelyDistinct)) {
+                break;
+            }
+            emit(k, p_[hi - 1] + (p_[hi] - p_[hi - 1]) * ((s - sLo) / ds));
         }
-        return false;
+        hi_ = hi;
+        return k;
     }
-
-    Point searched(double s);
 
     const Points& points_;
     const std::vector<double>& svalues_;
-    double first_;
-    double last_;
+    const Point* p_;
+    const double* s_;
     bool walks_;
     std::size_t hi_ = 1;
 };

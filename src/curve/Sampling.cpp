@@ -29,9 +29,9 @@ void sample(ParameterWalk& walk, const Points& points, const std::vector<double>
     T* const to = out.data();
     const double* const s = parameters.data();
     to[0] = take(keepEnds ? points.front() : walk.at(s[0]));
-    for (std::size_t k = 1; k < last; ++k) {
-        to[k] = take(walk.at(s[k]));
-    }
+    walk.forEach(
+        1, last, [s](std::size_t k) { return s[k]; },
+        [to, take](std::size_t k, const Point& p) { to[k] = take(p); });
     to[last] = take(keepEnds ? points.back() : walk.at(s[last]));
 }
 
@@ -65,9 +65,9 @@ void ParametricCurve::getCurveForEquidistantS(Points& points, int count) const {
     ParameterWalk walk(points_, svalues_, last);
     Point* const to = points.data();
     to[0] = points_.front();
-    for (std::size_t k = 1; k < last; ++k) {
-        to[k] = walk.at(static_cast<double>(k) * h);
-    }
+    walk.forEach(
+        1, last, [h](std::size_t k) { return static_cast<double>(k) * h; },
+        [to](std::size_t k, const Point& p) { to[k] = p; });
     to[last] = points_.back();
 }
 
@@ -144,12 +144,15 @@ void ParametricCurve::getCurveWithMinimumS(Points& points, std::vector<double>& 
     for (std::size_t i = 1; i < points_.size(); ++i) {
         const double d = svalues_[i] - svalues_[i - 1];
         const std::size_t k = inserted(i);
-        for (std::size_t j = 1; j <= k; ++j) {
-            const double s =
-                d * static_cast<double>(j) / static_cast<double>(k + 1) + svalues_[i - 1];
-            points.push_back(walk.at(s));
-            svalues.push_back(s);
-        }
+        const double parts = static_cast<double>(k + 1);
+        const double start = svalues_[i - 1];
+        const auto parameterAt = [&](std::size_t j) {
+            return d * static_cast<double>(j) / parts + start;
+        };
+        walk.forEach(1, k + 1, parameterAt, [&](std::size_t j, const Point& p) {
+            points.push_back(p);
+            svalues.push_back(parameterAt(j));
+        });
         points.push_back(points_[i]);
         svalues.push_back(svalues_[i]);
     }

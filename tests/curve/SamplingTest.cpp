@@ -27,10 +27,20 @@ ParametricCurve withSvalues(const Points& points, const Values& s) {
 void expectWalkIsPlain(const Points& p, const Values& s, const Values& parameters,
                        std::size_t expected) {
     qel::ParameterWalk walk(p, s, expected);
+    Points plain;
     for (const double at : parameters) {
-        const Point plain = plainAt(p, s, at);
-        EXPECT_TRUE(sameBits(walk.at(at), plain)) << at;
+        plain.push_back(plainAt(p, s, at));
+        EXPECT_TRUE(sameBits(walk.at(at), plain.back())) << at;
     }
+    Points together;
+    qel::ParameterWalk(p, s, expected)
+        .forEach(
+            0, parameters.size(), [&](std::size_t k) { return parameters[k]; },
+            [&](std::size_t k, const Point& point) {
+                EXPECT_EQ(k, together.size());
+                together.push_back(point);
+            });
+    EXPECT_TRUE(sameBitsInAll(together, plain));
 }
 
 TEST(ParameterWalk, FindsWhatAPlainSearchFinds) {
