@@ -29,14 +29,28 @@ struct Bracket {
 
 /// The bracket of an s strictly between the first and the last s-value. Both indices are valid
 /// also where NaN stands among the s-values. O(log n).
+///
+/// The searches for the first value not less than s and for the first greater one go the same way
+/// until they meet s itself (or NaN), so one walk serves both up to there. What it finds is what
+/// std::lower_bound and std::upper_bound find.
 inline Bracket bracketOf(const std::vector<double>& svalues, double s) {
-    const auto first = svalues.begin();
-    const auto hi = std::upper_bound(first, svalues.end(), s);
-    auto lo = std::lower_bound(first, svalues.end(), s);
-    if (lo == hi) {
-        --lo;
+    auto first = svalues.begin();
+    auto count = svalues.end() - first;
+    while (count > 0) {
+        const auto half = count / 2;
+        const auto middle = first + half;
+        const bool below = *middle < s;
+        if (below == (s < *middle)) {
+            const auto lo = std::lower_bound(first, middle, s);
+            const auto hi = std::upper_bound(middle + 1, first + count, s);
+            return {static_cast<std::size_t>(lo - svalues.begin()),
+                    static_cast<std::size_t>(hi - svalues.begin())};
+        }
+        first = below ? middle + 1 : first;
+        count = below ? count - half - 1 : half;
     }
-    return {static_cast<std::size_t>(lo - first), static_cast<std::size_t>(hi - first)};
+    const auto hi = static_cast<std::size_t>(first - svalues.begin());
+    return {hi - 1, hi};
 }
 
 /// Point at s between two points with their s-values: weighted by where s lies, or the middle

@@ -4,6 +4,7 @@
 
 #include <cfloat>
 #include <cmath>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -73,7 +74,7 @@ TEST(ArcLengthSteps, AnyNumberOfPointsGivesTheBitsOfThePlainLoop) {
                 checkPath(path.points);
             }
         }
-        for (const std::size_t n : {1000, 4099}) {
+        for (const std::size_t n : std::vector<std::size_t>{1000, 4099}) {
             for (const NamedPath& path : pathsOfEveryKind(n, random)) {
                 SCOPED_TRACE(path.name + ", " + std::to_string(n) + " points");
                 checkPath(path.points);

@@ -2,6 +2,8 @@
 
 #include <qel/ParametricCurve.h>
 
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "support/Bits.h"
@@ -70,10 +72,10 @@ TEST(ForeignPoints, TheCurvesOwnPointsGetTheirOwnSvalues) {
 TEST(ForeignPoints, AreProjectedAsEachAlone) {
     onEveryVectorUnit([] {
         RandomCurves random(38);
-        for (const std::size_t n : {2, 3, 17, 511, 512, 513, 2500}) {
+        for (const std::size_t n : std::vector<std::size_t>{2, 3, 17, 511, 512, 513, 2500}) {
             for (const NamedPath& path : pathsOfEveryKind(n, random)) {
                 const ParametricCurve curve(path.points, ParametricCurve::dim3D);
-                for (const std::size_t m : {2, 15, 16, 80}) {
+                for (const std::size_t m : std::vector<std::size_t>{2, 15, 16, 80}) {
                     SCOPED_TRACE(path.name + ", " + std::to_string(n) + " points, " +
                                  std::to_string(m) + " probes");
                     const Points probes = probesOf(curve.getCurve(), m, random);

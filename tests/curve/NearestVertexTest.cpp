@@ -3,6 +3,7 @@
 #include "curve/NearestVertex.h"
 
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -28,8 +29,8 @@ TEST(NearestVertex, AnyNumberOfPointsGivesTheIndexOfThePlainSearch) {
     for (std::size_t n = 1; n <= 70; ++n) {
         sizes.push_back(n);
     }
-    for (const std::size_t n :
-         {127, 128, 135, 136, 137, 144, 255, 256, 263, 264, 265, 1000, 4099}) {
+    for (const std::size_t n : std::vector<std::size_t>{127, 128, 135, 136, 137, 144, 255, 256, 263,
+                                                        264, 265, 1000, 4099}) {
         sizes.push_back(n);
     }
     onEveryVectorUnit([&] {

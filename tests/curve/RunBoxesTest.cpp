@@ -3,6 +3,7 @@
 #include "curve/RunBoxes.h"
 
 #include <cmath>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -32,7 +33,8 @@ TEST(RunBoxes, FindTheVertexOfThePlainSearchFromAnyGuess) {
         sizes.push_back(n);
     }
     // One box of eight runs, of sixty-four, of 512, and one vertex less or more.
-    for (const std::size_t n : {127, 128, 129, 1023, 1024, 1025, 8191, 8192, 8193}) {
+    for (const std::size_t n :
+         std::vector<std::size_t>{127, 128, 129, 1023, 1024, 1025, 8191, 8192, 8193}) {
         sizes.push_back(n);
     }
     onEveryVectorUnit([&] {
