@@ -17,7 +17,7 @@ public:
     TripletBase<float> point;
     std::uint64_t index = 0;
 
-    QuadtreeObject() = default;
+    QuadtreeObject();
     QuadtreeObject(const TripletBase<float>& storedPoint, std::uint64_t position)
         : point(storedPoint), index(position) {}
 };

@@ -30,6 +30,8 @@ public:
     QuadtreeQuad* highChild = nullptr; ///< the other half, the middle included; null for a leaf
     QuadtreeQuad* parent = nullptr;    ///< null for the root
     std::vector<const QuadtreeObject*> objects; ///< the points of a leaf, in order of their index
+
+    QuadtreeQuad();
 };
 
 } // namespace qel

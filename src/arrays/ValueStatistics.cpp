@@ -62,14 +62,15 @@ struct ExtremesKernel {
         for (std::size_t i = 0; i < n; ++i) {
             const std::int32_t bits = bitsOf(values[i]);
             const std::int32_t key = keyOf(bits);
-            const std::int32_t low = key == kUndefinedKey ? kLargestKey : key;
-            const std::int32_t high = key == kUndefinedKey ? kSmallestKey : key;
             const std::int32_t magnitude = bits & kMagnitudeBits;
-            const std::int32_t nonzero = magnitude == 0 ? kLargestKey : magnitude;
-            least = low < least ? low : least;
-            most = high > most ? high : most;
-            closest = nonzero < closest ? nonzero : closest;
-            undefined += key == kUndefinedKey ? 1 : 0;
+            // All ones or none, since lanes cannot branch: the undefined marker goes to the far
+            // end of each extreme, and so does a zero magnitude.
+            const std::int32_t isUndefined = -static_cast<std::int32_t>(key == kUndefinedKey);
+            const std::int32_t isZero = -static_cast<std::int32_t>(magnitude == 0);
+            least = std::min(least, key | (isUndefined & kLargestKey));
+            most = std::max(most, (key & ~isUndefined) | (isUndefined & kSmallestKey));
+            closest = std::min(closest, magnitude | (isZero & kLargestKey));
+            undefined -= isUndefined;
         }
         *found = {least, most, closest, undefined};
     }

@@ -7,7 +7,8 @@
 /// Consecutive vertices lie close together, so runs of them, taken as they stand, have small
 /// boxes: no sorting, one pass over the points. Boxes of runs are gathered eight by eight into
 /// boxes of boxes. A search passes over every box that is farther away than the best vertex so
-/// far, and looks at about a hundred vertices of a curve of any length.
+/// far: near a smooth curve of any length it looks at some tens of vertices. Only where most of a
+/// curve is about equally near, as at the centre of a circle, does it look at most vertices.
 ///
 /// The answer is that of nearestVertex, ties included. For a box that does not hold q in some
 /// component, the gap between q and the nearer side is at most the difference between q and any
@@ -52,7 +53,7 @@ public:
     };
 
     /// Level 0 are the runs; boxes of level l hold boxes of level l - 1.
-    static constexpr std::size_t kMaxLevels = 24;
+    static constexpr std::size_t kMaxLevels = 20;
 
     /// What a search reads.
     struct View {

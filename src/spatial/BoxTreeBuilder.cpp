@@ -19,11 +19,14 @@ constexpr std::size_t kPointsOfLowNode = 128;
 
 struct Run {
     std::size_t begin, end;
-    bool isOnePlace; // all points at the same place: a block of any size
+    int freeBits;            // its cells agree but for these lowest bits, and no others do
+    bool isOnePlace = false; // all points at the same place: a block of any size
 
     std::size_t count() const { return end - begin; }
     bool isBlock() const { return isOnePlace || count() <= static_cast<std::size_t>(kLanes); }
 };
+
+constexpr int kNoRegion = -1; // for freeBits: a part of a cell
 
 constexpr QuadRectangle kEmptyBox = {kInfinity, kInfinity, -kInfinity, -kInfinity};
 
@@ -36,13 +39,13 @@ void extend(QuadRectangle& box, const QuadRectangle& other) {
 
 class BoxTreeBuilder {
 public:
-    explicit BoxTreeBuilder(LeafOrder& order) : order_(order) {}
+    BoxTreeBuilder(LeafOrder& order, StartTable& starts) : order_(order), starts_(starts) {}
 
     BoxTree build() {
         const std::size_t count = order_.points.size();
         tree_.reserve(count / 96 + 1, count / 11 + 1); // about what even clouds take
         QuadRectangle box;
-        addNode({0, count, false}, box);
+        addNode({0, count, 2 * order_.gridLevels}, box);
         return std::move(tree_);
     }
 
@@ -54,6 +57,9 @@ private:
         const int count = splitIntoRuns(whole, runs);
         BoxNode node = {};
         const std::uint32_t line = tree_.add(node);
+        if (whole.freeBits >= 0 && whole.count() > 0) {
+            starts_.name(line, order_.cells[whole.begin], whole.freeBits);
+        }
         box = kEmptyBox;
         for (int lane = 0; lane < kLanes; ++lane) {
             QuadRectangle childBox = kEmptyBox;
@@ -127,7 +133,7 @@ private:
             }
             const std::size_t middle = split(*longest);
             if (!longest->isBlock()) {
-                runs[count++] = {middle, longest->end, false};
+                runs[count++] = {middle, longest->end, longest->freeBits};
                 longest->end = middle;
             }
         }
@@ -141,10 +147,10 @@ private:
         if (first == last) {
             return splitAtMedian(run);
         }
-        std::uint32_t bit = first ^ last; // down to its highest bit:
-        while ((bit & (bit - 1)) != 0) {
-            bit &= bit - 1;
+        while (((first ^ last) >> (run.freeBits - 1)) == 0) {
+            --run.freeBits; // the points leave one half of the region empty
         }
+        const std::uint32_t bit = std::uint32_t{1} << --run.freeBits;
         const auto cells = order_.cells.begin();
         return static_cast<std::size_t>(
             std::partition_point(cells + static_cast<std::ptrdiff_t>(run.begin),
@@ -162,6 +168,7 @@ private:
             run.isOnePlace = true;
             return run.end;
         }
+        run.freeBits = kNoRegion;
         // Whole blocks on the left.
         const std::size_t half =
             (run.count() / 2 + kLanes - 1) / static_cast<std::size_t>(kLanes) * kLanes;
@@ -190,6 +197,7 @@ private:
     }
 
     LeafOrder& order_;
+    StartTable& starts_;
     BoxTree tree_;
 };
 
@@ -214,9 +222,10 @@ void dropNonFinitePoints(LeafOrder& order) {
 
 } // namespace
 
-BoxTree buildBoxTree(LeafOrder& order) {
+BoxTree buildBoxTree(LeafOrder& order, StartTable& starts) {
     dropNonFinitePoints(order);
-    return BoxTreeBuilder(order).build();
+    starts = StartTable(order.root, order.points.size(), order.gridLevels);
+    return BoxTreeBuilder(order, starts).build();
 }
 
 } // namespace qel

@@ -6,12 +6,14 @@
 
 #include "spatial/LeafOrder.h"
 #include "spatial/NearestIndex.h"
+#include "spatial/StartTable.h"
 
 namespace qel {
 
 /// The tree of all points with finite coordinates. Drops the others from the order, and reorders
 /// those that share a cell.
-BoxTree buildBoxTree(LeafOrder& order);
+/// @param[out] starts  where the search may start
+BoxTree buildBoxTree(LeafOrder& order, StartTable& starts);
 
 } // namespace qel
 

@@ -17,14 +17,6 @@ constexpr std::size_t kShortRun = 32; // sorted by comparisons
 constexpr int kDigitBits = 6;
 constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
 
-// Moves bit i to bit 2i; 16 bits at most.
-std::uint32_t spread(std::uint32_t bits) {
-    bits = (bits | (bits << 8)) & 0x00ff00ffu;
-    bits = (bits | (bits << 4)) & 0x0f0f0f0fu;
-    bits = (bits | (bits << 2)) & 0x33333333u;
-    return (bits | (bits << 1)) & 0x55555555u;
-}
-
 bool isInCellOrder(const PlanePoint& a, const PlanePoint& b) {
     return a.cell < b.cell;
 }
@@ -69,7 +61,7 @@ void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells&
     std::vector<std::uint32_t> starts((std::size_t{1} << (cellBits - runBits)) + 1);
     cells.resize(points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
-        cells[i] = 2 * spread(gridX.cellOf(points[i].x)) + spread(gridY.cellOf(points[i].y));
+        cells[i] = cellNumber(gridX, gridY, points[i].x, points[i].y);
         ++starts[(cells[i] >> runBits) + 1];
     }
     const std::uint32_t longest = *std::max_element(starts.begin(), starts.end());

@@ -20,6 +20,19 @@ namespace qel {
 void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
                  const GridCells& gridY, LeafOrder& order);
 
+/// Moves bit i to bit 2i; 16 bits at most.
+inline std::uint32_t spread(std::uint32_t bits) {
+    bits = (bits | (bits << 8)) & 0x00ff00ffu;
+    bits = (bits | (bits << 4)) & 0x0f0f0f0fu;
+    bits = (bits | (bits << 2)) & 0x33333333u;
+    return (bits | (bits << 1)) & 0x55555555u;
+}
+
+/// The number of the cell in which a point lies.
+inline std::uint32_t cellNumber(const GridCells& gridX, const GridCells& gridY, float x, float y) {
+    return 2 * spread(gridX.cellOf(x)) + spread(gridY.cellOf(y));
+}
+
 /// The inverse of a cell's number: every other bit, from the lowest on.
 inline std::uint32_t everyOtherBit(std::uint32_t bits) {
     bits &= 0x55555555u;

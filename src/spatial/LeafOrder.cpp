@@ -197,6 +197,7 @@ LeafOrder sortIntoLeaves(const std::vector<TripletBase<float>>& points, int maxD
     LeafOrder order;
     order.root = rootRectangle(points);
     const int levels = gridLevels(points.size());
+    order.gridLevels = levels;
     const GridCells gridX(order.root.xmin, order.root.xmax, levels);
     const GridCells gridY(order.root.ymin, order.root.ymax, levels);
     sortByCells(points, gridX, gridY, order);

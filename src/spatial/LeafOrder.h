@@ -45,6 +45,7 @@ struct LeafOrder {
     std::vector<PlanePoint> points;   ///< leaf after leaf; PlanePoint::cell is the leaf's number
     std::vector<std::uint32_t> cells; ///< the grid cells of the points, ascending
     std::vector<QuadLeaf> leaves;
+    int gridLevels = 0; ///< a cell has twice as many bits
     int maxDepthReached = 0;
 };
 

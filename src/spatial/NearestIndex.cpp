@@ -12,7 +12,7 @@ NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int ma
     LeafOrder order = sortIntoLeaves(points, maxDepth, capacity);
     root_ = order.root;
     maxDepthReached_ = order.maxDepthReached;
-    tree_ = buildBoxTree(order);
+    tree_ = buildBoxTree(order, starts_);
     leaves_ = std::move(order.leaves);
 }
 
@@ -29,7 +29,7 @@ NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
 }
 
 std::size_t NearestIndex::memoryBytes() const {
-    return leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes();
+    return leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes() + starts_.memoryBytes();
 }
 
 bool NearestIndex::isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB,

@@ -138,13 +138,13 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     }
 }
 
-QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
+// Searches a node and all below it for something better.
+QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float qx, float qy,
+                            Best& best) {
     Frame frames[NearestIndex::kMaxHeight];
     int depth = 0;
-    // A winner is nearer than the largest float.
-    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
     const BoxTree& tree = index.tree();
-    open(frames[0], tree.node(0), qx, qy);
+    open(frames[0], tree.node(line), qx, qy);
     while (depth >= 0) {
         Frame& frame = frames[depth];
         const std::int32_t next = least(frame.keys);
@@ -163,6 +163,28 @@ QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
             open(frames[++depth], node, qx, qy);
         }
     }
+}
+
+// True if all points beyond the region are farther than the best. A query outside the region is
+// not nearer to anything in it.
+QEL_KERNEL bool isSettled(const QuadRectangle& region, float qx, float qy, const Best& best) {
+    const float sideX = qx - region.xmin < region.xmax - qx ? qx - region.xmin : region.xmax - qx;
+    const float sideY = qy - region.ymin < region.ymax - qy ? qy - region.ymin : region.ymax - qy;
+    const float side = sideX < sideY ? sideX : sideY;
+    return best.block != nullptr && side > 0.0f && floatOf(best.distance) < side * side;
+}
+
+QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
+    // A winner is nearer than the largest float.
+    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
+    const StartTable::Start* const start = index.starts().find(qx, qy);
+    if (start != nullptr) {
+        searchBelow(index, start->line, qx, qy, best);
+        if (start->line == 0 || isSettled(start->region, qx, qy, best)) {
+            return best;
+        }
+    }
+    searchBelow(index, 0, qx, qy, best);
     return best;
 }
 

@@ -392,6 +392,30 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInLargeClouds) {
     checkSampledClouds(gridCloud, 418, 4, 20000, 200);
 }
 
+// Clouds beyond some thousand points, whose queries may start below the root of the index; points
+// in some cells of its grid only, so that many queries start in empty ones.
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsFromAnyStart) {
+    Samples<float> samples(420);
+    for (int n = 0; n < 12; ++n) {
+        Points points;
+        for (int i = 0; i < 6000; ++i) {
+            const auto place = static_cast<float>(samples.integer(0, 3));
+            const float size = n % 2 == 0 ? 1.0f : 0.01f;
+            points.emplace_back(7.0f * place + size * samples.plain(),
+                                n % 3 == 0 ? static_cast<float>(samples.integer(-20, 20))
+                                           : size * samples.plain(),
+                                0.0f);
+        }
+        Points queries;
+        for (int i = 0; i < 1500; ++i) {
+            queries.emplace_back(2.0f * samples.plain() + 10.0f, 2.0f * samples.plain(), 0.0f);
+            queries.push_back(sampledQuery(samples, points, plainCloud));
+        }
+        checkQueries(points, 10 + n, 10, queries);
+        ASSERT_FALSE(HasFatalFailure()) << "cloud " << n;
+    }
+}
+
 TEST(QuadtreeBucket, FindsTheLeastDistance) {
     Samples<float> samples(419);
     for (int n = 0; n < 200; ++n) {

@@ -136,7 +136,8 @@ TEST_P(VectorUnits, FlowsInOnePlane) {
 
 // Lengths around those of lanes and blocks.
 TEST_P(VectorUnits, EveryLength) {
-    for (const std::size_t n : {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 255, 256, 257, 511, 513}) {
+    const std::size_t lengths[] = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 255, 256, 257, 511, 513};
+    for (const std::size_t n : lengths) {
         SCOPED_TRACE(n);
         checkAll(mixedTensors(n, 67 + static_cast<unsigned>(n)));
     }

@@ -1,0 +1,132 @@
+// Minimum, maximum, sum and count of a float array with undefined values marked.
+//
+// One item is one value. Fields: "pressure", values within half a percent of 1e5, whose sums are
+// exact; "velocity", normal values of both signs and all magnitudes, whose sums round.
+
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include <qel/FloatQELVectorComponent.h>
+#include <qel/FloatQELVectorConcrete.h>
+
+#include "support/Bandwidth.h"
+
+#if defined(QEL_BENCHMARK_HAS_BOOST)
+#if defined(__GNUC__)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wconversion"
+#pragma GCC diagnostic ignored "-Wshadow"
+#endif
+#include <boost/accumulators/accumulators.hpp>
+#include <boost/accumulators/statistics/count.hpp>
+#include <boost/accumulators/statistics/max.hpp>
+#include <boost/accumulators/statistics/min.hpp>
+#include <boost/accumulators/statistics/stats.hpp>
+#include <boost/accumulators/statistics/sum.hpp>
+#if defined(__GNUC__)
+#pragma GCC diagnostic pop
+#endif
+#endif
+
+namespace {
+
+enum class Kind { pressure, velocity };
+
+std::vector<float> field(Kind kind, std::size_t n) {
+    std::mt19937 random(1);
+    std::normal_distribution<float> normal;
+    std::vector<float> values(std::min(n, std::size_t{1} << 16));
+    for (float& v : values) {
+        v = kind == Kind::pressure ? 101325.0f + 100.0f * normal(random) : normal(random);
+    }
+    for (std::size_t i = 0; values.size() < n; ++i) { // repeats itself, to be built fast
+        values.push_back(values[i]);
+    }
+    return values;
+}
+
+void countItems(benchmark::State& state, std::size_t n) {
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(n));
+}
+
+void ofArray(benchmark::State& state, const qel::FloatQELVector& array) {
+    for (auto _ : state) {
+        array.invalidateCache();
+        benchmark::DoNotOptimize(array.getMin());
+        benchmark::DoNotOptimize(array.getSum());
+    }
+    countItems(state, array.size());
+}
+
+void qelStatistics(benchmark::State& state, Kind kind, std::size_t n) {
+    const std::vector<float> values = field(kind, n);
+    ofArray(state, qel::FloatQELVectorConcrete(values.data(), n));
+}
+
+void qelComponentStatistics(benchmark::State& state, Kind kind, std::size_t n) {
+    qel::TripletQELVector triplets;
+    for (const float v : field(kind, n)) {
+        triplets.push_back({v, v, v});
+    }
+    ofArray(state, qel::FloatQELVectorComponent(triplets, 1));
+}
+
+#if defined(QEL_BENCHMARK_HAS_BOOST)
+void boostStatistics(benchmark::State& state, Kind kind, std::size_t n) {
+    namespace acc = boost::accumulators;
+    const std::vector<float> values = field(kind, n);
+    for (auto _ : state) {
+        acc::accumulator_set<
+            double, acc::stats<acc::tag::min, acc::tag::max, acc::tag::sum, acc::tag::count>>
+            set;
+        for (const float v : values) {
+            if (v != std::numeric_limits<float>::max()) {
+                set(static_cast<double>(v));
+            }
+        }
+        benchmark::DoNotOptimize(acc::min(set));
+        benchmark::DoNotOptimize(acc::max(set));
+        benchmark::DoNotOptimize(acc::sum(set));
+        benchmark::DoNotOptimize(acc::count(set));
+    }
+    countItems(state, n);
+}
+#endif
+
+void readValues(benchmark::State& state, Kind, std::size_t n) {
+    const std::vector<double> pairs(n / 2, 1.0); // as many bytes as n floats
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(qel_benchmark::readAll(pairs));
+    }
+    countItems(state, n);
+}
+
+using Work = void (*)(benchmark::State&, Kind, std::size_t);
+
+void add(const std::string& work, const char* who, Work function, Kind kind, std::size_t n) {
+    const std::string name = work + "/" + who + "/" + std::to_string(n);
+    benchmark::RegisterBenchmark(name.c_str(), function, kind, n);
+}
+
+const bool registered = [] {
+    for (const std::size_t n : {std::size_t{250000}, std::size_t{50000000}}) {
+        for (const Kind kind : {Kind::pressure, Kind::velocity}) {
+            const std::string work = kind == Kind::pressure ? "pressure" : "velocity";
+            add(work, "qel", qelStatistics, kind, n);
+#if defined(QEL_BENCHMARK_HAS_BOOST)
+            add(work, "boost", boostStatistics, kind, n);
+#endif
+            if (n < 1000000) {
+                add(work + "_component", "qel", qelComponentStatistics, kind, n);
+            }
+            add(work, "read", readValues, kind, n);
+        }
+    }
+    return true;
+}();
+
+} // namespace
