@@ -33,6 +33,17 @@ void closestPoint(const ParametricCurve& curve, Random& random, Checksum& sum) {
     }
 }
 
+void svaluesOfOthers(const ParametricCurve& curve, Random& random, Checksum& sum) {
+    std::vector<double> svalues;
+    const Points others = probes(curve, random);
+    curve.getSvalues(others, svalues, false);
+    sum.add(svalues);
+    curve.getSvalues(others, svalues, true);
+    sum.add(svalues);
+    sum.addOutcome([&] { curve.getSvalues(Points(1), svalues, true); });
+    sum.add(svalues);
+}
+
 void normalDistance(const ParametricCurve& curve, Random& random, Checksum& sum) {
     const int n = static_cast<int>(curve.getSize());
     for (int k = 0; k < 40; ++k) {
@@ -56,6 +67,7 @@ void addCurveQueryOperations(Operations& operations) {
         reading("ParametricCurve.getClosestToSvaluePoint", exact, closestToSvalue));
     operations.push_back(reading("ParametricCurve.projectPoint", exact, projection));
     operations.push_back(reading("ParametricCurve.getClosestPoint", exact, closestPoint));
+    operations.push_back(reading("ParametricCurve.getSvaluesOfPoints", exact, svaluesOfOthers));
     operations.push_back(
         reading("ParametricCurve.calculateNormalDistanceFromTwoPoints", exact, normalDistance));
 }

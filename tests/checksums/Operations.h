@@ -40,6 +40,7 @@ void addCurveModelOperations(Operations& operations);
 void addCurveQueryOperations(Operations& operations);
 void addCurvePieceOperations(Operations& operations);
 void addCurveChangeOperations(Operations& operations);
+void addCurveRelationOperations(Operations& operations);
 void addSpatialOperations(Operations& operations);
 
 inline Operations allOperations() {
@@ -52,6 +53,7 @@ inline Operations allOperations() {
     addCurveQueryOperations(operations);
     addCurvePieceOperations(operations);
     addCurveChangeOperations(operations);
+    addCurveRelationOperations(operations);
     addSpatialOperations(operations);
     return operations;
 }
