@@ -1,0 +1,114 @@
+"""Rows of the report: the library beside its peers and the machine's limit, for one work and n."""
+
+import json
+from dataclasses import dataclass, field
+from pathlib import Path
+from typing import Optional
+
+from measurements import LIBRARY, Measurement
+
+NOTES = Path(__file__).with_name("rows.json")
+
+# Lengths up to this count as inside the processor's caches where a target tells the two apart.
+INSIDE_CACHE = 100_000
+
+
+@dataclass
+class Row:
+    group: str
+    work: str
+    title: str
+    library: Measurement
+    peers: list = field(default_factory=list)  # fastest first
+    limit: Optional[Measurement] = None
+    notes: dict = field(default_factory=dict)
+
+    @property
+    def n(self):
+        return self.library.n
+
+    def differs(self, peer):
+        """What the peer's result means instead, or None where it means the same."""
+        return self.notes.get("differs", {}).get(peer.who)
+
+    @property
+    def best_peer(self):
+        """The fastest of those whose result means the same; of all, if none does."""
+        same = [peer for peer in self.peers if not self.differs(peer)]
+        return next(iter(same or self.peers), None)
+
+    @property
+    def times_faster(self):
+        """Time of the best peer over the library's: above 1, the library is ahead."""
+        return self.best_peer.ns / self.library.ns if self.best_peer else None
+
+    @property
+    def share_of_limit(self):
+        """Time of the limit over the library's: 1 is as fast as the memory allows."""
+        return self.limit.ns / self.library.ns if self.limit else None
+
+    @property
+    def peer_is_ahead(self):
+        return (
+            self.best_peer is not None
+            and not self.differs(self.best_peer)
+            and self.times_faster < 1.0
+        )
+
+    @property
+    def target(self):
+        """The time aimed at, from a ratio that is stated against the limit or a peer; or None."""
+        stated = self.notes.get("target")
+        if not stated:
+            return None
+        base = self.limit if stated["of"] == "limit" else self._peer(stated["of"])
+        ratios = stated["ratio"]
+        ratio = ratios[0 if self.n <= INSIDE_CACHE else -1]
+        return base.ns * ratio if base else None
+
+    def _peer(self, who):
+        return next((peer for peer in self.peers if peer.who == who), None)
+
+
+def read_notes(path=NOTES):
+    return json.loads(Path(path).read_text(encoding="utf-8"))
+
+
+def limit_of(measurements, notes):
+    """The limit that a work is held against: a copy of its bytes, or a read where it says so."""
+    wanted = notes.get("limit", "copy")
+    limits = {m.who: m for m in measurements if m.is_limit}
+    return limits.get(wanted) or next(iter(limits.values()), None)
+
+
+def title_of(library, notes):
+    title = notes.get("title", library.work.replace("_", " "))
+    variant = library.who[len(LIBRARY) + 1 :].replace("_", " ")
+    return f"{title}, {variant}" if variant else title
+
+
+def rows_of(measurements, all_notes):
+    """One row for each measurement of the library, in the order of the measurements."""
+    places = {}
+    for m in measurements:
+        places.setdefault((m.group, m.work, m.n), []).append(m)
+    rows = []
+    for (group, work, _), found in places.items():
+        notes = all_notes.get(work, {})
+        peers = sorted((m for m in found if m.is_peer), key=lambda m: m.ns)
+        for library in (m for m in found if m.is_library):
+            title = title_of(library, notes)
+            limit = limit_of(found, notes)
+            rows.append(Row(group, work, title, library, peers, limit, notes))
+    return sorted(rows, key=lambda row: (row.group, order(rows, row), row.library.who, row.n))
+
+
+def order(rows, row):
+    """Position of a row's work among those measured."""
+    return next(i for i, other in enumerate(rows) if other.work == row.work)
+
+
+def without_library(measurements):
+    """Works that peers or limits have and the library has not: a mistake in a name, most likely."""
+    own = {(m.group, m.work) for m in measurements if m.is_library}
+    return sorted({m.work for m in measurements if (m.group, m.work) not in own})
