@@ -17,17 +17,6 @@ using namespace qel_benchmark;
 
 constexpr std::size_t kCount = 100000;
 
-// In the plane, for the peers; rough enough that k points are a choice.
-Points roughWave(std::size_t n) {
-    std::mt19937 random(kSeed);
-    std::uniform_real_distribution<double> shift(-0.002, 0.002);
-    Points points = wave(n);
-    for (Point& p : points) {
-        p.y += shift(random);
-    }
-    return points;
-}
-
 void simplifyQel(benchmark::State& state, std::size_t n) {
     const qel::ParametricCurve whole(roughWave(n), qel::ParametricCurve::dim2D);
     std::vector<int> ids;

@@ -40,9 +40,8 @@ public:
     }
 
 private:
-    using Traits =
-        CGAL::Search_traits_adapter<Value, CGAL::First_of_pair_property_map<Value>,
-                                    CGAL::Search_traits_2<Kernel>>;
+    using Traits = CGAL::Search_traits_adapter<Value, CGAL::First_of_pair_property_map<Value>,
+                                               CGAL::Search_traits_2<Kernel>>;
     using Search = CGAL::Orthogonal_k_neighbor_search<
         Traits, CGAL::Distance_adapter<Value, CGAL::First_of_pair_property_map<Value>,
                                        CGAL::Euclidean_distance<CGAL::Search_traits_2<Kernel>>>>;
