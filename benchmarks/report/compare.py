@@ -10,7 +10,7 @@ from table import count, digits, table
 
 
 def own_times(measurements):
-    return {(m.group, m.work, m.who, m.n): m.ns for m in measurements if m.is_library}
+    return {(m.group, f"{m.work} {m.variant}".strip(), m.who, m.n): m.ns for m in measurements if m.is_library}
 
 
 def comparison(before, after):

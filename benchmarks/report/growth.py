@@ -4,6 +4,7 @@ import math
 from dataclasses import dataclass
 
 from measurements import LIBRARY
+from rows import title_of
 
 SMALLEST = 1_000
 LARGEST = 10_000_000
@@ -13,6 +14,7 @@ LARGEST = 10_000_000
 class Growth:
     group: str
     work: str
+    title: str
     points: tuple  # (n, ns for the whole work), by n
     exponent: float
 
@@ -31,13 +33,16 @@ def growth_of(measurements, notes):
 
     The cost of a call: of all n items, or of a single one where the items are queries to n points.
     """
-    costs = {}
+    costs, titles = {}, {}
     for m in measurements:
-        if m.who == LIBRARY and SMALLEST <= m.n <= LARGEST:
-            items = 1 if notes.get(m.work, {}).get("items") == "queries" else m.n
-            costs.setdefault((m.group, m.work), {})[m.n] = m.ns * items
+        more = notes.get(m.work, {})
+        if m.who == LIBRARY and SMALLEST <= m.n <= LARGEST and more.get("growth", True):
+            key = m.group, m.work, m.variant
+            items = 1 if more.get("items") == "queries" else m.n
+            costs.setdefault(key, {})[m.n] = m.ns * items
+            titles[key] = title_of(m, more)
     return [
-        Growth(group, work, points, exponent(points))
-        for (group, work), cost in costs.items()
+        Growth(*key[:2], titles[key], points, exponent(points))
+        for key, cost in costs.items()
         if len(points := tuple(sorted(cost.items()))) > 1
     ]

@@ -15,6 +15,7 @@ class Measurement:
     who: str
     n: int
     ns: float  # median, per item
+    variant: str = ""  # further arguments, such as "probes:1000"
 
     @property
     def is_library(self):
@@ -30,15 +31,17 @@ class Measurement:
         return not self.is_library and not self.is_limit
 
 
-def split_name(name):
-    """(work, who, n) of a benchmark's name; None for a name of another form.
+# What Google Benchmark appends to a name about how it measured.
+SETTINGS = ("min_time:", "min_warmup_time:", "iterations:", "repeats:", "threads:")
 
-    Google Benchmark appends its own settings, such as "/min_time:2.0", which are left out.
-    """
-    parts = [part for part in name.split("/") if ":" not in part]
-    if len(parts) != 3 or not parts[2].isdigit():
+
+def split_name(name):
+    """(work, who, n, variant) of a benchmark's name; None for a name of another form."""
+    parts = [part for part in name.split("/") if not part.startswith(SETTINGS)]
+    variant = [part for part in parts[3:] if ":" in part]
+    if len(parts) != 3 + len(variant) or not parts[2].isdigit():
         return None
-    return parts[0], parts[1], int(parts[2])
+    return parts[0], parts[1], int(parts[2]), ", ".join(variant)
 
 
 def nanoseconds_per_item(entry):
@@ -67,7 +70,8 @@ def parse(group, document):
         if parts is None or ns is None:
             unused.append(name)
         else:
-            measurements.append(Measurement(group, *parts, ns))
+            work, who, n, variant = parts
+            measurements.append(Measurement(group, work, who, n, ns, variant))
     return measurements, unused
 
 

@@ -44,7 +44,7 @@ def main(arguments):
     picture = arguments[3] if len(arguments) == 4 else ""
     if picture and not draw_picture(rows, picture):
         picture = ""
-    remarks = remarks_on(unused, without_library(measurements))
+    remarks = remarks_on(unused, without_library(measurements, notes))
     text = document(rows, growth_of(measurements, notes), describe(build), Path(picture).name
                     if picture else "", remarks)
     Path(report).write_text(text, encoding="utf-8")

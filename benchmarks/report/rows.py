@@ -1,7 +1,7 @@
 """Rows of the report: the library beside its peers and the machine's limit, for one work and n."""
 
 import json
-from dataclasses import dataclass, field
+from dataclasses import dataclass, field, replace
 from pathlib import Path
 from typing import Optional
 
@@ -83,32 +83,49 @@ def limit_of(measurements, notes):
 
 def title_of(library, notes):
     title = notes.get("title", library.work.replace("_", " "))
-    variant = library.who[len(LIBRARY) + 1 :].replace("_", " ")
-    return f"{title}, {variant}" if variant else title
+    settings = library.who[len(LIBRARY) + 1 :].replace("_", " ")
+    more = [settings, library.variant.replace(":", " ")]
+    return ", ".join([title] + [part for part in more if part])
+
+
+def under_their_rows(measurements, all_notes):
+    """Measurements whose notes say that they are peers of another work, under that work."""
+    moved = []
+    for m in measurements:
+        notes = all_notes.get(m.work, {})
+        if "peer_of" in notes:
+            m = replace(m, work=notes["peer_of"], who=notes["who"].replace("%", m.who))
+        moved.append(m)
+    return moved
 
 
 def rows_of(measurements, all_notes):
     """One row for each measurement of the library, in the order of the measurements."""
     places = {}
-    for m in measurements:
-        places.setdefault((m.group, m.work, m.n), []).append(m)
+    for m in under_their_rows(measurements, all_notes):
+        places.setdefault((m.group, m.work, m.variant, m.n), []).append(m)
     rows = []
-    for (group, work, _), found in places.items():
+    for (group, work, _, _), found in places.items():
         notes = all_notes.get(work, {})
         peers = sorted((m for m in found if m.is_peer), key=lambda m: m.ns)
         for library in (m for m in found if m.is_library):
             title = title_of(library, notes)
             limit = limit_of(found, notes)
             rows.append(Row(group, work, title, library, peers, limit, notes))
-    return sorted(rows, key=lambda row: (row.group, order(rows, row), row.library.who, row.n))
+    works = list(dict.fromkeys(m.work for m in measurements))
+    rows.sort(key=lambda row: (row.group, works.index(row.work), row.title, row.n))
+    return with_company(rows)
 
 
-def order(rows, row):
-    """Position of a row's work among those measured."""
-    return next(i for i, other in enumerate(rows) if other.work == row.work)
+def with_company(rows):
+    """Leaves out lengths without peer or limit of works that have them at others: those lengths
+    were measured for the growth."""
+    kept = {row.work for row in rows if row.peers or row.limit}
+    return [row for row in rows if row.peers or row.limit or row.work not in kept]
 
 
-def without_library(measurements):
+def without_library(measurements, all_notes):
     """Works that peers or limits have and the library has not: a mistake in a name, most likely."""
-    own = {(m.group, m.work) for m in measurements if m.is_library}
-    return sorted({m.work for m in measurements if (m.group, m.work) not in own})
+    found = under_their_rows(measurements, all_notes)
+    own = {(m.group, m.work) for m in found if m.is_library}
+    return sorted({m.work for m in found if (m.group, m.work) not in own})

@@ -42,6 +42,10 @@ RUN = {
         entry("find/qel_default_limits/1000", 9.0),
         entry("find/other/1000", 2.0),
         entry("find/same/1000", 16.0),
+        entry("find/qel/1000/probes:7", 1.0),
+        entry("find/same/1000/probes:7", 3.0),
+        entry("find_again/same/1000", 1.0),
+        entry("sum/qel/10", 1.0),
         entry("lonely/other/1000", 1.0),
         entry("unnamed", 1.0),
         entry("sum/broken/1000", 1.0, error_occurred=True),
@@ -50,32 +54,37 @@ RUN = {
 }
 NOTES = {
     "sum": {"title": "sum of values", "target": {"of": "slow", "ratio": [0.5]}, "note": "floats"},
-    "find": {"items": "queries", "differs": {"other": "finds another"}},
+    "find": {"items": "queries", "differs": {"other": "finds another", "same again": "prepared"}},
+    "find_again": {"peer_of": "find", "who": "% again"},
 }
 
 
 def check_measurements(found, unused):
-    check("number of measurements", len(found), 11)
+    check("number of measurements", len(found), 15)
     check("what could not be used", unused, ["unnamed", "sum/broken/1000"])
-    check("name with settings", measurements.split_name("a/b/7/min_time:2.0"), ("a", "b", 7))
+    check("name with settings", measurements.split_name("a/b/7/min_time:2.0"), ("a", "b", 7, ""))
+    check("name with more arguments", measurements.split_name("a/b/7/m:3"), ("a", "b", 7, "m:3"))
     check("name of another form", measurements.split_name("a/b"), None)
 
 
 def check_rows(found):
     made = rows.rows_of(found, NOTES)
-    check("rows", [(row.work, row.library.who, row.n) for row in made],
-          [("sum", "qel", 1000), ("sum", "qel", 100000), ("find", "qel", 1000),
-           ("find", "qel_default_limits", 1000)])
-    first, alone, find, variant = made
+    # The lengths of the sum without company are there for its growth alone.
+    check("rows", [(row.title, row.n) for row in made],
+          [("sum of values", 1000), ("find", 1000), ("find, default limits", 1000),
+           ("find, probes 7", 1000)])
+    first, find, variant, probes = made
     check("best peer", first.best_peer.who, "fast")
     check("times faster", first.times_faster, 0.5)
     check("behind", [row.peer_is_ahead for row in made], [True, False, False, False])
     check("limit", (first.limit.who, first.share_of_limit), ("copy", 0.25))
     check("target", first.target, 2.0)
-    check("no peer at this n", (alone.best_peer, alone.times_faster, alone.target), (None,) * 3)
+    check("peers of another work", [peer.who for peer in find.peers],
+          ["same again", "other", "same"])
+    check("more arguments", [peer.ns for peer in probes.peers], [3.0])
     check("a faster peer with another result", find.best_peer.who, "same")
-    check("title of a variant", variant.title, "find, default limits")
-    check("without the library", rows.without_library(found), ["lonely"])
+    check("the library with other settings", variant.library.ns, 9.0)
+    check("without the library", rows.without_library(found, NOTES), ["lonely"])
     return made
 
 
@@ -92,7 +101,6 @@ def check_table(made, grown):
     text = table.document(made, grown, [("Date", "today")], "picture.svg", ["a remark"])
     check_in("row", "| sum of values | 1e3 | 1.00 | fast 0.50 | **0.50** | copy 0.25 | 0.25 | 2.00 "
              "| floats |", text)
-    check_in("row without peer", "| sum of values | 1e5 | 2.00 |  |  |  |  |  | floats |", text)
     check_in("row behind", "- sum of values, n = 1e3: fast takes 0.50 ns, the library 1.00 ns.", text)
     check_in("every peer", "| find | 1e3 | other | 2.00 | 0.25 | finds another |", text)
     check_in("growth", "| sum of values | 1e3: 1.00 µs, 1e5: 200 µs | 1.15 |", text)
@@ -102,6 +110,15 @@ def check_table(made, grown):
           ["7", "4096", "3e4", "1e7"])
     check("digits", [table.digits(x) for x in (None, 0.012, 0.5, 12.34, 1234.5)],
           ["", "0.012", "0.50", "12.3", "1234"])
+
+
+def check_alone():
+    """A work that nothing stands beside has its row all the same."""
+    found, _ = measurements.parse("g", {"benchmarks": [entry("alone/qel/10", 2.0)]})
+    made = rows.rows_of(found, {"alone": {"target": {"of": "limit", "ratio": [1.0]}}})
+    check_in("row", "| alone | 10 | 2.00 |  |  |  |  |  |  |", table.main_tables(made))
+    check("nothing beside", (made[0].best_peer, made[0].times_faster, made[0].target),
+          (None, None, None))
 
 
 def check_differs():
@@ -136,6 +153,7 @@ def main():
     found, unused = measurements.parse("group", RUN)
     check_measurements(found, unused)
     check_table(check_rows(found), check_growth(found))
+    check_alone()
     check_differs()
     check_compare()
     check_files()

@@ -107,10 +107,10 @@ def behind(rows):
     return "\n".join(lines) or "In no row of this run."
 
 
-def growth_table(growths, titles):
+def growth_table(growths):
     lines = [
         [
-            titles.get(growth.work, growth.work),
+            growth.title,
             ", ".join(f"{count(n)}: {duration(cost)}" for n, cost in growth.points),
             f"{growth.exponent:.2f}",
         ]
@@ -138,7 +138,6 @@ def every_peer(rows):
 
 def document(rows, growths, machine, picture, remarks):
     """The whole report. picture is the name of the picture's file, or empty."""
-    titles = {row.work: row.notes.get("title", row.work.replace("_", " ")) for row in rows}
     parts = [
         "# Benchmarks",
         "Written by `scripts/bench`.",
@@ -152,7 +151,7 @@ def document(rows, growths, machine, picture, remarks):
         "## Growth with n",
         "The cost of one call (of one query, for the searches) and the exponent of the power law\n"
         "fitted through it: 1 is proportional to n, 0 independent of it.",
-        growth_table(growths, titles),
+        growth_table(growths),
         "## Every peer",
         every_peer(rows),
         "\n".join(f"- {remark}" for remark in remarks),
