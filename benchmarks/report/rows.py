@@ -1,4 +1,18 @@
-"""Rows of the report: the library beside its peers and the machine's limit, for one work and n."""
+"""Rows of the report: the library beside its peers and the machine's limit, for one work and n.
+
+What is to be said of a work stands in rows.json, under the work's name; every key may be left out:
+
+title    what the report calls it; else its name
+note     said of all its rows
+differs  by peer, what that peer's result means instead; such a peer never counts as ahead
+limit    "read" where the work only reads; else the limit is a copy
+target   the time aimed at: "ratio" to that "of" the limit, the best peer, or a peer by its name;
+         of two ratios the second holds for n beyond "inside" (else INSIDE_CACHE)
+items    "queries" where an item is a query to n points, not one of n items
+growth   false where n is not a length
+peer_of  the work whose rows these measurements belong to, as a peer called "who", in which % is
+         the peer's own name
+"""
 
 import json
 from dataclasses import dataclass, field, replace
@@ -61,13 +75,17 @@ class Row:
         stated = self.notes.get("target")
         if not stated:
             return None
-        base = self.limit if stated["of"] == "limit" else self._peer(stated["of"])
-        ratios = stated["ratio"]
-        ratio = ratios[0 if self.n <= INSIDE_CACHE else -1]
+        base = self._base(stated["of"])
+        beyond = self.n > stated.get("inside", INSIDE_CACHE)
+        ratio = stated["ratio"][-1 if beyond else 0]
         return base.ns * ratio if base else None
 
-    def _peer(self, who):
-        return next((peer for peer in self.peers if peer.who == who), None)
+    def _base(self, of):
+        if of == "limit":
+            return self.limit
+        if of == "best peer":
+            return self.best_peer
+        return next((peer for peer in self.peers if peer.who == of), None)
 
 
 def read_notes(path=NOTES):

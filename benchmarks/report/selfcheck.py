@@ -54,7 +54,8 @@ RUN = {
 }
 NOTES = {
     "sum": {"title": "sum of values", "target": {"of": "slow", "ratio": [0.5]}, "note": "floats"},
-    "find": {"items": "queries", "differs": {"other": "finds another", "same again": "prepared"}},
+    "find": {"items": "queries", "target": {"of": "best peer", "ratio": [0.5, 0.25], "inside": 10},
+              "differs": {"other": "finds another", "same again": "prepared"}},
     "find_again": {"peer_of": "find", "who": "% again"},
 }
 
@@ -78,7 +79,7 @@ def check_rows(found):
     check("times faster", first.times_faster, 0.5)
     check("behind", [row.peer_is_ahead for row in made], [True, False, False, False])
     check("limit", (first.limit.who, first.share_of_limit), ("copy", 0.25))
-    check("target", first.target, 2.0)
+    check("targets", (first.target, find.target), (2.0, 4.0))
     check("peers of another work", [peer.who for peer in find.peers],
           ["same again", "other", "same"])
     check("more arguments", [peer.ns for peer in probes.peers], [3.0])
