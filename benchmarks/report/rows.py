@@ -10,6 +10,7 @@ target   the time aimed at: "ratio" to that "of" the limit, the best peer, or a 
          of two ratios the second holds for n beyond "inside" (else INSIDE_CACHE)
 items    "queries" where an item is a query to n points, not one of n items
 growth   false where n is not a length
+variants what further arguments mean, such as "probes:0"
 peer_of  the work whose rows these measurements belong to, as a peer called "who", in which % is
          the peer's own name
 """
@@ -102,7 +103,8 @@ def limit_of(measurements, notes):
 def title_of(library, notes):
     title = notes.get("title", library.work.replace("_", " "))
     settings = library.who[len(LIBRARY) + 1 :].replace("_", " ")
-    more = [settings, library.variant.replace(":", " ")]
+    variant = notes.get("variants", {}).get(library.variant, library.variant.replace(":", " "))
+    more = [settings, variant]
     return ", ".join([title] + [part for part in more if part])
 
 

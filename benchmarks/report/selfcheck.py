@@ -55,7 +55,8 @@ RUN = {
 NOTES = {
     "sum": {"title": "sum of values", "target": {"of": "slow", "ratio": [0.5]}, "note": "floats"},
     "find": {"items": "queries", "target": {"of": "best peer", "ratio": [0.5, 0.25], "inside": 10},
-              "differs": {"other": "finds another", "same again": "prepared"}},
+              "differs": {"other": "finds another", "same again": "prepared"},
+             "variants": {"probes:7": "seven"}},
     "find_again": {"peer_of": "find", "who": "% again"},
 }
 
@@ -73,7 +74,7 @@ def check_rows(found):
     # The lengths of the sum without company are there for its growth alone.
     check("rows", [(row.title, row.n) for row in made],
           [("sum of values", 1000), ("find", 1000), ("find, default limits", 1000),
-           ("find, probes 7", 1000)])
+           ("find, seven", 1000)])
     first, find, variant, probes = made
     check("best peer", first.best_peer.who, "fast")
     check("times faster", first.times_faster, 0.5)

@@ -78,32 +78,39 @@ void addOutput(Checksum& sum, const TripletQELVector& values) {
     sum.add(values.getInternals());
 }
 
-// An operation with one output, on a field; into a component view as well, which a caller may use
-// in an owning array's place.
 template <typename Output, typename Compute>
-Operation operation(const char* name, Arithmetic arithmetic, Compute compute) {
-    return {name, arithmetic, [compute](Checksum& sum) {
-                forFields([&](Field& field) {
-                    Output out;
-                    compute(field, out);
-                    addOutput(sum, out);
-                });
+void addComputed(Checksum& sum, Field& field, Compute compute) {
+    Output out;
+    compute(field, out);
+    addOutput(sum, out);
+}
+
+template <typename AddResults>
+Operation onFields(const char* name, Arithmetic arithmetic, AddResults addResults) {
+    return {name, arithmetic, [addResults](Checksum& sum) {
+                forFields([&](Field& field) { addResults(sum, field); });
             }};
 }
 
+// An operation with an output of triplets.
+template <typename Compute>
+Operation vector(const char* name, Arithmetic arithmetic, Compute compute) {
+    return onFields(name, arithmetic, [compute](Checksum& sum, Field& field) {
+        addComputed<TripletQELVector>(sum, field, compute);
+    });
+}
+
+// An operation with an output of floats; into a component view as well, which a caller may use in
+// an owning array's place.
 template <typename Compute>
 Operation scalar(const char* name, Arithmetic arithmetic, Compute compute) {
-    return {name, arithmetic, [compute](Checksum& sum) {
-                forFields([&](Field& field) {
-                    FloatQELVectorConcrete out;
-                    compute(field, out);
-                    addOutput(sum, out);
-                    TripletQELVector triplets;
-                    qel::FloatQELVectorComponent view(triplets, 1);
-                    compute(field, view);
-                    addOutput(sum, view);
-                });
-            }};
+    return onFields(name, arithmetic, [compute](Checksum& sum, Field& field) {
+        addComputed<FloatQELVectorConcrete>(sum, field, compute);
+        TripletQELVector triplets;
+        qel::FloatQELVectorComponent view(triplets, 1);
+        compute(field, view);
+        addOutput(sum, view);
+    });
 }
 
 void onePoint(Checksum& sum) {
@@ -129,9 +136,9 @@ void addInvariants(Operations& operations) {
     operations.push_back(scalar("TensorEigenizer.getHelicity", exact, [](Field& f, Out& out) {
         f.tensor().getHelicity(f.velocity, out);
     }));
-    operations.push_back(operation<TripletQELVector>(
-        "TensorEigenizer.getVorticity", exact,
-        [](Field& f, TripletQELVector& out) { f.tensor().getVorticity(out); }));
+    operations.push_back(
+        vector("TensorEigenizer.getVorticity", exact,
+               [](Field& f, TripletQELVector& out) { f.tensor().getVorticity(out); }));
     operations.push_back(scalar("TensorEigenizer.get2ndEValSymmTT", Arithmetic::libm,
                                 [](Field& f, Out& out) { f.tensor().get2ndEValSymmTT(out); }));
 }
@@ -178,12 +185,12 @@ void addEigenanalysis(Operations& operations) {
         scalar("TensorEigenizer.getNormEigenHelicity", exact, [](Field& f, Out& out) {
             f.tensor().getNormEigenHelicity(f.swirl, f.realEigenvalue, out);
         }));
-    operations.push_back(operation<TripletQELVector>(
-        "TensorEigenizer.getSwirlNormal", exact, [](Field& f, TripletQELVector& out) {
+    operations.push_back(
+        vector("TensorEigenizer.getSwirlNormal", exact, [](Field& f, TripletQELVector& out) {
             f.tensor().getSwirlNormal(f.swirl, f.realEigenvalue, out);
         }));
-    operations.push_back(operation<TripletQELVector>(
-        "TensorEigenizer.getEVecReal", exact, [](Field& f, TripletQELVector& out) {
+    operations.push_back(
+        vector("TensorEigenizer.getEVecReal", exact, [](Field& f, TripletQELVector& out) {
             f.tensor().getEVecReal(f.swirl, f.realEigenvalue, out);
         }));
     operations.push_back({"TensorEigenizer.onePoint", exact, onePoint});
