@@ -76,10 +76,15 @@ def parse(group, document):
 
 
 def read_folder(folder):
-    """Measurements of every <group>.json in a folder."""
+    """Measurements of every <group>.json in a folder. A run that was stopped leaves a torn file."""
     measurements, unused = [], []
     for path in sorted(Path(folder).glob("*.json")):
-        found, left = parse(path.stem, json.loads(path.read_text(encoding="utf-8")))
+        try:
+            document = json.loads(path.read_text(encoding="utf-8"))
+        except json.JSONDecodeError:
+            unused.append(f"all of {path.stem}")
+            continue
+        found, left = parse(path.stem, document)
         measurements += found
         unused += left
     return measurements, unused

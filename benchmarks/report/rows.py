@@ -120,7 +120,7 @@ def under_their_rows(measurements, all_notes):
 
 
 def rows_of(measurements, all_notes):
-    """One row for each measurement of the library, in the order of the measurements."""
+    """One row for each measurement of the library, in the order of the notes."""
     places = {}
     for m in under_their_rows(measurements, all_notes):
         places.setdefault((m.group, m.work, m.variant, m.n), []).append(m)
@@ -132,16 +132,26 @@ def rows_of(measurements, all_notes):
             title = title_of(library, notes)
             limit = limit_of(found, notes)
             rows.append(Row(group, work, title, library, peers, limit, notes))
-    works = list(dict.fromkeys(m.work for m in measurements))
-    rows.sort(key=lambda row: (row.group, works.index(row.work), row.title, row.n))
-    return with_company(rows)
+    place = {work: i for i, work in enumerate(all_notes)}
+    rows.sort(key=lambda row: (row.group, place.get(row.work, len(place)), row.title, row.n))
+    return worth_showing(rows)
 
 
-def with_company(rows):
-    """Leaves out lengths without peer or limit of works that have them at others: those lengths
-    were measured for the growth."""
-    kept = {row.work for row in rows if row.peers or row.limit}
-    return [row for row in rows if row.peers or row.limit or row.work not in kept]
+def worth_showing(rows):
+    """Leaves out lengths that were measured for the growth alone: those without peer or limit,
+    unless the work has neither at any length and other works of the group have them at this."""
+    kept = [row for row in rows if row.peers or row.limit]
+    works = {row.work for row in kept}
+    lengths = {(row.group, row.n) for row in kept}
+    groups = {row.group for row in kept}
+
+    def shown(row):
+        alone = row.work not in works
+        return row in kept or alone and (
+            (row.group, row.n) in lengths or row.group not in groups
+        )
+
+    return [row for row in rows if shown(row)]
 
 
 def without_library(measurements, all_notes):

@@ -119,6 +119,11 @@ def check_alone():
     found, _ = measurements.parse("g", {"benchmarks": [entry("alone/qel/10", 2.0)]})
     made = rows.rows_of(found, {"alone": {"target": {"of": "limit", "ratio": [1.0]}}})
     check_in("row", "| alone | 10 | 2.00 |  |  |  |  |  |  |", table.main_tables(made))
+    crowd, _ = measurements.parse("g", {"benchmarks": [
+        entry("alone/qel/10", 2.0), entry("alone/qel/20", 2.0), entry("sum/qel/10", 2.0),
+        entry("sum/copy/10", 1.0)]})
+    check("lengths of the others", [(row.work, row.n) for row in rows.rows_of(crowd, NOTES)],
+          [("sum", 10), ("alone", 10)])
     check("nothing beside", (made[0].best_peer, made[0].times_faster, made[0].target),
           (None, None, None))
 
@@ -143,10 +148,12 @@ def check_files():
     with tempfile.TemporaryDirectory() as folder:
         path = Path(folder)
         (path / "group.json").write_text(json.dumps(RUN), encoding="utf-8")
+        (path / "torn.json").write_text('{"benchmarks": [', encoding="utf-8")
         status = report.main([folder, folder, str(path / "out.md"), str(path / "out.svg")])
         check("status", status, 0)
         check_in("group", "### Group", (path / "out.md").read_text(encoding="utf-8"))
         check_in("lonely work", "`lonely` has peers", (path / "out.md").read_text(encoding="utf-8"))
+        check_in("torn file", "`all of torn`", (path / "out.md").read_text(encoding="utf-8"))
         (path / "group.json").unlink()
         check("no results", report.main([folder, folder, str(path / "out.md")]), 1)
 
