@@ -390,10 +390,14 @@ public:
 
     /// Reduces the curve to at most count of its points, adding the one farthest from the chords
     /// between those kept until none is farther than the tolerance; then computes s. A count
-    /// below 2 changes nothing.
+    /// below 2 changes nothing. The last point added may be within the tolerance. The
+    /// parametrization becomes computed only where the first chord settles the result. About
+    /// O(n log count) where points split chords near their middle, O(n count) at worst.
     ///
     /// @param[out] ids        indices, before the change, of the points kept, increasing
     /// @param      tolerance  normal distance, same unit as the points
+    /// @throws internal::error  (method "optimizeByNormalDistance") if supplied s-values outside
+    ///     0..1 make it keep the same points again without end
     void optimizeByNormalDistance(int count, std::vector<int>& ids, double tolerance);
     void optimizeByNormalDistance(int count, double tolerance);
 
@@ -464,14 +468,15 @@ public:
     /// The first crossing, in point order, of the curve with a segment, both in x and y and in
     /// single precision; segments reach one ten-thousandth of their length beyond their ends. A
     /// curve that is not two-dimensional is reported through ErrorReporter (data::invalid, kind
-    /// 8), once a call, and intersected all the same.
+    /// 8), once a call, and intersected all the same. O(n).
     ///
     /// @param[out] point  the crossing, with z = 0; untouched if there is none
     /// @return true if they cross
     bool intersectWithSegment(const LineSegment2D& segment, TripletBase<float>& point) const;
 
     /// The first crossing found by walking this curve's segments and, for each, the other's. Only
-    /// the other's dimension is tested, and reported once for every segment tried.
+    /// the other's dimension is tested, and reported once for every segment tried. Near O(n + m)
+    /// where few segments of the two lie close to each other.
     bool intersectWithCurve(const ParametricCurve& other, TripletBase<float>& point) const;
 
     // -- Text ----

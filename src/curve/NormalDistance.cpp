@@ -2,11 +2,9 @@
 
 #include <qel/ParametricCurve.h>
 
-#include <cmath>
-
 #include <qel/NumericalUtils.h>
 
-#include "curve/Conversions.h"
+#include "curve/FarthestVertex.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -31,14 +29,6 @@ double chordTolerance(double length, bool createdAsDouble) {
         createdAsDouble ? NumericalUtils::spacing(length)
                         : static_cast<double>(NumericalUtils::spacing(static_cast<float>(length)));
     return kChordFactor * spacing;
-}
-
-// Distance of the end of w from a line along the chord through the start of w. NaN where rounding
-// makes the radicand negative.
-double normalDistance(const Point& w, const Point& chord, double chordLength) {
-    const double length = w.length();
-    const double along = w.dot(chord) / chordLength;
-    return std::sqrt(length * length - along * along);
 }
 
 } // namespace
@@ -78,22 +68,22 @@ void ParametricCurve::calculateNormalDistanceFromTwoPoints(int i, int j, double&
     }
     checkIndex(i, points_.size());
     checkIndex(j, points_.size());
-    const Point& start = points_[static_cast<std::size_t>(i)];
-    const Point chord = start - points_[static_cast<std::size_t>(j)];
-    const double chordLength = chord.length();
-    const double tolerance = chordTolerance(chordLength, createdAsDouble_);
-    if (tolerance > chordLength) {
+    Chord chord;
+    chord.start = points_[static_cast<std::size_t>(i)];
+    chord.direction = chord.start - points_[static_cast<std::size_t>(j)];
+    chord.length = chord.direction.length();
+    chord.tolerance = chordTolerance(chord.length, createdAsDouble_);
+    if (chord.tolerance > chord.length) {
         calculateDistanceFromTwoPoints(i, j, distance, index, done);
         return;
     }
-    for (int k = i + 1; k < j; ++k) {
-        const Point w = points_[static_cast<std::size_t>(k)] - start;
-        const double h = normalDistance(w, chord, chordLength);
-        if (h > distance && h > tolerance) {
-            distance = h;
-            index = k;
-            done = false;
-        }
+    if (i < j) {
+        FarthestVertex farthest{0.0, static_cast<std::size_t>(i)};
+        takeFarthest(points_, static_cast<std::size_t>(i) + 1, static_cast<std::size_t>(j), chord,
+                     farthest);
+        distance = farthest.distance;
+        index = static_cast<int>(farthest.index);
+        done = index == i;
     }
 }
 
