@@ -38,6 +38,9 @@ find_package(
                RenderingGL2PSOpenGL2
                RenderingOpenGL2
                ViewsContext2D)
+find_package(CLI11 QUIET)
+find_package(nlohmann_json QUIET)
+find_package(X11 QUIET)
 
 if(NOT VTK_FOUND)
     message(STATUS "Without the VTK filters and the qel program: VTK 9.1 is not found (libvtk9-dev)")
@@ -45,3 +48,11 @@ if(NOT VTK_FOUND)
 endif()
 add_subdirectory(integrations)
 set(QEL_HAVE_VTK ON)
+
+if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND OR NOT X11_FOUND)
+    message(STATUS "Without the qel program: it needs CLI11, nlohmann_json and X11 "
+                   "(libcli11-dev, nlohmann-json3-dev, libx11-dev)")
+    return()
+endif()
+add_subdirectory(apps)
+set(QEL_HAVE_PROGRAM ON)
