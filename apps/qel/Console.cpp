@@ -1,0 +1,119 @@
+// What the program says to its user, and how the user stops it.
+#include "Console.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <iostream>
+
+#include <unistd.h>
+
+#include <vtkAlgorithm.h>
+#include <vtkCallbackCommand.h>
+#include <vtkCommand.h>
+#include <vtkNew.h>
+
+#include "VtkMessages.h"
+
+namespace program {
+namespace {
+
+constexpr double kSilentSeconds = 0.5;
+constexpr int kBarWidth = 40;
+
+volatile std::sig_atomic_t stopAsked = 0;
+
+void onSignal(int number) {
+    stopAsked = 1;
+    std::signal(number, SIG_DFL);
+}
+
+double seconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+void line(const std::string& text) {
+    std::cerr << "qel: " << text << std::endl;
+}
+
+} // namespace
+
+// -- Messages ----
+
+void note(const std::string& text) {
+    line(text);
+}
+
+void warn(const std::string& text) {
+    line("warning: " + text);
+}
+
+void fail(const std::string& text) {
+    line("error: " + text);
+}
+
+// -- Stopping ----
+
+void catchInterrupts() {
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+}
+
+void throwIfInterrupted() {
+    if (stopAsked != 0) {
+        throw Interrupted();
+    }
+}
+
+// -- Progress ----
+
+ProgressBar::ProgressBar(std::string label) : label_(std::move(label)), start_(seconds()) {}
+
+ProgressBar::~ProgressBar() {
+    if (shown_ >= 0) {
+        std::cerr << "\r\033[K" << std::flush;
+    }
+}
+
+void ProgressBar::show(double share) {
+    static const bool terminal = isatty(STDERR_FILENO) != 0;
+    const int percent = static_cast<int>(100.0 * std::clamp(share, 0.0, 1.0));
+    if (!terminal || percent == shown_ || seconds() - start_ < kSilentSeconds) {
+        return;
+    }
+    shown_ = percent;
+    const auto full = static_cast<std::size_t>(kBarWidth * percent / 100);
+    std::cerr << "\r\033[K" << label_ << " [" << std::string(full, '#')
+              << std::string(kBarWidth - full, '.') << "] " << percent << " %" << std::flush;
+}
+
+// -- VTK's work ----
+
+void watched(vtkAlgorithm* algorithm, const std::string& what, const std::function<void()>& work) {
+    throwIfInterrupted();
+    ProgressBar bar(what);
+    vtkNew<vtkCallbackCommand> watch;
+    watch->SetClientData(&bar);
+    watch->SetCallback([](vtkObject* caller, unsigned long, void* data, void* share) {
+        static_cast<ProgressBar*>(data)->show(*static_cast<double*>(share));
+        if (stopAsked != 0) {
+            vtkAlgorithm::SafeDownCast(caller)->SetAbortExecute(1);
+        }
+    });
+    VtkMessages& messages = VtkMessages::instance();
+    messages.clear();
+    const unsigned long observer = algorithm->AddObserver(vtkCommand::ProgressEvent, watch);
+    work();
+    algorithm->RemoveObserver(observer);
+    throwIfInterrupted();
+    if (!messages.errors().empty()) {
+        throw UserError(what + ": " + messages.errors().front());
+    }
+}
+
+void run(vtkAlgorithm* algorithm, const std::string& what) {
+    watched(algorithm, what, [algorithm] { algorithm->Update(); });
+}
+
+} // namespace program

@@ -1,0 +1,264 @@
+// Reading of flow solutions.
+#include "FlowReading.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <utility>
+
+#include <vtkAlgorithm.h>
+#include <vtkCGNSReader.h>
+#include <vtkCompositeDataSet.h>
+#include <vtkExodusIIReader.h>
+#include <vtkGenericDataObjectReader.h>
+#include <vtkGenericEnSightReader.h>
+#include <vtkInformation.h>
+#include <vtkMultiBlockDataSet.h>
+#include <vtkMultiBlockPLOT3DReader.h>
+#include <vtkNew.h>
+#include <vtkPDataSetReader.h>
+#include <vtkPOpenFOAMReader.h>
+#include <vtkStreamingDemandDrivenPipeline.h>
+#include <vtkXMLImageDataReader.h>
+#include <vtkXMLMultiBlockDataReader.h>
+#include <vtkXMLPImageDataReader.h>
+#include <vtkXMLPPolyDataReader.h>
+#include <vtkXMLPRectilinearGridReader.h>
+#include <vtkXMLPStructuredGridReader.h>
+#include <vtkXMLPUnstructuredGridReader.h>
+#include <vtkXMLPartitionedDataSetCollectionReader.h>
+#include <vtkXMLPartitionedDataSetReader.h>
+#include <vtkXMLPolyDataReader.h>
+#include <vtkXMLRectilinearGridReader.h>
+#include <vtkXMLStructuredGridReader.h>
+#include <vtkXMLUniformGridAMRReader.h>
+#include <vtkXMLUnstructuredGridReader.h>
+
+#include "Console.h"
+#include "FileKind.h"
+#include "Leaves.h"
+#include "Plot3d.h"
+#include "VtkMessages.h"
+
+namespace program {
+namespace fs = std::filesystem;
+namespace {
+
+using Reader = vtkSmartPointer<vtkAlgorithm>;
+
+template <typename T>
+Reader xmlReader(const std::string& path) {
+    auto reader = vtkSmartPointer<T>::New();
+    reader->SetFileName(path.c_str());
+    return reader;
+}
+
+Reader makeXmlReader(const std::string& path) {
+    using Make = Reader (*)(const std::string&);
+    static const std::map<std::string, Make> readers{
+        {"ImageData", xmlReader<vtkXMLImageDataReader>},
+        {"RectilinearGrid", xmlReader<vtkXMLRectilinearGridReader>},
+        {"StructuredGrid", xmlReader<vtkXMLStructuredGridReader>},
+        {"UnstructuredGrid", xmlReader<vtkXMLUnstructuredGridReader>},
+        {"PolyData", xmlReader<vtkXMLPolyDataReader>},
+        {"PImageData", xmlReader<vtkXMLPImageDataReader>},
+        {"PRectilinearGrid", xmlReader<vtkXMLPRectilinearGridReader>},
+        {"PStructuredGrid", xmlReader<vtkXMLPStructuredGridReader>},
+        {"PUnstructuredGrid", xmlReader<vtkXMLPUnstructuredGridReader>},
+        {"PPolyData", xmlReader<vtkXMLPPolyDataReader>},
+        {"vtkMultiBlockDataSet", xmlReader<vtkXMLMultiBlockDataReader>},
+        {"vtkPartitionedDataSet", xmlReader<vtkXMLPartitionedDataSetReader>},
+        {"vtkPartitionedDataSetCollection", xmlReader<vtkXMLPartitionedDataSetCollectionReader>},
+        {"vtkOverlappingAMR", xmlReader<vtkXMLUniformGridAMRReader>},
+        {"vtkNonOverlappingAMR", xmlReader<vtkXMLUniformGridAMRReader>},
+    };
+    const std::string type = xmlVtkType(path);
+    const auto found = readers.find(type);
+    if (found == readers.end()) {
+        throw UserError(path + ": VTK files of type \"" + type + "\" are not read");
+    }
+    return found->second(path);
+}
+
+Reader makeLegacyReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkGenericDataObjectReader>::New();
+    reader->SetFileName(path.c_str());
+    reader->ReadAllScalarsOn();
+    reader->ReadAllVectorsOn();
+    reader->ReadAllNormalsOn();
+    reader->ReadAllTensorsOn();
+    reader->ReadAllFieldsOn();
+    return reader;
+}
+
+Reader makeExodusReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkExodusIIReader>::New();
+    if (reader->CanReadFile(path.c_str()) == 0) {
+        throw UserError(path + " is damaged or no Exodus file");
+    }
+    reader->SetFileName(path.c_str());
+    reader->UpdateInformation();
+    reader->SetAllArrayStatus(vtkExodusIIReader::NODAL, 1);
+    reader->SetAllArrayStatus(vtkExodusIIReader::ELEM_BLOCK, 1);
+    return reader;
+}
+
+Reader makeFoamReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkPOpenFOAMReader>::New();
+    const fs::path folder = fs::is_directory(path) ? fs::path(path) : fs::path(path).parent_path();
+    const std::string name = fs::is_directory(path) ? (folder / "case.foam").string() : path;
+    reader->SetFileName(name.c_str());
+    const bool decomposed = fs::is_directory(folder / "processor0");
+    reader->SetCaseType(decomposed ? vtkPOpenFOAMReader::DECOMPOSED_CASE
+                                   : vtkPOpenFOAMReader::RECONSTRUCTED_CASE);
+    reader->SkipZeroTimeOff();
+    reader->UpdateInformation();
+    reader->EnableAllCellArrays();
+    reader->EnableAllPointArrays();
+    return reader;
+}
+
+Reader makeCgnsReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkCGNSReader>::New();
+    reader->SetFileName(path.c_str());
+    reader->UpdateInformation();
+    reader->EnableAllBases();
+    reader->EnableAllFamilies();
+    reader->EnableAllPointArrays();
+    reader->EnableAllCellArrays();
+    return reader;
+}
+
+template <typename T>
+Reader plainReader(const std::string& path) {
+    auto reader = vtkSmartPointer<T>::New();
+    reader->SetFileName(path.c_str());
+    return reader;
+}
+
+Reader makeReader(const std::string& path) {
+    switch (recognise(path)) {
+    case FileKind::xmlVtk:
+        return makeXmlReader(path);
+    case FileKind::legacyVtk:
+        return makeLegacyReader(path);
+    case FileKind::partitionedLegacyVtk:
+        return plainReader<vtkPDataSetReader>(path);
+    case FileKind::ensight: {
+        auto reader = vtkSmartPointer<vtkGenericEnSightReader>::New();
+        reader->SetCaseFileName(path.c_str());
+        reader->ReadAllVariablesOn();
+        return reader;
+    }
+    case FileKind::openFoam:
+        return makeFoamReader(path);
+    case FileKind::exodus:
+        return makeExodusReader(path);
+    case FileKind::cgns:
+        return makeCgnsReader(path);
+    default:
+        break;
+    }
+    if (findPlot3dLayout(path).has_value()) {
+        throw UserError(path + " is a PLOT3D grid; name its solution file as well");
+    }
+    throw UserError(path + " is no flow solution that can be read, or is damaged");
+}
+
+// Picks the time step on a reader that has some; the one it would take otherwise may be the first.
+void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
+    vtkInformation* information = reader->GetOutputInformation(0);
+    auto* key = vtkStreamingDemandDrivenPipeline::TIME_STEPS();
+    const int count = information == nullptr ? 0 : information->Length(key);
+    if (count < 1) {
+        if (time.has_value()) {
+            warn("the input has no time steps; --time is ignored");
+        }
+        return;
+    }
+    const double* steps = information->Get(key);
+    const double* chosen = steps + count - 1;
+    if (time.has_value()) {
+        chosen = std::min_element(steps, steps + count, [&](double a, double b) {
+            return std::abs(a - *time) < std::abs(b - *time);
+        });
+    }
+    if (count > 1 || time.has_value()) {
+        note("time " + std::to_string(*chosen) + ", one of " + std::to_string(count) + " steps");
+    }
+    reader->GetOutputInformation(0)->Set(vtkStreamingDemandDrivenPipeline::UPDATE_TIME_STEP(),
+                                         *chosen);
+}
+
+vtkSmartPointer<vtkDataObject> read(const std::string& path, const Reader& reader,
+                                    std::optional<double> time) {
+    watched(reader, "reading " + path, [&] {
+        reader->UpdateInformation();
+        chooseTime(reader, time);
+        reader->Update();
+    });
+    // The legacy readers warn where a file ends too early, and fill up with what they have.
+    const std::vector<std::string>& warnings = VtkMessages::instance().warnings();
+    if (reader->IsA("vtkDataReader") != 0 && !warnings.empty()) {
+        throw UserError("reading " + path + ": " + warnings.front());
+    }
+    vtkSmartPointer<vtkDataObject> data = reader->GetOutputDataObject(0);
+    const std::vector<Leaf> leaves = data == nullptr ? std::vector<Leaf>() : leavesOf(data);
+    if (leaves.empty()) {
+        throw UserError(path + " has no points, or is damaged");
+    }
+    if (leaves.size() == 1) {
+        return leaves.front().data; // without the composite around it, if there is one
+    }
+    return data;
+}
+
+bool isPlot3dCandidate(const std::string& path) {
+    return recognise(path) == FileKind::binary;
+}
+
+// A grid and a solution, in either order.
+vtkSmartPointer<vtkDataObject> readPlot3d(const std::string& first, const std::string& second) {
+    std::string refused;
+    for (const auto& [grid, solution] : {std::pair(first, second), std::pair(second, first)}) {
+        const std::optional<Plot3dLayout> layout = findPlot3dLayout(grid);
+        if (layout.has_value() && isPlot3dSolution(solution, grid, *layout)) {
+            return read(grid, plot3dReader(grid, solution, *layout), std::nullopt);
+        }
+        if (layout.has_value() && refused.empty()) {
+            refused = solution + " is no PLOT3D solution on the grid " + grid + ", or is damaged";
+        }
+    }
+    throw UserError(!refused.empty() ? refused
+                                     : "neither " + first + " nor " + second +
+                                           " is a binary PLOT3D grid, or they are damaged");
+}
+
+} // namespace
+
+vtkSmartPointer<vtkDataObject> readVtk(const std::string& path) {
+    return read(path, makeReader(path), std::nullopt);
+}
+
+vtkSmartPointer<vtkDataObject> readFlow(const std::vector<std::string>& paths,
+                                        std::optional<double> time) {
+    if (paths.size() == 2 && isPlot3dCandidate(paths[0]) && isPlot3dCandidate(paths[1])) {
+        return readPlot3d(paths[0], paths[1]);
+    }
+    if (paths.size() == 1) {
+        return read(paths[0], makeReader(paths[0]), time);
+    }
+    auto blocks = vtkSmartPointer<vtkMultiBlockDataSet>::New();
+    unsigned block = 0;
+    for (const std::string& path : paths) {
+        blocks->SetBlock(block, read(path, makeReader(path), time));
+        blocks->GetMetaData(block)->Set(vtkCompositeDataSet::NAME(),
+                                        fs::path(path).stem().string().c_str());
+        ++block;
+    }
+    return blocks;
+}
+
+} // namespace program

@@ -1,0 +1,81 @@
+// Minimum, maximum, mean and count of fields.
+#include "Statistics.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+
+#include <vtkFloatArray.h>
+
+namespace program {
+namespace {
+
+bool isValue(float value) {
+    return std::isfinite(value) && value != std::numeric_limits<float>::max();
+}
+
+// Formats numbers like printf, for one line of a table.
+template <typename... Values>
+std::string formatted(const char* format, Values... values) {
+    std::array<char, 256> line{};
+    std::snprintf(line.data(), line.size(), format, values...);
+    return line.data();
+}
+
+} // namespace
+
+void add(Statistics& statistics, vtkDataArray* array) {
+    auto* floats = vtkFloatArray::FastDownCast(array);
+    if (floats == nullptr) {
+        return;
+    }
+    const int components = floats->GetNumberOfComponents();
+    const float* value = floats->GetPointer(0);
+    for (vtkIdType i = 0; i < floats->GetNumberOfTuples(); ++i, value += components) {
+        ++statistics.total;
+        if (!std::all_of(value, value + components, isValue)) {
+            continue;
+        }
+        double measure = double{value[0]};
+        if (components > 1) {
+            measure = 0.0;
+            for (int c = 0; c < components; ++c) {
+                measure += double{value[c]} * double{value[c]};
+            }
+            measure = std::sqrt(measure);
+        }
+        const bool first = statistics.valid == 0;
+        statistics.minimum = first ? measure : std::min(statistics.minimum, measure);
+        statistics.maximum = first ? measure : std::max(statistics.maximum, measure);
+        statistics.sum += measure;
+        ++statistics.valid;
+    }
+}
+
+std::string asTable(const std::vector<Statistics>& all) {
+    std::string text = formatted("%-26s %-6s %14s %14s %14s %12s %12s\n", "field", "unit",
+                                 "minimum", "maximum", "mean", "valid", "undefined");
+    for (const Statistics& one : all) {
+        text += formatted("%-26s %-6s ", one.name.c_str(), one.unit.c_str());
+        text += one.valid == 0
+                    ? formatted("%14s %14s %14s", "-", "-", "-")
+                    : formatted("%14.6g %14.6g %14.6g", one.minimum, one.maximum, one.mean());
+        text += formatted(" %12lld %12lld\n", one.valid, one.total - one.valid);
+    }
+    return text;
+}
+
+std::string asCsv(const std::vector<Statistics>& all) {
+    std::string text = "field,unit,minimum,maximum,mean,valid,undefined\n";
+    for (const Statistics& one : all) {
+        text += one.name + "," + one.unit + ",";
+        text += one.valid == 0 ? ",,"
+                               : formatted("%.9g,%.9g,%.9g", one.minimum, one.maximum, one.mean());
+        text += formatted(",%lld,%lld\n", one.valid, one.total - one.valid);
+    }
+    return text;
+}
+
+} // namespace program

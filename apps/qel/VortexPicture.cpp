@@ -1,0 +1,414 @@
+// The picture of the vortices in a flow.
+#include "VortexPicture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <numeric>
+#include <vector>
+
+#include <vtkActor.h>
+#include <vtkCamera.h>
+#include <vtkColorTransferFunction.h>
+#include <vtkCubeAxesActor.h>
+#include <vtkDataSetAttributes.h>
+#include <vtkLookupTable.h>
+#include <vtkNew.h>
+#include <vtkPolyDataMapper.h>
+#include <vtkProperty.h>
+#include <vtkRenderWindow.h>
+#include <vtkRenderer.h>
+#include <vtkScalarBarActor.h>
+#include <vtkTextActor.h>
+#include <vtkTextProperty.h>
+
+#include "Console.h"
+#include "Display.h"
+#include "Rendering.h"
+#include "VortexScene.h"
+
+namespace program {
+namespace {
+
+using vtkQELVortex::Field;
+using vtkQELVortex::FieldInfo;
+
+constexpr int kBands = 21;           // of filled contours; odd, so that one band is about zero
+constexpr double kVortexShare = 0.5; // of all rotation, lies inside the surface
+constexpr double kColourShare = 0.98;
+constexpr double kWallOpacity = 0.15;
+
+const FieldInfo& infoOf(Field field) {
+    return vtkQELVortex::fields()[static_cast<std::size_t>(field)];
+}
+
+bool vorticalBelowZero(Field field) {
+    return field == vtkQELVortex::Lambda2;
+}
+
+std::string number(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4g", value);
+    return text;
+}
+
+std::string nameWithUnit(Field field) {
+    return infoOf(field).array + std::string(" [") + infoOf(field).unit + "]";
+}
+
+// -- Colours ----
+
+vtkSmartPointer<vtkLookupTable> tableOf(vtkColorTransferFunction* colours, int count) {
+    auto table = vtkSmartPointer<vtkLookupTable>::New();
+    table->SetNumberOfTableValues(count);
+    for (int i = 0; i < count; ++i) {
+        double rgb[3];
+        colours->GetColor(i / (count - 1.0), rgb);
+        table->SetTableValue(i, rgb[0], rgb[1], rgb[2]);
+    }
+    return table;
+}
+
+// Dark to light, through hues of even steps in lightness.
+vtkSmartPointer<vtkLookupTable> sequentialColours() {
+    vtkNew<vtkColorTransferFunction> colours;
+    colours->SetColorSpaceToLab();
+    colours->AddRGBPoint(0.00, 0.24, 0.06, 0.36);
+    colours->AddRGBPoint(0.35, 0.16, 0.36, 0.62);
+    colours->AddRGBPoint(0.65, 0.16, 0.66, 0.50);
+    colours->AddRGBPoint(1.00, 0.98, 0.88, 0.22);
+    return tableOf(colours, 256);
+}
+
+// Blue below zero, red above.
+vtkSmartPointer<vtkLookupTable> divergingColours() {
+    vtkNew<vtkColorTransferFunction> colours;
+    colours->SetColorSpaceToDiverging();
+    colours->AddRGBPoint(0.0, 0.16, 0.29, 0.72);
+    colours->AddRGBPoint(1.0, 0.71, 0.08, 0.15);
+    return tableOf(colours, kBands);
+}
+
+// -- Things in the picture ----
+
+class Picture {
+public:
+    explicit Picture(const double bounds[6]) {
+        std::copy(bounds, bounds + 6, bounds_);
+        renderer_->SetBackground(1.0, 1.0, 1.0);
+        window_->SetOffScreenRendering(1);
+        window_->SetMultiSamples(8);
+        window_->SetSize(kPictureWidth, kPictureHeight);
+        window_->AddRenderer(renderer_);
+    }
+
+    void addLines(vtkPolyData* lines) {
+        vtkNew<vtkPolyDataMapper> mapper;
+        mapper->SetInputData(lines);
+        mapper->ScalarVisibilityOff();
+        vtkNew<vtkActor> actor;
+        actor->SetMapper(mapper);
+        actor->GetProperty()->SetColor(0.15, 0.15, 0.15);
+        actor->GetProperty()->SetLineWidth(1.5F);
+        actor->GetProperty()->LightingOff();
+        renderer_->AddActor(actor);
+    }
+
+    void addWall(vtkPolyData* surface) {
+        vtkNew<vtkPolyDataMapper> mapper;
+        mapper->SetInputData(surface);
+        mapper->ScalarVisibilityOff();
+        vtkNew<vtkActor> actor;
+        actor->SetMapper(mapper);
+        actor->GetProperty()->SetColor(0.6, 0.6, 0.6);
+        actor->GetProperty()->SetOpacity(kWallOpacity);
+        renderer_->AddActor(actor);
+    }
+
+    void addColoured(vtkPolyData* surface, const std::string& field, vtkLookupTable* colours,
+                     bool lit) {
+        vtkNew<vtkPolyDataMapper> mapper;
+        mapper->SetInputData(surface);
+        mapper->SetScalarModeToUsePointFieldData();
+        mapper->SelectColorArray(field.c_str());
+        mapper->SetLookupTable(colours);
+        mapper->UseLookupTableScalarRangeOn();
+        mapper->InterpolateScalarsBeforeMappingOn();
+        vtkNew<vtkActor> actor;
+        actor->SetMapper(mapper);
+        actor->GetProperty()->SetLighting(lit);
+        actor->GetProperty()->SetAmbient(0.25);
+        actor->GetProperty()->SetDiffuse(0.8);
+        renderer_->AddActor(actor);
+    }
+
+    void addColourBar(vtkLookupTable* colours, const std::string& title) {
+        vtkNew<vtkScalarBarActor> bar;
+        bar->SetLookupTable(colours);
+        bar->SetTitle(title.c_str());
+        bar->SetNumberOfLabels(6);
+        bar->SetLabelFormat("%.3g");
+        bar->SetPosition(0.87, 0.15);
+        bar->SetWidth(0.1);
+        bar->SetHeight(0.7);
+        bar->SetUnconstrainedFontSize(true);
+        bar->GetTitleTextProperty()->ShallowCopy(textStyle(18));
+        bar->GetLabelTextProperty()->ShallowCopy(textStyle(16));
+        bar->SetVerticalTitleSeparation(12);
+        renderer_->AddActor2D(bar);
+    }
+
+    void addTitle(const std::string& text) {
+        vtkNew<vtkTextActor> title;
+        title->SetInput(text.c_str());
+        title->SetTextProperty(textStyle(22));
+        title->GetPositionCoordinate()->SetCoordinateSystemToNormalizedViewport();
+        title->SetPosition(0.03, 0.94);
+        renderer_->AddActor2D(title);
+    }
+
+    void drawSpace(const std::filesystem::path& target) {
+        vtkCamera* camera = renderer_->GetActiveCamera();
+        const double size = diagonal();
+        camera->SetFocalPoint(middle(0), middle(1), middle(2));
+        camera->SetPosition(middle(0) + 0.55 * size, middle(1) - 1.0 * size,
+                            middle(2) + 0.6 * size);
+        camera->SetViewUp(0.0, 0.0, 1.0);
+        renderer_->ResetCamera(bounds_);
+        camera->Zoom(0.95);
+        addAxes(false);
+        shiftLeft();
+        finish(target);
+    }
+
+    void drawPlane(const std::filesystem::path& target) {
+        vtkCamera* camera = renderer_->GetActiveCamera();
+        const int normal = flatAxis();
+        double position[3] = {middle(0), middle(1), middle(2)};
+        position[normal] += (normal == 1 ? -1.0 : 1.0) * diagonal();
+        camera->SetFocalPoint(middle(0), middle(1), middle(2));
+        camera->SetPosition(position);
+        camera->SetViewUp(0.0, normal == 2 ? 1.0 : 0.0, normal == 2 ? 0.0 : 1.0);
+        camera->ParallelProjectionOn();
+        renderer_->ResetCamera(bounds_);
+        const int across = normal == 0 ? 1 : 0;
+        const int up = normal == 2 ? 1 : 2;
+        const double aspect = 0.68 * kPictureWidth / kPictureHeight; // room for bar and labels
+        camera->SetParallelScale(0.5 * std::max(1.3 * extent(up), extent(across) / aspect));
+        addAxes(true);
+        shiftLeft();
+        finish(target);
+    }
+
+private:
+    double extent(int axis) const { return bounds_[2 * axis + 1] - bounds_[2 * axis]; }
+    double middle(int axis) const { return 0.5 * (bounds_[2 * axis] + bounds_[2 * axis + 1]); }
+    double diagonal() const {
+        return std::sqrt(extent(0) * extent(0) + extent(1) * extent(1) + extent(2) * extent(2));
+    }
+    int flatAxis() const {
+        const double extents[3] = {extent(0), extent(1), extent(2)};
+        return static_cast<int>(std::min_element(extents, extents + 3) - extents);
+    }
+
+    static vtkSmartPointer<vtkTextProperty> textStyle(int size) {
+        auto style = vtkSmartPointer<vtkTextProperty>::New();
+        style->SetFontFamilyToArial();
+        style->SetFontSize(size);
+        style->SetColor(0.1, 0.1, 0.1);
+        return style;
+    }
+
+    void addAxes(bool plane) {
+        vtkNew<vtkCubeAxesActor> axes;
+        axes->SetBounds(bounds_);
+        axes->SetCamera(renderer_->GetActiveCamera());
+        axes->SetXTitle("x");
+        axes->SetYTitle("y");
+        axes->SetZTitle("z");
+        axes->SetFlyModeToOuterEdges();
+        axes->SetScreenSize(plane ? 14.0 : 12.0);
+        if (plane) {
+            axes->SetUse2DMode(1);
+        }
+        for (int axis = 0; axis < 3; ++axis) {
+            axes->GetTitleTextProperty(axis)->ShallowCopy(textStyle(16));
+            axes->GetLabelTextProperty(axis)->ShallowCopy(textStyle(14));
+        }
+        axes->GetXAxesLinesProperty()->SetColor(0.4, 0.4, 0.4);
+        axes->GetYAxesLinesProperty()->SetColor(0.4, 0.4, 0.4);
+        axes->GetZAxesLinesProperty()->SetColor(0.4, 0.4, 0.4);
+        const int flat = plane ? flatAxis() : -1;
+        axes->SetXAxisVisibility(flat != 0);
+        axes->SetYAxisVisibility(flat != 1);
+        axes->SetZAxisVisibility(flat != 2);
+        renderer_->AddActor(axes);
+    }
+
+    // The colour bar stands on the right.
+    void shiftLeft() { renderer_->GetActiveCamera()->SetWindowCenter(0.1, 0.0); }
+
+    void finish(const std::filesystem::path& target) {
+        renderer_->ResetCameraClippingRange();
+        renderToPng(window_, target);
+    }
+
+    double bounds_[6];
+    vtkNew<vtkRenderer> renderer_;
+    vtkNew<vtkRenderWindow> window_;
+};
+
+// -- Flows ----
+
+struct Scene {
+    std::vector<vtkSmartPointer<vtkDataSet>> pieces; // with the fields
+    std::vector<Leaf> analysed;
+    std::vector<Leaf> others; // walls and the like
+    int dimension = 0;
+};
+
+Scene sceneOf(vtkDataObject* flow, int association, const PictureChoice& choice) {
+    const std::vector<std::string> names{infoOf(choice.field).array, infoOf(choice.colour).array};
+    Scene scene;
+    for (const Leaf& leaf : leavesOf(flow)) {
+        if (leaf.data->GetAttributes(association)->HasArray(names[0].c_str()) == 0) {
+            scene.others.push_back(leaf);
+            continue;
+        }
+        scene.analysed.push_back(leaf);
+        scene.dimension = std::max(scene.dimension, cellDimension(leaf.data));
+        scene.pieces.push_back(drawable(leaf.data, association, names));
+    }
+    return scene;
+}
+
+// The value beyond which a share of all rotation lies. The measure is a rate, the square root of
+// the field, so that neither much faint noise nor a few extremes at a wall decide.
+double suitableValue(const std::vector<double>& sorted, Field field) {
+    std::vector<double> rates;
+    for (const double value : sorted) {
+        const double strength = vorticalBelowZero(field) ? -value : value;
+        if (strength > 0.0) {
+            rates.push_back(std::sqrt(strength));
+        }
+    }
+    std::sort(rates.begin(), rates.end(), std::greater<>());
+    double wanted = kVortexShare * std::accumulate(rates.begin(), rates.end(), 0.0);
+    double last = 0.0;
+    for (const double rate : rates) {
+        last = rate;
+        wanted -= rate;
+        if (wanted <= 0.0) {
+            break;
+        }
+    }
+    return vorticalBelowZero(field) ? -last * last : last * last;
+}
+
+void drawSpace(const Scene& scene, const PictureChoice& choice, const double bounds[6],
+               const std::filesystem::path& target) {
+    const std::string field = infoOf(choice.field).array;
+    const std::string colour = infoOf(choice.colour).array;
+    const double value = choice.value.has_value()
+                             ? *choice.value
+                             : suitableValue(sortedSample(scene.pieces, field), choice.field);
+    std::vector<vtkSmartPointer<vtkDataSet>> surfaces;
+    vtkIdType points = 0;
+    for (const auto& piece : scene.pieces) {
+        surfaces.push_back(isoSurface(piece, field, value));
+        points += surfaces.back()->GetNumberOfPoints();
+    }
+    if (points == 0) {
+        warn("the picture shows no vortices: there is no surface " + field + " = " + number(value));
+    }
+    auto colours = sequentialColours();
+    const std::vector<double> sample = sortedSample(surfaces, colour);
+    const double least = quantile(sample, 1.0 - kColourShare);
+    const double most = quantile(sample, kColourShare);
+    colours->SetTableRange(least, most > least ? most : least + 1.0);
+
+    Picture picture(bounds);
+    for (const auto& surface : surfaces) {
+        picture.addColoured(vtkPolyData::SafeDownCast(surface), colour, colours, true);
+    }
+    for (const Leaf& leaf : scene.analysed) {
+        picture.addLines(outlineOf(leaf.data));
+    }
+    for (const Leaf& leaf : scene.others) {
+        picture.addWall(surfaceOf(leaf.data));
+    }
+    picture.addColourBar(colours, nameWithUnit(choice.colour));
+    picture.addTitle("Iso-surface " + field + " = " + number(value) + " " +
+                     infoOf(choice.field).unit + ", coloured by " + colour);
+    picture.drawSpace(target);
+}
+
+void drawPlane(const Scene& scene, const PictureChoice& choice, const double bounds[6],
+               const std::filesystem::path& target) {
+    const std::string field = infoOf(choice.field).array;
+    const std::vector<double> values = sortedSample(scene.pieces, field);
+    const double most = std::max(std::abs(quantile(values, kColourShare)),
+                                 std::abs(quantile(values, 1.0 - kColourShare)));
+    auto colours = divergingColours();
+    colours->SetTableRange(most > 0.0 ? -most : -1.0, most > 0.0 ? most : 1.0);
+
+    Picture picture(bounds);
+    for (const auto& piece : scene.pieces) {
+        picture.addColoured(surfaceOf(piece), field, colours, false);
+    }
+    for (const Leaf& leaf : scene.analysed) {
+        picture.addLines(outlineOf(leaf.data));
+    }
+    for (const Leaf& leaf : scene.others) {
+        picture.addLines(surfaceOf(leaf.data));
+    }
+    picture.addColourBar(colours, nameWithUnit(choice.field));
+    picture.addTitle("Contours of " + field + ", " + infoOf(choice.field).formula);
+    picture.drawPlane(target);
+}
+
+} // namespace
+
+PictureChoice parsePictureChoice(const std::string& text) {
+    PictureChoice choice;
+    if (text.empty()) {
+        return choice;
+    }
+    const std::size_t equals = text.find('=');
+    const FieldInfo* info = vtkQELVortex::findField(text.substr(0, equals));
+    if (info == nullptr || info->components != 1) {
+        throw UserError("\"" + text.substr(0, equals) + "\" is no scalar field to draw");
+    }
+    choice.field = info->field;
+    if (equals != std::string::npos) {
+        try {
+            std::size_t end = 0;
+            choice.value = std::stod(text.substr(equals + 1), &end);
+            if (end != text.size() - equals - 1) {
+                throw std::invalid_argument(text);
+            }
+        } catch (const std::logic_error&) {
+            throw UserError("\"" + text.substr(equals + 1) + "\" is no value of an iso-surface");
+        }
+    }
+    return choice;
+}
+
+void drawVortices(vtkDataObject* flow, int association, const PictureChoice& choice,
+                  const std::filesystem::path& target) {
+    const Scene scene = sceneOf(flow, association, choice);
+    if (scene.pieces.empty()) {
+        throw UserError("there is nothing to draw");
+    }
+    double bounds[6];
+    boundsOf(scene.analysed, bounds);
+    const Display display;
+    if (scene.dimension == 3) {
+        drawSpace(scene, choice, bounds, target);
+    } else {
+        drawPlane(scene, choice, bounds, target);
+    }
+}
+
+} // namespace program

@@ -1,0 +1,305 @@
+// The filter: finds its input, goes through slabs and blocks, and adds the arrays.
+#include "vtkQELVortexFilter.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <sstream>
+
+#include <vtkDataArray.h>
+#include <vtkDataSet.h>
+#include <vtkDataSetAttributes.h>
+#include <vtkFloatArray.h>
+#include <vtkInformation.h>
+#include <vtkInformationVector.h>
+#include <vtkObjectFactory.h>
+#include <vtkStreamingDemandDrivenPipeline.h>
+
+#include "GradientSlabs.h"
+#include "HiddenTuples.h"
+#include "VortexBlock.h"
+
+vtkStandardNewMacro(vtkQELVortexFilter);
+
+namespace {
+
+using vtkQELVortex::GradientSlab;
+using vtkQELVortex::GradientSlabs;
+using vtkQELVortex::VortexBlock;
+
+// Below this the largest gradient has the field scaled. The thresholds bite below about 1e-9; a
+// thousand times more leaves room for the weaker parts of the field.
+const double kSmallGradient = std::ldexp(1.0, -20);
+
+constexpr std::size_t kPointsNamed = 5;
+
+// Adds the time from its birth to its end to a sum.
+class Timer {
+public:
+    explicit Timer(double& sum) : sum_(sum) {}
+    ~Timer() {
+        sum_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
+    Timer(const Timer&) = delete;
+    Timer& operator=(const Timer&) = delete;
+
+private:
+    double& sum_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+} // namespace
+
+// What one run works on.
+struct vtkQELVortexFilter::Job {
+    vtkDataSet* input = nullptr;
+    vtkDataArray* velocity = nullptr;
+    vtkDataArray* gradient = nullptr; // where it is given
+    int association = vtkDataObject::FIELD_ASSOCIATION_POINTS;
+    std::vector<unsigned char> hidden;
+    VortexBlock::Outputs outputs;
+    std::optional<GradientSlabs> slabs;
+    std::optional<VortexBlock> block;
+    std::vector<vtkIdType> nonFinite; // the first few
+};
+
+vtkQELVortexFilter::vtkQELVortexFilter() {
+    this->EnabledFields.set();
+    this->SetInputArrayToProcess(0, 0, 0, vtkDataObject::FIELD_ASSOCIATION_POINTS_THEN_CELLS,
+                                 vtkDataSetAttributes::VECTORS);
+}
+
+float vtkQELVortexFilter::GetUndefinedValue() {
+    return std::numeric_limits<float>::max();
+}
+
+// -- Fields ----
+
+void vtkQELVortexFilter::SetFieldEnabled(vtkQELVortex::Field field, bool enabled) {
+    if (this->GetFieldEnabled(field) != enabled) {
+        this->EnabledFields.set(static_cast<std::size_t>(field), enabled);
+        this->Modified();
+    }
+}
+
+bool vtkQELVortexFilter::GetFieldEnabled(vtkQELVortex::Field field) const {
+    return this->EnabledFields.test(static_cast<std::size_t>(field));
+}
+
+void vtkQELVortexFilter::EnableAllFields() {
+    this->EnabledFields.set();
+    this->Modified();
+}
+
+void vtkQELVortexFilter::DisableAllFields() {
+    this->EnabledFields.reset();
+    this->Modified();
+}
+
+// -- Pipeline ----
+
+// One layer of ghost cells gives the points at a piece's border the neighbours that they need.
+int vtkQELVortexFilter::RequestUpdateExtent(vtkInformation* request,
+                                            vtkInformationVector** inputVector,
+                                            vtkInformationVector* outputVector) {
+    using Pipeline = vtkStreamingDemandDrivenPipeline;
+    if (!this->Superclass::RequestUpdateExtent(request, inputVector, outputVector)) {
+        return 0;
+    }
+    vtkInformation* in = inputVector[0]->GetInformationObject(0);
+    vtkInformation* out = outputVector->GetInformationObject(0);
+    if (out->Get(Pipeline::UPDATE_NUMBER_OF_PIECES()) > 1) {
+        in->Set(Pipeline::UPDATE_NUMBER_OF_GHOST_LEVELS(),
+                out->Get(Pipeline::UPDATE_NUMBER_OF_GHOST_LEVELS()) + 1);
+    }
+    return 1;
+}
+
+int vtkQELVortexFilter::RequestData(vtkInformation*, vtkInformationVector** inputVector,
+                                    vtkInformationVector* outputVector) {
+    this->NumberOfHiddenTuples = this->NumberOfNonFiniteGradients = 0;
+    this->ScaleExponent = 0;
+    this->LargestGradient = this->GradientTime = this->AnalysisTime = 0.0;
+
+    Job job;
+    job.input = vtkDataSet::GetData(inputVector[0], 0);
+    vtkDataSet* output = vtkDataSet::GetData(outputVector, 0);
+    output->ShallowCopy(job.input);
+    if (job.input->GetNumberOfPoints() == 0) {
+        return 1;
+    }
+    if (!this->Prepare(job, inputVector) || !this->Analyse(job)) {
+        return 0;
+    }
+    if (this->GetAbortExecute()) {
+        return 1;
+    }
+    for (const auto& array : job.outputs) {
+        if (array != nullptr) {
+            output->GetAttributes(job.association)->AddArray(array);
+        }
+    }
+    this->Warn(job);
+    return 1;
+}
+
+// -- One run ----
+
+bool vtkQELVortexFilter::Prepare(Job& job, vtkInformationVector** inputVector) {
+    job.velocity = this->GetInputArrayToProcess(0, inputVector, job.association);
+    if (job.velocity == nullptr) {
+        vtkErrorMacro("There is no such velocity array.");
+        return false;
+    }
+    vtkDataSetAttributes* attributes = job.input->GetAttributes(job.association);
+    const int components = job.velocity->GetNumberOfComponents();
+    const char* name = job.velocity->GetName() == nullptr ? "" : job.velocity->GetName();
+    if (attributes == nullptr || (components != 2 && components != 3)) {
+        vtkErrorMacro("The velocity "
+                      << name << " has " << components
+                      << " components; two or three are needed, on points or cells.");
+        return false;
+    }
+    if (!this->GradientArrayName.empty()) {
+        job.gradient = attributes->GetArray(this->GradientArrayName.c_str());
+        if (job.gradient == nullptr || job.gradient->GetNumberOfComponents() != 9) {
+            vtkErrorMacro("There is no array " << this->GradientArrayName
+                                               << " of nine components beside the velocity.");
+            return false;
+        }
+    }
+    job.hidden = vtkQELVortex::hiddenTuples(job.input, job.association);
+    this->NumberOfHiddenTuples =
+        std::count_if(job.hidden.begin(), job.hidden.end(), [](auto flag) { return flag != 0; });
+    this->MakeOutputs(job);
+    job.slabs.emplace(job.input, job.velocity, job.association, this->SlabSize);
+    job.block.emplace(job.outputs);
+    return true;
+}
+
+void vtkQELVortexFilter::MakeOutputs(Job& job) const {
+    for (const vtkQELVortex::FieldInfo& info : vtkQELVortex::fields()) {
+        if (this->GetFieldEnabled(info.field)) {
+            auto array = vtkSmartPointer<vtkFloatArray>::New();
+            array->SetName(info.array);
+            array->SetNumberOfComponents(info.components);
+            array->SetNumberOfTuples(job.velocity->GetNumberOfTuples());
+            job.outputs[info.field] = array;
+        }
+    }
+}
+
+bool vtkQELVortexFilter::Analyse(Job& job) {
+    const auto allSlabs = [&] {
+        this->LargestGradient = 0.0;
+        this->NumberOfNonFiniteGradients = 0;
+        job.nonFinite.clear();
+        const int count = job.gradient == nullptr ? job.slabs->count() : 1;
+        for (int slab = 0; slab < count && !this->GetAbortExecute(); ++slab) {
+            if (!this->AnalyseSlab(job, slab)) {
+                return false;
+            }
+            this->UpdateProgress((slab + 1.0) / count);
+        }
+        return true;
+    };
+    if (!allSlabs()) {
+        return false;
+    }
+    // A second round is rare, and cheaper than to keep every gradient for it.
+    if (this->LargestGradient > 0.0 && this->LargestGradient < kSmallGradient) {
+        this->ScaleExponent = -std::ilogb(this->LargestGradient);
+        job.block->setScaleExponent(this->ScaleExponent);
+        return allSlabs();
+    }
+    return true;
+}
+
+bool vtkQELVortexFilter::AnalyseSlab(Job& job, int slab) {
+    GradientSlab part;
+    if (job.gradient != nullptr) {
+        part.gradient = job.gradient;
+        part.count = job.gradient->GetNumberOfTuples();
+    } else {
+        const Timer timer(this->GradientTime);
+        part = job.slabs->compute(slab);
+    }
+    if (part.gradient == nullptr) {
+        vtkErrorMacro("The gradient of the velocity cannot be computed.");
+        return false;
+    }
+    const Timer timer(this->AnalysisTime);
+    for (vtkIdType done = 0; done < part.count && !this->GetAbortExecute();
+         done += VortexBlock::kPoints) {
+        const vtkIdType first = part.first + done;
+        const vtkIdType count = std::min(VortexBlock::kPoints, part.count - done);
+        const unsigned char* hidden = job.hidden.empty() ? nullptr : job.hidden.data() + first;
+        job.block->loadGradient(part.gradient, part.offset + done, count);
+        if (job.outputs[vtkQELVortex::Helicity] != nullptr) {
+            job.block->loadVelocity(job.velocity, first);
+        }
+        job.block->store(first);
+        this->LargestGradient = std::max(this->LargestGradient, job.block->largest(hidden));
+        this->MarkUndefined(job, first, hidden);
+    }
+    return true;
+}
+
+// Goes over the points of the block that was analysed last.
+void vtkQELVortexFilter::MarkUndefined(Job& job, vtkIdType first, const unsigned char* hidden) {
+    vtkIdType point = first;
+    for (const unsigned char finite : job.block->finite()) {
+        const bool isHidden = hidden != nullptr && hidden[point - first] != 0;
+        if (isHidden || finite == 0) {
+            for (const auto& array : job.outputs) {
+                if (array != nullptr) {
+                    const int components = array->GetNumberOfComponents();
+                    std::fill_n(array->GetPointer(point * components), components,
+                                GetUndefinedValue());
+                }
+            }
+        }
+        if (!isHidden && finite == 0) {
+            ++this->NumberOfNonFiniteGradients;
+            if (job.nonFinite.size() < kPointsNamed) {
+                job.nonFinite.push_back(point);
+            }
+        }
+        ++point;
+    }
+}
+
+void vtkQELVortexFilter::Warn(const Job& job) {
+    if (job.nonFinite.empty()) {
+        return;
+    }
+    const bool onPoints = job.association == vtkDataObject::FIELD_ASSOCIATION_POINTS;
+    std::ostringstream ids;
+    for (const vtkIdType id : job.nonFinite) {
+        ids << " " << id;
+    }
+    if (this->NumberOfNonFiniteGradients > static_cast<vtkIdType>(job.nonFinite.size())) {
+        ids << " ...";
+    }
+    vtkWarningMacro(<< this->NumberOfNonFiniteGradients << " gradients are not finite and their "
+                    << (onPoints ? "points" : "cells") << " undefined:" << ids.str());
+}
+
+void vtkQELVortexFilter::PrintSelf(ostream& os, vtkIndent indent) {
+    this->Superclass::PrintSelf(os, indent);
+    os << indent << "Fields:";
+    for (const vtkQELVortex::FieldInfo& info : vtkQELVortex::fields()) {
+        if (this->GetFieldEnabled(info.field)) {
+            os << " " << info.array;
+        }
+    }
+    os << "\n"
+       << indent << "GradientArrayName: " << this->GradientArrayName << "\n"
+       << indent << "SlabSize: " << this->SlabSize << "\n"
+       << indent << "NumberOfHiddenTuples: " << this->NumberOfHiddenTuples << "\n"
+       << indent << "NumberOfNonFiniteGradients: " << this->NumberOfNonFiniteGradients << "\n"
+       << indent << "ScaleExponent: " << this->ScaleExponent << "\n"
+       << indent << "LargestGradient: " << this->LargestGradient << "\n";
+}

@@ -1,0 +1,105 @@
+#ifndef vtkQELVortexFilter_h
+#define vtkQELVortexFilter_h
+
+/// @file
+/// Vortex quantities of a velocity field.
+
+#include <bitset>
+#include <string>
+#include <vector>
+
+#include <vtkDataSetAlgorithm.h>
+
+#include "vtkQELVortexFields.h"
+
+class vtkDataArray;
+
+/// Adds fields that show vortices to a data set with a velocity on points or cells.
+///
+///     vtkNew<vtkQELVortexFilter> vortices;
+///     vortices->SetInputConnection(reader->GetOutputPort());
+///     vortices->SetInputArrayToProcess(0, 0, 0, vtkDataObject::FIELD_ASSOCIATION_POINTS, "U");
+///     vortices->SetFieldEnabled(vtkQELVortex::Lambda2, true);
+///     vortices->Update();
+///
+/// The velocity has two or three components of any real type; without SetInputArrayToProcess() the
+/// active vectors are taken. The gradient is computed by vtkGradientFilter, on structured data slab
+/// by slab, or taken from an array. Results are arrays of floats with the names of
+/// vtkQELVortex::fields() and the velocity's association; an array of the input with the same name
+/// is replaced in the output. All fields are enabled at first.
+///
+/// Hidden (blanked) and ghost points or cells, and those with a gradient that is not finite, get
+/// GetUndefinedValue(). A field whose gradients are all below 2^-20 is analysed scaled by a power
+/// of two, since absolute thresholds of the analysis act on fourth powers of the gradient.
+///
+/// Works on each piece of a composite input. A run that is aborted leaves no array.
+class vtkQELVortexFilter : public vtkDataSetAlgorithm {
+public:
+    static vtkQELVortexFilter* New();
+    vtkTypeMacro(vtkQELVortexFilter, vtkDataSetAlgorithm) void PrintSelf(ostream& os,
+                                                                         vtkIndent indent) override;
+
+    vtkQELVortexFilter(const vtkQELVortexFilter&) = delete;
+    vtkQELVortexFilter& operator=(const vtkQELVortexFilter&) = delete;
+
+    // -- Fields ----
+    void SetFieldEnabled(vtkQELVortex::Field field, bool enabled);
+    bool GetFieldEnabled(vtkQELVortex::Field field) const;
+    void EnableAllFields();
+    void DisableAllFields();
+
+    // -- Gradient ----
+    /// Name of an array of nine components, du/dx, du/dy, du/dz, dv/dx, ..., with the velocity's
+    /// association, to take as the gradient. Empty: computed.
+    vtkSetMacro(GradientArrayName, std::string);
+    vtkGetMacro(GradientArrayName, std::string);
+
+    /// Points that a slab of structured data holds at least while gradients are computed.
+    vtkSetClampMacro(SlabSize, vtkIdType, 1, VTK_ID_MAX);
+    vtkGetMacro(SlabSize, vtkIdType);
+
+    // -- What the last run found ----
+    /// Of a composite input, the last piece's.
+    vtkGetMacro(NumberOfHiddenTuples, vtkIdType);
+    vtkGetMacro(NumberOfNonFiniteGradients, vtkIdType);
+    /// The gradient was scaled by two to this power.
+    vtkGetMacro(ScaleExponent, int);
+    /// Largest magnitude of a gradient component at points that are neither hidden nor ghosts.
+    vtkGetMacro(LargestGradient, double);
+    /// Seconds of the last run that went into gradients and into the analysis of them.
+    vtkGetMacro(GradientTime, double);
+    vtkGetMacro(AnalysisTime, double);
+
+    /// What stands where there is no value: the largest finite float.
+    static float GetUndefinedValue();
+
+protected:
+    vtkQELVortexFilter();
+    ~vtkQELVortexFilter() override = default;
+
+    int RequestUpdateExtent(vtkInformation*, vtkInformationVector**,
+                            vtkInformationVector*) override;
+    int RequestData(vtkInformation*, vtkInformationVector**, vtkInformationVector*) override;
+
+private:
+    struct Job;
+    bool Prepare(Job& job, vtkInformationVector** inputVector);
+    void MakeOutputs(Job& job) const;
+    bool Analyse(Job& job);
+    bool AnalyseSlab(Job& job, int slab);
+    void MarkUndefined(Job& job, vtkIdType first, const unsigned char* hidden);
+    void Warn(const Job& job);
+
+    std::bitset<vtkQELVortex::kFieldCount> EnabledFields;
+    std::string GradientArrayName;
+    vtkIdType SlabSize = 1000000;
+
+    vtkIdType NumberOfHiddenTuples = 0;
+    vtkIdType NumberOfNonFiniteGradients = 0;
+    int ScaleExponent = 0;
+    double LargestGradient = 0.0;
+    double GradientTime = 0.0;
+    double AnalysisTime = 0.0;
+};
+
+#endif

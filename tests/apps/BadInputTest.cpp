@@ -1,0 +1,107 @@
+// Bad input: one clear line, exit code 2, nothing left behind.
+#include "Flows.h"
+#include "Program.h"
+
+#include <vtkXMLImageDataWriter.h>
+
+namespace {
+
+class BadInput : public qel_test::Program {
+protected:
+    void SetUp() override {
+        qel_test::Program::SetUp();
+        vtkNew<vtkXMLImageDataWriter> writer;
+        writer->SetInputData(qel_test::rotation(12, 12, 12));
+        writer->SetFileName((folder / "flow.vti").c_str());
+        ASSERT_EQ(writer->Write(), 1);
+        write("curve.csv", "x,y\n0,0\n1,0\n1,1\n");
+        write("empty", "");
+        write("words.txt", "nothing here\nbut words\n");
+        write("noise", std::string("\x01\x02\x00\x07 noise", 10));
+        const std::string flow = text("flow.vti");
+        write("truncated.vti", flow.substr(0, flow.size() / 2));
+    }
+};
+
+TEST_F(BadInput, Files) {
+    for (const std::string command : {"vortex ", "curve ", "nearest curve.csv "}) {
+        expectRefused(command + "missing.vtu", "there is no file missing.vtu");
+        expectRefused(command + "empty", "empty is empty");
+        expectRefused(command + "noise", "noise");
+        expectRefused(command + "words.txt", "words.txt");
+        expectRefused(command + ".", ". is a folder");
+    }
+    expectRefused("vortex truncated.vti -o out.vti", "truncated.vti");
+    expectRefused("vortex curve.csv", "curve.csv is no flow solution");
+}
+
+TEST_F(BadInput, CommandLines) {
+    expectRefused("", "A subcommand is required");
+    expectRefused("nonsense", "there is no command nonsense");
+    expectRefused("vortex", "INPUT is required");
+    expectRefused("vortex flow.vti --nonsense", "--nonsense");
+    expectRefused("vortex flow.vti --fields q,spin",
+                  "there is no field \"spin\"; the fields are q");
+    expectRefused("vortex flow.vti --image p.png --iso vorticity", "is no scalar field to draw");
+    expectRefused("vortex flow.vti --image p.png --iso q=much", "no value of an iso-surface");
+    expectRefused("curve curve.csv --straighten", "--straighten");
+    expectRefused("curve curve.csv --resample many", "--resample: \"many\" is no number");
+    expectRefused("curve curve.csv --cut 0.5", "--cut");
+    expectRefused("curve curve.csv --rotate 0,0,0 0,0,0 5", "the axis 0,0,0 has no length");
+    expectRefused("curve curve.csv --curve 2", "has no curve \"2\"");
+    expectRefused("curve curve.csv --columns 1,9", "has no column 9");
+}
+
+// The library's own refusals come with the curve and the operation.
+TEST_F(BadInput, Operations) {
+    expectRefused("curve curve.csv --cut 0.7 0.2 -o out.csv", "curve, --cut: ");
+    expectRefused("curve curve.csv --resample 1 -o out.csv", "curve, --resample: ");
+    expectRefused("curve curve.csv --tessellate 7 -o out.csv", "curve, --tessellate: ");
+    expectRefused("curve curve.csv --art 0,0,0 0,0,0 -o out.csv", "curve, --art: ");
+}
+
+TEST_F(BadInput, Outputs) {
+    expectRefused("vortex flow.vti -o nowhere/out.vti", "there is no folder nowhere");
+    expectRefused("vortex flow.vti -o out.vtu", "is written to a file that ends in .vti");
+    expectRefused("vortex flow.vti --image p.jpg", "has to end in .png");
+    expectRefused("vortex flow.vti --stats nowhere/s.csv", "there is no folder nowhere");
+    expectRefused("curve curve.csv -o out.xyz", "curves are written to .csv");
+    expectRefused("curve curve.csv --image p.gif", "has to end in .png or .svg");
+    expectRefused("nearest curve.csv curve.csv -o nowhere/n.csv", "there is no folder nowhere");
+}
+
+TEST_F(BadInput, ExistingOutputStaysIfTheRunFails) {
+    write("out.vti", "precious");
+    EXPECT_EQ(qel("vortex truncated.vti -o out.vti").status, 2);
+    EXPECT_EQ(text("out.vti"), "precious");
+}
+
+TEST_F(BadInput, SaysWhatToInstallWithoutADisplay) {
+    const auto run = shell("export PATH=; unset DISPLAY; qel vortex flow.vti --image p.png");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.err.find("install the package xvfb"), std::string::npos) << run.err;
+}
+
+TEST_F(BadInput, DamagedCurveFiles) {
+    write("mixed.csv", "x,y\n0,0\n1,abc\n");
+    expectRefused("curve mixed.csv", "mixed.csv, line 3");
+    write("ragged.txt", "0 0\n1 1\n2 2 2\n");
+    expectRefused("curve ragged.txt", "ragged.txt, line 3: a row of 3 numbers after rows of 2");
+    write("broken.json", "{\"type\": \"FeatureCollection\", \"features\": [");
+    expectRefused("curve broken.json", "broken.json is no GeoJSON");
+    write("other.json", "{\"a\": 1}");
+    expectRefused("curve other.json", "other.json is no GeoJSON");
+    write("broken.gpx", "<gpx><trk><trkseg>");
+    expectRefused("curve broken.gpx", "broken.gpx is no GPX");
+    write("point.csv", "x,y\n0,0\n");
+    expectRefused("curve point.csv", "has no curve of at least two points");
+}
+
+TEST_F(BadInput, HelpAndVersionAreNoErrors) {
+    const auto help = qel("vortex --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("Examples:"), std::string::npos);
+    EXPECT_EQ(qel("--version").status, 0);
+}
+
+} // namespace

@@ -1,0 +1,216 @@
+// qel curve on files that the tests make.
+#include <cmath>
+
+#include "Pictures.h"
+#include "Program.h"
+
+#include <vtkCellArray.h>
+#include <vtkDoubleArray.h>
+#include <vtkPointData.h>
+#include <vtkPoints.h>
+#include <vtkPolyData.h>
+#include <vtkXMLPolyDataReader.h>
+#include <vtkXMLPolyDataWriter.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Rows = std::vector<std::vector<double>>;
+
+// Columns of the CSV that the program writes.
+enum Column { number, x, y, z, s, firstData };
+
+class CurveCommand : public qel_test::Program {
+protected:
+    // The rows of the result of operations on a file.
+    Rows result(const std::string& arguments) const {
+        const auto run = qel("curve " + arguments + " -o result.csv");
+        EXPECT_EQ(run.status, 0) << run.err;
+        return rows(text("result.csv"));
+    }
+    Rows resultOf(const std::string& content, const std::string& operations) const {
+        write("in.csv", content);
+        return result("in.csv " + operations);
+    }
+};
+
+constexpr const char* kCorner = "x,y,t\n0,0,0\n2,0,20\n2,2,40\n";
+
+// -- Reading ----
+
+TEST_F(CurveCommand, ReadsColumnsWithAndWithoutHeaderAndTitle) {
+    for (const char* content : {"0 0\n3 0\n3 1\n", "A Title\n0\t0\n3\t0\n3\t1\n",
+                                "x;y\n0;0\n3;0\n3;1\n", "# note\r\n0,0\r\n3,0\r\n3,1\r\n",
+                                "NACA 0012\n 0 0\n 3. +0\n 3e0 1\n\n", "y,x\n0,0\n0,3\n1,3\n"}) {
+        SCOPED_TRACE(content);
+        const Rows rows = resultOf(content, "");
+        ASSERT_EQ(rows.size(), 3U);
+        EXPECT_EQ(rows[1][x], 3.0);
+        EXPECT_EQ(rows[1][y], 0.0);
+        EXPECT_EQ(rows[1][s], 0.75);
+    }
+}
+
+TEST_F(CurveCommand, TakesTheColumnsAskedFor) {
+    EXPECT_EQ(resultOf("i z r\n1 0 5\n2 1 6\n", "--columns r,z")[1][x], 6.0);
+    EXPECT_EQ(resultOf("1 0 5 8\n2 1 6 9\n", "--columns 3,4,1")[0][y], 8.0);
+}
+
+TEST_F(CurveCommand, BlankLinesPartCurvesAndSomeCanBeChosen) {
+    const std::string two = "0 0\n1 0\n\n5 5\n6 5\n7 5\n";
+    EXPECT_EQ(resultOf(two, "").size(), 5U);
+    const Rows second = resultOf(two, "--curve 2");
+    ASSERT_EQ(second.size(), 3U);
+    EXPECT_EQ(second[0][x], 5.0);
+}
+
+TEST_F(CurveCommand, ReadsItsOwnTablesBack) {
+    const Rows first = resultOf("0 0 1\n1 0 2\n\n5 5 3\n6 5.5 4\n7 5 1\n", "");
+    fs::rename(folder / "result.csv", folder / "again.csv");
+    EXPECT_EQ(result("again.csv"), first);
+}
+
+TEST_F(CurveCommand, ReadsGeoJson) {
+    write("in.json", R"({"type": "FeatureCollection", "features": [
+        {"type": "Feature", "geometry": null, "properties": {}},
+        {"type": "Feature", "properties": {"name": "river"}, "geometry":
+            {"type": "MultiLineString", "coordinates": [[[0, 0], [1, 1]], [[2, 2], [3, 3]]]}},
+        {"type": "Feature", "properties": null, "geometry": {"type": "Polygon",
+            "coordinates": [[[0, 0], [1, 0], [1, 1], [0, 0]]]}},
+        {"type": "Feature", "properties": {}, "geometry": {"type": "Point",
+            "coordinates": [9, 9]}}]})");
+    EXPECT_EQ(result("in.json").size(), 8U);
+    EXPECT_EQ(result("in.json --curve river").size(), 4U);
+}
+
+TEST_F(CurveCommand, ReadsGpxWithElevations) {
+    write("in.gpx", R"(<?xml version="1.0"?><gpx version="1.1"><trk><name>walk</name><trkseg>
+        <trkpt lat="45" lon="14"><ele>700</ele></trkpt><trkpt lat="46" lon="14"><ele>800</ele>
+        </trkpt></trkseg><trkseg/></trk></gpx>)");
+    const Rows rows = result("in.gpx --resample 3");
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[1][x], 14.0);
+    EXPECT_EQ(rows[1][y], 45.5);
+    EXPECT_EQ(rows[1][firstData], 750.0);
+}
+
+TEST_F(CurveCommand, JoinsUnorderedSegments) {
+    vtkNew<vtkPolyData> slice;
+    vtkNew<vtkPoints> points;
+    vtkNew<vtkCellArray> cells;
+    for (int i = 0; i < 5; ++i) {
+        points->InsertNextPoint(i * i, 0.0, 0.0);
+    }
+    for (const auto& [a, b] : {std::pair{3, 2}, {0, 1}, {4, 3}, {1, 2}}) {
+        const vtkIdType ids[2] = {a, b};
+        cells->InsertNextCell(2, ids);
+    }
+    slice->SetPoints(points);
+    slice->SetLines(cells);
+    vtkNew<vtkXMLPolyDataWriter> writer;
+    writer->SetInputData(slice);
+    writer->SetFileName((folder / "slice.vtp").c_str());
+    writer->Write();
+    const Rows rows = result("slice.vtp");
+    ASSERT_EQ(rows.size(), 5U);
+    EXPECT_EQ(rows[3][x], 9.0);
+}
+
+// -- Operations ----
+
+TEST_F(CurveCommand, ResampledPointsTakeTheirDataByS) {
+    const Rows rows = resultOf(kCorner, "--resample 5");
+    ASSERT_EQ(rows.size(), 5U);
+    EXPECT_EQ(rows[3], (std::vector<double>{1, 2, 1, 0, 0.75, 30}));
+}
+
+TEST_F(CurveCommand, OperationsAreDoneInTheOrderGiven) {
+    EXPECT_EQ(resultOf(kCorner, "--cut 0 0.5 --resample 3").size(), 3U);
+    EXPECT_EQ(resultOf(kCorner, "--cut 0 0.5 --resample 3")[1][x], 1.0);
+    EXPECT_EQ(resultOf(kCorner, "--resample 3 --cut 0.25 0.5")[0][firstData], 10.0);
+    EXPECT_EQ(resultOf(kCorner, "--resample 9 --resample 3 --resample 5").size(), 5U);
+    EXPECT_EQ(resultOf(kCorner, "--reverse --cut 0 0.25 --reverse")[1][y], 2.0);
+}
+
+TEST_F(CurveCommand, CleaningKeepsTheDataOfTheRemainingPoints) {
+    const std::string repeated = "x,y,t\n0,0,1\n1,0,2\n1,0,3\n2,0,4\n2,0,5\n";
+    const Rows unique = resultOf(repeated, "--unique");
+    ASSERT_EQ(unique.size(), 3U);
+    EXPECT_EQ(unique[1][firstData], 2.0);
+    EXPECT_EQ(unique[2][firstData], 5.0);
+    EXPECT_EQ(resultOf(repeated, "--clean").size(), 3U);
+    EXPECT_EQ(resultOf("x,y\n0,0\n2,0\n1,0\n3,0\n", "--continuous").size(), 3U);
+}
+
+TEST_F(CurveCommand, ReversesDataWithThePoints) {
+    const Rows rows = resultOf(kCorner, "--reverse");
+    EXPECT_EQ(rows[0][y], 2.0);
+    EXPECT_EQ(rows[0][firstData], 40.0);
+}
+
+TEST_F(CurveCommand, TessellatesExtendsTurnsAndConverts) {
+    EXPECT_EQ(resultOf(kCorner, "--tessellate 0.25").size(), 5U);
+    EXPECT_EQ(resultOf(kCorner, "--tessellate 0.25")[1][firstData], 10.0);
+    EXPECT_NEAR(resultOf(kCorner, "--extend 0.5")[0][x], -2.0, 1e-12);
+    EXPECT_NEAR(resultOf(kCorner, "--rotate 0,0,0 0,0,2 90")[1][y], 2.0, 1e-12);
+    const Rows art = resultOf("x,y,z\n1,0,5\n0,1,6\n", "--art 0,0,0 0,0,1");
+    EXPECT_NEAR(art[1][x], 6.0, 1e-6);
+    EXPECT_NEAR(art[1][y], 1.0, 1e-6);
+    EXPECT_NEAR(std::abs(art[1][z]), std::acos(0.0), 1e-6);
+    EXPECT_EQ(resultOf(kCorner, "--dim 1")[2][y], 0.0);
+}
+
+TEST_F(CurveCommand, SimplifyPrintsTheKeptIndices) {
+    write("in.csv", "x,y\n0,0\n1,0.1\n2,1\n3,0.1\n4,0\n");
+    const auto run = qel("curve in.csv --simplify 3 -o result.csv");
+    EXPECT_NE(run.out.find("in: kept 3 of 5 points: 0 2 4"), std::string::npos) << run.out;
+    EXPECT_EQ(rows(text("result.csv")).size(), 3U);
+    // The point that brings the rest within the tolerance is kept as well.
+    EXPECT_NE(qel("curve in.csv --simplify 5,0.5").out.find("kept 4 of 5"), std::string::npos);
+}
+
+TEST_F(CurveCommand, ProjectsIntersectsAndPrints) {
+    write("in.csv", "x,y\n0,0\n10,0\n");
+    write("probes.csv", "x,y\n4,3\n");
+    EXPECT_NE(qel("curve in.csv --project probes.csv").out.find("4,3,0,4,0,0,0.4,3"),
+              std::string::npos);
+    write("other.csv", "x,y\n5,-1\n5,1\n");
+    EXPECT_NE(qel("curve in.csv --intersect other.csv").out.find("in x other: 5,0,0"),
+              std::string::npos);
+    write("far.csv", "x,y\n50,-1\n50,1\n");
+    EXPECT_NE(qel("curve in.csv --intersect far.csv").out.find("no crossing"), std::string::npos);
+    EXPECT_NE(qel("curve in.csv --print").out.find("1.0000000e+01"), std::string::npos);
+}
+
+// -- Writing ----
+
+TEST_F(CurveCommand, WritesPolydataAndTheTextExport) {
+    write("in.csv", kCorner);
+    ASSERT_EQ(qel("curve in.csv --resample 4 -o out.vtp").status, 0);
+    vtkNew<vtkXMLPolyDataReader> reader;
+    reader->SetFileName((folder / "out.vtp").c_str());
+    reader->Update();
+    EXPECT_EQ(reader->GetOutput()->GetNumberOfLines(), 1);
+    EXPECT_NE(reader->GetOutput()->GetPointData()->GetArray("t"), nullptr);
+
+    ASSERT_EQ(qel("curve in.csv -o out.txt").status, 0);
+    EXPECT_EQ(text("out.txt").substr(0, 47), "0.000000000e+00 0.000000000e+00 0.000000000e+00");
+    ASSERT_EQ(qel("curve out.txt --unique -o out.vtk").status, 0);
+    EXPECT_EQ(result("out.vtk").size(), 3U);
+    EXPECT_EQ(files(),
+              (std::vector<std::string>{"in.csv", "out.txt", "out.vtk", "out.vtp", "result.csv"}));
+}
+
+TEST_F(CurveCommand, DrawsTheCurveBeforeAndAfter) {
+    write("in.csv", kCorner);
+    ASSERT_EQ(qel("curve in.csv --resample 4 --image p.png").status, 0);
+    qel_test::expectPicture((folder / "p.png").string());
+    ASSERT_EQ(qel("curve in.csv --resample 4 --image p.svg").status, 0);
+    const std::string svg = text("p.svg");
+    EXPECT_NE(svg.find("before: 3 points"), std::string::npos);
+    EXPECT_NE(svg.find("after: 4 points"), std::string::npos);
+    EXPECT_EQ(svg.substr(svg.size() - 7), "</svg>\n");
+}
+
+} // namespace
