@@ -15,6 +15,9 @@ from table import count, document
 
 def draw_picture(rows, path):
     """True if the picture was written; says why where not."""
+    if not any(row.best_peer for row in rows):
+        print("no picture: no peer stands beside the library")
+        return False
     try:
         from picture import draw
 

@@ -155,6 +155,7 @@ def check_files():
         check_in("lonely work", "`lonely` has peers", (path / "out.md").read_text(encoding="utf-8"))
         check_in("torn file", "`all of torn`", (path / "out.md").read_text(encoding="utf-8"))
         (path / "group.json").unlink()
+        check("picture of nothing", report.draw_picture([], path / "none.svg"), False)
         check("no results", report.main([folder, folder, str(path / "out.md")]), 1)
 
 
