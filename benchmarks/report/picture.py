@@ -36,7 +36,8 @@ def legend(axes, pyplot):
         pyplot.Rectangle((0, 0), 1, 1, color=LIMIT_COLOUR),
     ]
     texts = ["best peer's time / library's", "the same, peer ahead", "limit's time / library's"]
-    axes.legend(handles, texts, fontsize=7, loc="lower right")
+    axes.legend(handles, texts, fontsize=7, ncol=3, loc="lower right", bbox_to_anchor=(1.0, 1.0),
+                frameon=False)
 
 
 def draw(rows, path, count):
@@ -46,17 +47,20 @@ def draw(rows, path, count):
     matplotlib.use("Agg")
     matplotlib.rcParams["svg.hashsalt"] = "benchmarks"  # the same drawing for the same numbers
     from matplotlib import pyplot
+    from matplotlib.ticker import FormatStrFormatter
 
     shown = [row for row in rows if row.best_peer]
     groups = sorted({row.group for row in shown})
     heights = [sum(row.group == group for row in shown) for group in groups]
     figure, all_axes = pyplot.subplots(
-        len(groups), 1, figsize=(9, 0.7 * len(groups) + 0.24 * sum(heights)), squeeze=False,
-        gridspec_kw={"height_ratios": heights}, layout="constrained")
+        len(groups), 1, figsize=(9, 0.5 * len(groups) + 0.24 * sum(heights)), squeeze=False,
+        sharex=True, gridspec_kw={"height_ratios": heights}, layout="constrained")
     for axes, group in zip(all_axes[:, 0], groups):
         draw_rows(axes, [row for row in shown if row.group == group], count)
         axes.set_title(group, fontsize=9, loc="left")
     legend(all_axes[0, 0], pyplot)
+    all_axes[-1, 0].xaxis.set_major_formatter(FormatStrFormatter("%g"))
+    all_axes[-1, 0].tick_params(axis="x", labelsize=8)
     all_axes[-1, 0].set_xlabel("ratio of times, logarithmic; right of 1 the library is faster",
                                fontsize=8)
     figure.savefig(path, metadata={"Date": None} if str(path).endswith(".svg") else None)
