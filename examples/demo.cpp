@@ -1,12 +1,17 @@
-// Demonstration: a blade section as a curve. Builds the section from its published formula, and
-// shows its points, points at parameters, and the projection of probes.
+// Demonstration: a blade section as a curve. Builds the section from its published formula, shows
+// its points, points at parameters, and the projection of probes; then cleans, extends, resamples,
+// simplifies, cuts and exports it, and finds where it meets a line.
 
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
+#include <fstream>
 #include <iomanip>
 #include <iostream>
+#include <string>
 #include <vector>
 
+#include <qel/LineSegment2D.h>
 #include <qel/ParametricCurve.h>
 
 namespace {
@@ -81,6 +86,67 @@ void showProjections(const ParametricCurve& curve) {
     }
 }
 
+void tell(const char* what, const ParametricCurve& curve) {
+    std::cout << "  " << what << ": " << curve.getSize() << " points, length " << curve.getLength()
+              << "\n";
+}
+
+// Points as a measuring machine may deliver them: some twice.
+std::vector<Point> withRepeats(const std::vector<Point>& points) {
+    std::vector<Point> repeated;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        repeated.insert(repeated.end(), i % 10 == 5 ? 2 : 1, points[i]);
+    }
+    return repeated;
+}
+
+// The road of a section from its measured points to a curve for a mesh generator.
+ParametricCurve showPreparation(const std::vector<Point>& measured) {
+    std::cout << "\nPreparation of measured points\n";
+    ParametricCurve curve(measured, ParametricCurve::dim2D);
+    tell("as measured ", curve);
+    curve.eliminateDoublePoints(2);
+    tell("cleaned     ", curve);
+    curve.expandCurveBothEnds(0.01); // by a hundredth of its length, beyond the trailing edge
+    tell("extended    ", curve);
+    curve.tesselateCurvebySdistance(0.005);
+    tell("resampled   ", curve);
+    std::vector<int> kept;
+    curve.optimizeByNormalDistance(40, kept, 1e-4);
+    tell("simplified  ", curve);
+    return curve;
+}
+
+void showPiece(const ParametricCurve& curve) {
+    double s = 0.0;
+    curve.projectPoint(Point(0.0, 0.0, 0.0), s);
+    std::vector<Point> upperSide;
+    curve.getCurveBegin(s, upperSide);
+    std::cout << "\nThe upper side, cut at the leading edge, s = " << s << ": " << upperSide.size()
+              << " points\n";
+}
+
+void showCrossing(const ParametricCurve& curve) {
+    const qel::LineSegment2D station({0.25f, 0.0f}, {0.25f, 0.2f});
+    qel::TripletBase<float> crossing;
+    if (curve.intersectWithSegment(station, crossing)) {
+        std::cout << "\nAbove a quarter of the chord it meets the line at " << crossing << "\n";
+    }
+}
+
+void showExport(const ParametricCurve& curve) {
+    const std::string path = "naca2412.dat";
+    curve.exportToFile(path);
+    std::cout << "\nExported, the file begins\n";
+    std::ifstream file(path);
+    std::string line;
+    for (int i = 0; i < 3 && std::getline(file, line); ++i) {
+        std::cout << "  " << line << "\n";
+    }
+    file.close();
+    std::remove(path.c_str());
+}
+
 // What is wrong with an argument comes back as an exception that names place and reason.
 void showRefusal(const Point& point) {
     std::cout << "\nA curve of one point is refused\n";
@@ -96,7 +162,8 @@ void showRefusal(const Point& point) {
 
 int main() {
     const Section naca2412 = {0.02, 0.4, 0.12};
-    const ParametricCurve curve(sectionPoints(naca2412, 40), ParametricCurve::dim2D);
+    const std::vector<Point> points = sectionPoints(naca2412, 40);
+    const ParametricCurve curve(points, ParametricCurve::dim2D);
 
     std::cout << std::fixed << std::setprecision(5);
     std::cout << "NACA 2412: " << curve.getSize() << " points, length " << curve.getLength()
@@ -104,5 +171,9 @@ int main() {
     listCurve(curve, 8);
     showPointsAtParameters(curve);
     showProjections(curve);
+    const ParametricCurve prepared = showPreparation(withRepeats(points));
+    showPiece(prepared);
+    showCrossing(prepared);
+    showExport(prepared);
     showRefusal(curve.getFirstPoint());
 }

@@ -126,6 +126,11 @@ const bool registered = [] {
             add(work, "read", readValues, kind, n);
         }
     }
+    // The growth with n.
+    for (std::size_t n = 1000; n <= 10000000; n *= 10) {
+        add("pressure", "qel", qelStatistics, Kind::pressure, n);
+        add("velocity", "qel", qelStatistics, Kind::velocity, n);
+    }
     return true;
 }();
 

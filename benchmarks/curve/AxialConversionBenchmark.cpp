@@ -5,6 +5,7 @@
 
 #include "support/Bandwidth.h"
 #include "support/Curves.h"
+#include "support/Sizes.h"
 
 #if defined(QEL_BENCHMARK_HAS_EIGEN)
 #include <Eigen/Geometry>
@@ -75,7 +76,7 @@ void rotateBoost(benchmark::State& state) {
 BENCHMARK(rotateBoost)->Name("rotate/boost")->Arg(30000)->Arg(5000000);
 #endif
 
-BENCHMARK(rotateQel)->Name("rotate/qel")->Arg(30000)->Arg(5000000);
+BENCHMARK(rotateQel)->Name("rotate/qel")->Arg(30000)->Arg(5000000)->Apply(growthSizes);
 BENCHMARK(rotateCopy)->Name("rotate/copy")->Arg(30000)->Arg(5000000);
 
 } // namespace

@@ -10,6 +10,7 @@
 
 #include "support/Bandwidth.h"
 #include "support/Curves.h"
+#include "support/Sizes.h"
 
 namespace {
 
@@ -69,7 +70,11 @@ void removeRepeatsCopy(benchmark::State& state) {
     measureCopy(state, withRepeats(static_cast<std::size_t>(state.range(0))));
 }
 
-BENCHMARK(removeRepeatsQel)->Name("removeRepeats/qel")->Arg(30000)->Arg(5000000);
+BENCHMARK(removeRepeatsQel)
+    ->Name("removeRepeats/qel")
+    ->Arg(30000)
+    ->Arg(5000000)
+    ->Apply(growthSizes);
 BENCHMARK_CAPTURE(removeRepeatsStd, alone, false)
     ->Name("removeRepeats/std")
     ->Arg(30000)

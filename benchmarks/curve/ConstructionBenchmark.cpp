@@ -41,7 +41,7 @@ void arcLengthQel(benchmark::State& state) {
     }
     countPoints(state);
 }
-BENCHMARK(arcLengthQel)->Name("arcLength/qel")->Apply(sizes);
+BENCHMARK(arcLengthQel)->Name("arcLength/qel")->Apply(sizes)->Arg(100000)->Arg(10000000);
 
 void constructQel(benchmark::State& state) {
     const Points points = pointsOf(state);

@@ -8,6 +8,7 @@
 
 #include "support/Bandwidth.h"
 #include "support/Curves.h"
+#include "support/Sizes.h"
 
 #if defined(QEL_BENCHMARK_HAS_GEOS)
 #include <geos/geom/Coordinate.h>
@@ -76,7 +77,7 @@ void cutGeos(benchmark::State& state) {
 BENCHMARK(cutGeos)->Name("cut/geos")->Arg(30000)->Arg(5000000);
 #endif
 
-BENCHMARK(cutQel)->Name("cut/qel")->Arg(30000)->Arg(5000000);
+BENCHMARK(cutQel)->Name("cut/qel")->Arg(30000)->Arg(5000000)->Apply(growthSizes);
 BENCHMARK(cutCopy)->Name("cut/copy")->Arg(30000)->Arg(5000000);
 
 } // namespace

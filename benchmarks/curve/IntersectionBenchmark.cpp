@@ -16,9 +16,7 @@
 #endif
 
 #if defined(QEL_BENCHMARK_HAS_BOOST)
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/linestring.hpp>
-#include <boost/geometry/geometries/point_xy.hpp>
+#include "support/BoostLines.h"
 #endif
 
 namespace {
@@ -113,20 +111,10 @@ void crossingAgainGeos(benchmark::State& state, bool crosses) {
 
 #if defined(QEL_BENCHMARK_HAS_BOOST)
 namespace bg = boost::geometry;
-using Line = bg::model::linestring<bg::model::d2::point_xy<double>>;
-
-Line boostLine(const Points& points) {
-    Line line;
-    line.reserve(points.size());
-    for (const Point& p : points) {
-        line.emplace_back(p.x, p.y);
-    }
-    return line;
-}
 
 void crossingBoost(benchmark::State& state, bool crosses) {
-    const Line a = boostLine(wave(pointsOf(state)));
-    const Line b = boostLine(besideWave(pointsOf(state), crosses));
+    const BoostLine a = boostLine(wave(pointsOf(state)));
+    const BoostLine b = boostLine(besideWave(pointsOf(state), crosses));
     for (auto _ : state) {
         if (bg::intersects(a, b) != crosses) {
             state.SkipWithError("wrong answer");

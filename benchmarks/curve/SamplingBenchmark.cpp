@@ -8,6 +8,7 @@
 
 #include "support/Bandwidth.h"
 #include "support/Curves.h"
+#include "support/Sizes.h"
 
 #if defined(QEL_BENCHMARK_HAS_BOOST)
 #include <boost/geometry.hpp>
@@ -86,15 +87,18 @@ BENCHMARK(resampleBoost)->Name("resample/boost")->Arg(30000)->Arg(5000000);
 BENCHMARK_CAPTURE(resampleQel, even, evenParameters)
     ->Name("resample/qel")
     ->Arg(30000)
-    ->Arg(5000000);
+    ->Arg(5000000)
+    ->Apply(growthSizes);
 BENCHMARK(resampleCopy)->Name("resample/copy")->Arg(30000)->Arg(5000000);
 BENCHMARK_CAPTURE(resampleQel, sorted, sortedParameters)
     ->Name("resampleSorted/qel")
     ->Arg(30000)
-    ->Arg(5000000);
+    ->Arg(5000000)
+    ->Apply(growthSizes);
 BENCHMARK_CAPTURE(resampleQel, random, randomParameters)
     ->Name("resampleUnsorted/qel")
     ->Arg(30000)
-    ->Arg(5000000);
+    ->Arg(5000000)
+    ->Apply(growthSizes);
 
 } // namespace

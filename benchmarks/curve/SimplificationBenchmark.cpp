@@ -8,9 +8,7 @@
 #include "support/Curves.h"
 
 #if defined(QEL_BENCHMARK_HAS_BOOST)
-#include <boost/geometry.hpp>
-#include <boost/geometry/geometries/linestring.hpp>
-#include <boost/geometry/geometries/point_xy.hpp>
+#include "support/BoostLines.h"
 #endif
 
 namespace {
@@ -18,17 +16,6 @@ namespace {
 using namespace qel_benchmark;
 
 constexpr std::size_t kCount = 100000;
-
-// In the plane, for the peers; rough enough that k points are a choice.
-Points roughWave(std::size_t n) {
-    std::mt19937 random(kSeed);
-    std::uniform_real_distribution<double> shift(-0.002, 0.002);
-    Points points = wave(n);
-    for (Point& p : points) {
-        p.y += shift(random);
-    }
-    return points;
-}
 
 void simplifyQel(benchmark::State& state, std::size_t n) {
     const qel::ParametricCurve whole(roughWave(n), qel::ParametricCurve::dim2D);
@@ -50,24 +37,14 @@ void simplifyRead(benchmark::State& state) {
 
 #if defined(QEL_BENCHMARK_HAS_BOOST)
 namespace bg = boost::geometry;
-using Line = bg::model::linestring<bg::model::d2::point_xy<double>>;
-
-Line lineOf(const Points& points) {
-    Line line;
-    line.reserve(points.size());
-    for (const Point& p : points) {
-        line.emplace_back(p.x, p.y);
-    }
-    return line;
-}
 
 // The tolerance that leaves k points, by halving the range of its logarithm.
-double toleranceFor(const Line& line, std::size_t k) {
+double toleranceFor(const BoostLine& line, std::size_t k) {
     double low = 1e-9;
     double high = 10.0;
     for (int step = 0; step < 40; ++step) {
         const double middle = std::sqrt(low * high);
-        Line out;
+        BoostLine out;
         bg::simplify(line, out, middle);
         (out.size() > k ? low : high) = middle;
     }
@@ -75,9 +52,9 @@ double toleranceFor(const Line& line, std::size_t k) {
 }
 
 void simplifyBoost(benchmark::State& state) {
-    const Line line = lineOf(roughWave(kCount));
+    const BoostLine line = boostLine(roughWave(kCount));
     const double tolerance = toleranceFor(line, static_cast<std::size_t>(state.range(0)));
-    Line out;
+    BoostLine out;
     for (auto _ : state) {
         out.clear();
         bg::simplify(line, out, tolerance);

@@ -11,6 +11,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "nearest/CgalLocator.h"
 #include "nearest/Clouds.h"
 #include "nearest/Locators.h"
 
@@ -89,6 +90,9 @@ const bool registered = [] {
 #endif
 #ifdef QEL_BENCHMARK_HAS_BOOST
             registerLocator<BoostLocator>(kind, n);
+#endif
+#ifdef QEL_BENCHMARK_HAS_CGAL
+            registerLocator<CgalLocator>(kind, n);
 #endif
         }
     }

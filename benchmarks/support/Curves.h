@@ -66,6 +66,17 @@ inline Points wave(std::size_t n) {
     return points;
 }
 
+// The wave with every y moved a little, so that which points matter most is a choice.
+inline Points roughWave(std::size_t n) {
+    std::mt19937 random(kSeed);
+    std::uniform_real_distribution<double> shift(-0.002, 0.002);
+    Points points = wave(n);
+    for (Point& p : points) {
+        p.y += shift(random);
+    }
+    return points;
+}
+
 // m probes along a curve, each moved by up to an amplitude: what a neighbouring grid line or the
 // same section of another solution asks for.
 inline Points probesAlong(const Points& curve, std::size_t m, double amplitude = 0.01) {

@@ -68,11 +68,12 @@ int addOwn(const char* work, Operation operation) {
     });
 }
 
-// Copies as many bytes as the work reads and writes at each point.
+// A copy that moves as many bytes as the work reads and writes at each point: half of them are
+// read and half written.
 template <std::size_t bytes>
 int addCopy(const char* work) {
     struct Item {
-        char content[bytes];
+        char content[bytes / 2];
     };
     for (const std::size_t n : kSizes) {
         const std::string name = std::string(work) + "/copy/" + std::to_string(n);

@@ -63,6 +63,24 @@ inline Point pointBetween(const Point& pLo, const Point& pHi, double sLo, double
     return pLo + (pHi - pLo) * t;
 }
 
+/// Point at s; outside the range, the nearer end point. Also tells the hi of its bracket, unless
+/// the answer is an end point. O(log n).
+inline Point pointAtParameter(const Points& points, const std::vector<double>& svalues, double s,
+                              std::size_t& hi) {
+    if (s > svalues.back()) {
+        s = svalues.back(); // where all s-values are equal, the first point answers
+    }
+    if (!(s > svalues.front())) {
+        return points.front();
+    }
+    if (!(s < svalues.back())) {
+        return points.back();
+    }
+    const Bracket bracket = bracketOf(svalues, s);
+    hi = bracket.hi;
+    return pointBetween(points[bracket.lo], points[hi], svalues[bracket.lo], svalues[hi], s);
+}
+
 } // namespace qel
 
 #endif

@@ -88,17 +88,8 @@ Point ParametricCurve::interpolateOnS(double s, std::size_t& lo, std::size_t& hi
 }
 
 Point ParametricCurve::getPointAtParameter(double s) const {
-    if (s > svalues_.back()) {
-        s = svalues_.back(); // where all s-values are equal, the first point answers
-    }
-    if (!(s > svalues_.front())) {
-        return points_.front();
-    }
-    if (!(s < svalues_.back())) {
-        return points_.back();
-    }
-    const auto [lo, hi] = bracketOf(svalues_, s);
-    return pointBetween(points_[lo], points_[hi], svalues_[lo], svalues_[hi], s);
+    std::size_t hi = 0;
+    return pointAtParameter(points_, svalues_, s, hi);
 }
 
 int ParametricCurve::getClosestToSvaluePoint(double s) const {

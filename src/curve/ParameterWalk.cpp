@@ -11,18 +11,7 @@ bool ParameterWalk::inOrder(const std::vector<double>& svalues) {
 }
 
 Point ParameterWalk::at(double s) {
-    if (s > svalues_.back()) {
-        s = svalues_.back(); // where all s-values are equal, the first point answers
-    }
-    if (!(s > svalues_.front())) {
-        return points_.front();
-    }
-    if (!(s < svalues_.back())) {
-        return points_.back();
-    }
-    const auto [lo, hi] = bracketOf(svalues_, s);
-    hi_ = hi;
-    return pointBetween(points_[lo], points_[hi], svalues_[lo], svalues_[hi], s);
+    return pointAtParameter(points_, svalues_, s, hi_);
 }
 
 } // namespace qel

@@ -99,9 +99,10 @@ TEST(Vector, CrossIsRightHanded) {
 
 TEST(Vector, MayBeItsOwnOperand) {
     Vector v(1.0, -2.0, 3.0);
-    v += v;
+    const Vector& itself = v;
+    v += itself;
     EXPECT_TRUE(sameVector(v, 2.0, -4.0, 6.0));
-    v -= v;
+    v -= itself;
     EXPECT_TRUE(sameVector(v, 0.0, 0.0, 0.0));
 }
 
