@@ -71,7 +71,7 @@ public:
             const double step = tickStep(frame_.high[axis] - frame_.low[axis]);
             for (double k = std::ceil(frame_.low[axis] / step); k * step <= frame_.high[axis];
                  ++k) {
-                addTick(axis, k * step);
+                addTick(axis, k * step + 0.0); // no minus before a zero
             }
         }
         out_ << "<rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\"" << kRight - kLeft

@@ -96,6 +96,24 @@ vtkSmartPointer<vtkDataObject> without(vtkDataObject* data, const std::set<Field
     });
 }
 
+// The data with these fields alone, so that the picture has the memory of the others.
+vtkSmartPointer<vtkDataObject> only(vtkDataObject* data, const std::set<Field>& fields,
+                                    int association) {
+    return changeLeaves(data, [&](const Leaf& leaf) {
+        auto copy = vtk::TakeSmartPointer(leaf.data->NewInstance());
+        copy->CopyStructure(leaf.data);
+        for (const Field field : fields) {
+            const auto index = static_cast<std::size_t>(field);
+            vtkDataArray* array = leaf.data->GetAttributes(association)
+                                      ->GetArray(vtkQELVortex::fields()[index].array);
+            if (array != nullptr) {
+                copy->GetAttributes(association)->AddArray(array);
+            }
+        }
+        return copy;
+    });
+}
+
 } // namespace
 
 void runVortex(const VortexOptions& options) {
@@ -140,6 +158,7 @@ void runVortex(const VortexOptions& options) {
     }
     writeStatistics(options.stats, statistics);
     if (!options.image.empty()) {
+        analysis.data = only(analysis.data, {choice.field, choice.colour}, velocity.association);
         drawVortices(analysis.data, velocity.association, choice, options.image);
         stages.done("picture");
     }

@@ -324,8 +324,9 @@ void drawSpace(const Scene& scene, const PictureChoice& choice, const double bou
     }
     auto colours = sequentialColours();
     const std::vector<double> sample = sortedSample(surfaces, colour);
-    const double least = quantile(sample, 1.0 - kColourShare);
     const double most = quantile(sample, kColourShare);
+    // Differences of a few per cent are not to look like great ones.
+    const double least = std::min(quantile(sample, 1.0 - kColourShare), 0.5 * most);
     colours->SetTableRange(least, most > least ? most : least + 1.0);
 
     Picture picture(bounds);

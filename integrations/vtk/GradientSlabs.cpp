@@ -80,8 +80,8 @@ GradientSlabs::GradientSlabs(vtkDataSet* input, vtkDataArray* velocity, int asso
     const bool onCells = association == vtkDataObject::FIELD_ASSOCIATION_CELLS;
     layers_ = std::max(dimensions_[axis_] - (onCells ? 1 : 0), 1);
     layerSize_ = velocity->GetNumberOfTuples() / layers_;
-    const vtkIdType needed = wanted / std::max<vtkIdType>(layerSize_, 1) + 1;
-    layersInSlab_ = static_cast<int>(std::min<vtkIdType>(layers_, needed));
+    const vtkIdType full = wanted / std::max<vtkIdType>(layerSize_, 1);
+    layersInSlab_ = full < layers_ ? static_cast<int>(full) + 1 : layers_;
     count_ = (layers_ + layersInSlab_ - 1) / layersInSlab_;
 }
 

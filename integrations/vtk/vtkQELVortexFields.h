@@ -12,7 +12,7 @@ namespace vtkQELVortex {
 /// T is the velocity gradient, T_ij = du_i/dx_j. l is the real eigenvalue and e its unit
 /// eigenvector, s the imaginary part of the complex pair of eigenvalues (the swirl strength), n the
 /// unit normal of the plane of swirl, w the vorticity; e and n never point against w.
-enum Field : int {
+enum Field : unsigned {
     Q = 0,              ///< second invariant, ((tr T)^2 - tr(T^2)) / 2
     QCriterion,         ///< -tr(T^2) / 2, what vtkGradientFilter calls Q-criterion
     Divergence,         ///< tr T
