@@ -5,7 +5,8 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
-#include <regex>
+
+#include <vtksys/RegularExpression.hxx>
 
 #include "Console.h"
 
@@ -105,10 +106,8 @@ FileKind recognise(const std::string& path) {
 }
 
 std::string xmlVtkType(const std::string& path) {
-    static const std::regex type("<VTKFile[^>]*\\stype=\"([^\"]*)\"");
-    const std::string head = headOf(path);
-    std::smatch found;
-    return std::regex_search(head, found, type) ? found[1].str() : std::string();
+    vtksys::RegularExpression type("<VTKFile[^>]*[ \t\r\n]type=\"([^\"]*)\"");
+    return type.find(headOf(path)) ? type.match(1) : std::string();
 }
 
 } // namespace program

@@ -1,12 +1,13 @@
 // VTK's errors and warnings, kept instead of shown.
 #include "VtkMessages.h"
 
-#include <regex>
+#include <sstream>
 
 #include <vtkLogger.h>
 #include <vtkNew.h>
 #include <vtkObjectFactory.h>
 #include <vtkOutputWindow.h>
+#include <vtksys/RegularExpression.hxx>
 
 namespace program {
 namespace {
@@ -29,17 +30,28 @@ public:
 
 vtkStandardNewMacro(KeepingWindow);
 
+std::string without(std::string text, const char* pattern) {
+    vtksys::RegularExpression found(pattern);
+    while (found.find(text)) {
+        text.erase(found.start(), found.end() - found.start());
+    }
+    return text;
+}
+
+std::string wordsInOneLine(const std::string& text) {
+    std::istringstream words(text);
+    std::string line;
+    for (std::string word; words >> word;) {
+        line += line.empty() ? word : " " + word;
+    }
+    return line;
+}
+
 // "ERROR: In file.cxx, line 12\nvtkReader (0x55d0): Cannot read.\n\n" becomes "Cannot read."
 std::string oneLine(const std::string& text) {
-    static const std::regex origin(R"((ERROR|Warning|Generic Warning): In [^\n]*, line \d+\s*)");
-    static const std::regex object(R"(\w+ \(0x[0-9a-f]+\): )");
-    static const std::regex space(R"(\s+)");
-    std::string line = std::regex_replace(text, origin, "");
-    line = std::regex_replace(line, object, "");
-    line = std::regex_replace(line, space, " ");
-    line.erase(0, line.find_first_not_of(' '));
-    line.erase(line.find_last_not_of(' ') + 1);
-    return line;
+    const std::string said =
+        without(text, "(ERROR|Warning|Generic Warning): In [^\n]*, line [0-9]+[ \t\r\n]*");
+    return wordsInOneLine(without(said, "[A-Za-z0-9_]+ \\(0x[0-9a-f]+\\): "));
 }
 
 } // namespace
