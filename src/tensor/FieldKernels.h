@@ -28,12 +28,15 @@ struct Rows {
     const TripletBase<float>* row3;
 
     QEL_KERNEL Gradient at(std::size_t k) const { return gradientOf(row1[k], row2[k], row3[k]); }
+    QEL_KERNEL Rows after(std::size_t n) const { return {row1 + n, row2 + n, row3 + n}; }
 };
 
 /// Floats in memory, each `stride` behind the one before: 1 or 3.
 struct FloatRun {
     float* first;
     std::size_t stride;
+
+    QEL_KERNEL FloatRun after(std::size_t n) const { return {first + n * stride, stride}; }
 };
 
 QEL_KERNEL void load(const FloatRun& run, std::size_t from, std::size_t count, float* block) {

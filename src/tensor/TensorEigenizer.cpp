@@ -2,8 +2,8 @@
 //
 // An operation is a formula at one point (PointFormulas.h, RootFormulas.h) in the loop below that
 // goes through the arrays' own operations. Arrays of the library's own kinds that share no memory
-// take the same formula through the vector units (FieldKernels.h, RootKernels.h), with the same
-// result.
+// take the same formula through the vector units (FieldKernels.h, SplitRows.h, RootKernels.h), with
+// the same result.
 
 #include <qel/TensorEigenizer.h>
 
@@ -13,6 +13,7 @@
 #include "tensor/PointFormulas.h"
 #include "tensor/RootFormulas.h"
 #include "tensor/RootKernels.h"
+#include "tensor/SplitRows.h"
 
 namespace qel {
 namespace {
@@ -58,7 +59,8 @@ void storeEach(std::size_t n, Output& out, const Formula& formula) {
 
 // -- A formula of the tensor alone ----
 
-template <float (*Formula)(const Gradient&), typename Kernel = FloatKernel<Formula>>
+template <float (*Formula)(const Gradient&), typename Kernel = FloatKernel<Formula>,
+          typename Split = Kernel>
 void evaluate(const Field& field, FloatQELVector& out) {
     out.resize(field.n);
     if (field.n == 0) {
@@ -68,11 +70,16 @@ void evaluate(const Field& field, FloatQELVector& out) {
         const FloatRun run = runOf(out, field.n);
         const Rows rows = field.rows();
         if (standsApartFromRows(Footprint(run, field.n), rows, field.n)) {
-            onVectorUnit<Kernel>(rows, field.n, run);
+            onVectorUnitSplit<Kernel, Split>(rows, field.n, run);
             return;
         }
     }
     storeEach(field.n, out, [&](std::size_t k) { return Formula(field.at(k)); });
+}
+
+template <float (*Formula)(const Gradient&)>
+void evaluateSplit(const Field& field, FloatQELVector& out) {
+    evaluate<Formula, FloatKernel<Formula>, SplitFloatKernel<Formula>>(field, out);
 }
 
 // -- A formula of the tensor, the real eigenvalue and the swirl strength ----
@@ -130,15 +137,15 @@ TensorEigenizer::~TensorEigenizer() = default;
 // -- Invariants and products ----
 
 void TensorEigenizer::getInvariantQ(FloatQELVector& out) const {
-    evaluate<invariantQ>({n_, *row1_, *row2_, *row3_}, out);
+    evaluateSplit<invariantQ>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDivergence(FloatQELVector& out) const {
-    evaluate<divergence>({n_, *row1_, *row2_, *row3_}, out);
+    evaluateSplit<divergence>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDiscrim(FloatQELVector& out) const {
-    evaluate<discriminant>({n_, *row1_, *row2_, *row3_}, out);
+    evaluateSplit<discriminant>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getVorticity(TripletQELVector& out) const {
@@ -150,7 +157,7 @@ void TensorEigenizer::getVorticity(TripletQELVector& out) const {
     Triplet* const run = runOf(out, n_);
     const Rows rows = field.rows();
     if (standsApartFromRows(Footprint(run, n_), rows, n_)) {
-        onVectorUnit<VorticityKernel>(rows, n_, run);
+        onVectorUnitSplit<VorticityKernel, SplitVorticityKernel>(rows, n_, run);
     } else {
         storeEach(n_, out, [&](std::size_t k) { return vorticity(field.at(k)); });
     }
@@ -168,7 +175,7 @@ void TensorEigenizer::getHelicity(TripletQELVector& velocity, FloatQELVector& ou
         const Rows rows = field.rows();
         const Footprint output(run, n_);
         if (standsApartFromRows(output, rows, n_) && standsApart(output, Footprint(input, n_))) {
-            onVectorUnit<HelicityKernel>(rows, n_, input, run);
+            onVectorUnitSplit<HelicityKernel, SplitHelicityKernel>(rows, n_, input, run);
             return;
         }
     }

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 #include <qel/TensorEigenizer.h>
 
@@ -140,6 +141,28 @@ TEST_P(VectorUnits, EveryLength) {
     for (const std::size_t n : lengths) {
         SCOPED_TRACE(n);
         checkAll(mixedTensors(n, 67 + static_cast<unsigned>(n)));
+    }
+}
+
+// Every third float as output, at lengths that leave some over on both sides of whole groups.
+TEST_P(VectorUnits, OutputsWithinTriplets) {
+    const std::size_t lengths[] = {5, 40, 75, 300, 1000};
+    for (const std::size_t n : lengths) {
+        SCOPED_TRACE(n);
+        const Field field(mixedTensors(n, 71));
+        const TensorEigenizer t = field.eigenizer();
+        TripletQELVector triplets = field.row1, velocity = field.row2;
+        qel::FloatQELVectorComponent view(triplets, 1);
+        FloatQELVectorConcrete own;
+        const auto same = [&] { return sameBitsInAll(valuesOf(own), valuesOf(view)); };
+        t.getInvariantQ(own), t.getInvariantQ(view);
+        EXPECT_TRUE(same()) << "Q";
+        t.getDivergence(own), t.getDivergence(view);
+        EXPECT_TRUE(same()) << "divergence";
+        t.getDiscrim(own), t.getDiscrim(view);
+        EXPECT_TRUE(same()) << "discriminant";
+        t.getHelicity(velocity, own), t.getHelicity(velocity, view);
+        EXPECT_TRUE(same()) << "helicity";
     }
 }
 
