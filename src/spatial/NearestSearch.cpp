@@ -13,6 +13,10 @@
 
 #include "platform/VectorUnit.h"
 
+#if defined(QEL_VECTOR_UNITS)
+#include <emmintrin.h>
+#endif
+
 namespace qel {
 namespace {
 
@@ -45,31 +49,92 @@ QEL_KERNEL std::int32_t lesser(std::int32_t a, std::int32_t b) {
 }
 
 #if defined(QEL_VECTOR_UNITS)
-// In four vectors of four: compilers make a chain of 16 steps of the plain loop.
+// In four vectors of four: compilers make a chain of 16 steps of the plain loops.
 typedef std::int32_t Four __attribute__((vector_size(16)));
 
+struct Lanes {
+    Four part[4];
+};
+
+QEL_KERNEL Four lesser(Four a, Four b) {
+    return a < b ? a : b;
+}
+
+QEL_KERNEL std::int32_t least(const Lanes& v) {
+    const Four four = lesser(lesser(v.part[0], v.part[1]), lesser(v.part[2], v.part[3]));
+    const Four two = lesser(four, Four{four[2], four[3], four[2], four[3]});
+    return lesser(two, Four{two[1], two[1], two[1], two[1]})[0];
+}
+
 QEL_KERNEL std::int32_t least(const std::int32_t* values) {
-    Four v[4];
-    std::memcpy(v, values, sizeof(v));
-    const Four a = v[0] < v[1] ? v[0] : v[1];
-    const Four b = v[2] < v[3] ? v[2] : v[3];
-    const Four c = a < b ? a : b;
-    return lesser(lesser(c[0], c[1]), lesser(c[2], c[3]));
+    Lanes v;
+    std::memcpy(&v, values, sizeof(v));
+    return least(v);
+}
+
+// The least of those above a bound; kDone if none is.
+QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
+    const Four bounds = {bound, bound, bound, bound};
+    const Four done = {kDone, kDone, kDone, kDone};
+    Lanes v;
+    std::memcpy(&v, values, sizeof(v));
+    for (Four& four : v.part) {
+        four = four > bounds ? four : done;
+    }
+    return least(v);
+}
+
+// A bit for each lane that holds the value.
+QEL_KERNEL unsigned lanesAt(std::int32_t value, const std::int32_t* values) {
+    const __m128i wanted = _mm_set1_epi32(value);
+    unsigned lanes = 0;
+    for (int i = 0; i < kLanes; i += 4) {
+        const __m128i four = _mm_load_si128(reinterpret_cast<const __m128i*>(values + i));
+        const int mask = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted)));
+        lanes |= static_cast<unsigned>(mask) << i;
+    }
+    return lanes;
+}
+
+QEL_KERNEL int firstLane(unsigned lanes) {
+    return __builtin_ctz(lanes);
 }
 #else
-QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
     std::int32_t result = kDone;
     for (int i = 0; i < kLanes; ++i) {
-        result = lesser(result, values[i]);
+        result = values[i] > bound ? lesser(result, values[i]) : result;
     }
     return result;
 }
+
+QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+    return leastAbove(-1, values); // none is negative
+}
+
+QEL_KERNEL unsigned lanesAt(std::int32_t value, const std::int32_t* values) {
+    unsigned lanes = 0;
+    for (int i = 0; i < kLanes; ++i) {
+        lanes |= static_cast<unsigned>(values[i] == value) << i;
+    }
+    return lanes;
+}
+
+QEL_KERNEL int firstLane(unsigned lanes) {
+    int lane = 0;
+    while ((lanes >> lane & 1u) == 0) {
+        ++lane;
+    }
+    return lane;
+}
 #endif
 
-// The children of a node that are still to be visited: distance and lane in one, kDone if not.
+// The children of a node: distance and lane in one. Visited by ascending keys, so that the last
+// one tells which are left, and no key is written between two vector reads of them.
 struct alignas(64) Frame {
     std::int32_t keys[kLanes];
     const BoxNode* node;
+    std::int32_t last;
 };
 
 // The difference to the nearer side, as QuadRectangle's outsideBy but for its sign, which the
@@ -82,6 +147,7 @@ QEL_KERNEL float beyond(float q, float low, float high) {
 
 QEL_KERNEL void open(Frame& frame, const BoxNode& node, float qx, float qy) {
     frame.node = &node;
+    frame.last = -1;
     for (int i = 0; i < kLanes; ++i) {
         const float dx = beyond(qx, node.xmin[i], node.xmax[i]);
         const float dy = beyond(qy, node.ymin[i], node.ymax[i]);
@@ -119,17 +185,11 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     if (nearest > best.distance) {
         return;
     }
-    // The first and the last lane at this distance.
-    alignas(64) std::int32_t fromFront[kLanes], fromBack[kLanes];
-    for (int i = 0; i < kLanes; ++i) {
-        fromFront[i] = distances[i] == nearest ? i : kDone;
-        fromBack[i] = distances[i] == nearest ? -i : kDone;
-    }
-    const std::int32_t first = least(fromFront);
-    bool isTie = first != -least(fromBack);
+    const unsigned lanes = lanesAt(nearest, distances);
+    bool isTie = (lanes & (lanes - 1)) != 0;
     if (nearest < best.distance || best.block == nullptr) {
         prefetch(block.index);
-        best = {nearest, first, &block};
+        best = {nearest, firstLane(lanes), &block};
     } else {
         isTie = true;
     }
@@ -147,13 +207,13 @@ QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float
     open(frames[0], tree.node(line), qx, qy);
     while (depth >= 0) {
         Frame& frame = frames[depth];
-        const std::int32_t next = least(frame.keys);
+        const std::int32_t next = leastAbove(frame.last, frame.keys);
         if ((next & ~kLaneBits) > best.distance) {
             --depth; // equal distances are visited: they may hold the winner of a tie
             continue;
         }
         const std::int32_t lane = next & kLaneBits;
-        frame.keys[lane] = kDone;
+        frame.last = next;
         const std::uint32_t child = frame.node->child[lane];
         if ((child & BoxNode::kBlock) != 0) {
             scanBlock(index, tree.block(child - BoxNode::kBlock), qx, qy, best);
