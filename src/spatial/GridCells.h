@@ -26,10 +26,7 @@ public:
             return descend(x);
         }
         const std::uint32_t last = cellCount() - 1;
-        const float guess = (x - edges_[0]) * cellsPerUnit_;
-        std::uint32_t cell =
-            !(guess >= 1.0f) ? 0
-                             : (guess >= lastAsFloat_ ? last : static_cast<std::uint32_t>(guess));
+        std::uint32_t cell = guessOf(x);
         while (cell > 0 && !(x >= edges_[cell])) {
             --cell;
         }
@@ -37,6 +34,15 @@ public:
             ++cell;
         }
         return cell;
+    }
+
+    /// A cell that mostly is the one of cellOf or its neighbour. Where it matters that it is cheap
+    /// and not that it is right.
+    std::uint32_t guessOf(float x) const {
+        const float guess = (x - low_) * cellsPerUnit_;
+        return !(guess >= 1.0f)       ? 0
+               : guess < lastAsFloat_ ? static_cast<std::uint32_t>(guess)
+                                      : cellCount() - 1;
     }
 
     /// Edge i of 0 .. 2^levels.
@@ -52,6 +58,7 @@ private:
     int levels_;
     std::vector<float> edges_;
     bool isEven_; // cells are wide enough for the product to hit at most a neighbour
+    float low_;   // edge 0
     float cellsPerUnit_;
     float lastAsFloat_;
 };

@@ -119,7 +119,7 @@ public:
     // -- For the search ----
 
     const BoxTree& tree() const { return tree_; }
-    const StartTable& starts() const { return starts_; }
+    const StartTables& starts() const { return starts_; }
     /// True if, of two points at the same distance of the query, the first one wins. Points are
     /// given by their places in the tree.
     bool isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB, float qx,
@@ -129,7 +129,7 @@ private:
     QuadRectangle root_;
     std::vector<QuadLeaf> leaves_;
     BoxTree tree_;
-    StartTable starts_;
+    StartTables starts_;
     int maxDepthReached_;
 };
 

@@ -21,6 +21,7 @@ namespace qel {
 namespace {
 
 constexpr std::int32_t kLaneBits = kLanes - 1;
+constexpr std::uint32_t kNoLine = BoxNode::kBlock; // a node that there is not
 constexpr std::int32_t kDone = std::numeric_limits<std::int32_t>::max();
 
 // Asks for memory that is needed soon.
@@ -198,9 +199,9 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     }
 }
 
-// Searches a node and all below it for something better.
-QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float qx, float qy,
-                            Best& best) {
+// Searches a node and all below it for something better, but for one node below it.
+QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, std::uint32_t without,
+                            float qx, float qy, Best& best) {
     Frame frames[NearestIndex::kMaxHeight];
     int depth = 0;
     const BoxTree& tree = index.tree();
@@ -217,7 +218,7 @@ QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float
         const std::uint32_t child = frame.node->child[lane];
         if ((child & BoxNode::kBlock) != 0) {
             scanBlock(index, tree.block(child - BoxNode::kBlock), qx, qy, best);
-        } else {
+        } else if (child != without) {
             const BoxNode& node = tree.node(child);
             prefetch(node.child);
             open(frames[++depth], node, qx, qy);
@@ -225,26 +226,34 @@ QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float
     }
 }
 
-// True if all points beyond the region are farther than the best. A query outside the region is
-// not nearer to anything in it.
+// True if all points beyond a side of the query's region are farther than the best. A query
+// outside the region is not nearer to anything in it. False for a NaN.
+QEL_KERNEL bool isFarther(float toSide, float distance) {
+    return toSide > 0.0f && distance < toSide * toSide;
+}
+
 QEL_KERNEL bool isSettled(const QuadRectangle& region, float qx, float qy, const Best& best) {
-    const float sideX = qx - region.xmin < region.xmax - qx ? qx - region.xmin : region.xmax - qx;
-    const float sideY = qy - region.ymin < region.ymax - qy ? qy - region.ymin : region.ymax - qy;
-    const float side = sideX < sideY ? sideX : sideY;
-    return best.block != nullptr && side > 0.0f && floatOf(best.distance) < side * side;
+    const float distance = floatOf(best.distance);
+    return best.block != nullptr && isFarther(qx - region.xmin, distance) &&
+           isFarther(region.xmax - qx, distance) && isFarther(qy - region.ymin, distance) &&
+           isFarther(region.ymax - qy, distance);
 }
 
 QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
     // A winner is nearer than the largest float.
     Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
-    const StartTable::Start* const start = index.starts().find(qx, qy);
-    if (start != nullptr) {
-        searchBelow(index, start->line, qx, qy, best);
-        if (start->line == 0 || isSettled(start->region, qx, qy, best)) {
-            return best;
+    std::uint32_t searched = kNoLine;
+    for (const StartTable& table : index.starts()) {
+        const StartTable::Start* const start = table.find(qx, qy);
+        if (start != nullptr && start->line != searched) {
+            searchBelow(index, start->line, searched, qx, qy, best);
+            if (start->line == 0 || isSettled(start->region, qx, qy, best)) {
+                return best;
+            }
+            searched = start->line;
         }
     }
-    searchBelow(index, 0, qx, qy, best);
+    searchBelow(index, 0, searched, qx, qy, best);
     return best;
 }
 
