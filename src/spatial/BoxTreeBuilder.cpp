@@ -43,7 +43,7 @@ public:
 
     BoxTree build() {
         const std::size_t count = order_.points.size();
-        tree_.reserve(count / 96 + 1, count / 11 + 1); // about what even clouds take
+        tree_.reserve(count / 60 + 1, count / 8 + 1); // half full: growing would copy all
         QuadRectangle box;
         addNode({0, count, 2 * order_.gridLevels}, box);
         return std::move(tree_);

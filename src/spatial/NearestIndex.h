@@ -65,7 +65,8 @@ public:
     const PointBlock& block(std::uint32_t line) const {
         return *std::launder(reinterpret_cast<const PointBlock*>(&lines_[line]));
     }
-    std::size_t memoryBytes() const { return lines_.capacity() * sizeof(Line); }
+    /// In use: what is reserved beyond is never touched.
+    std::size_t memoryBytes() const { return lines_.size() * sizeof(Line); }
 
     // -- Building ----
 
