@@ -45,10 +45,6 @@ QEL_KERNEL float floatOf(std::int32_t bits) {
     return value;
 }
 
-QEL_KERNEL std::int32_t lesser(std::int32_t a, std::int32_t b) {
-    return a < b ? a : b;
-}
-
 #if defined(QEL_VECTOR_UNITS)
 // In four vectors of four: compilers make a chain of 16 steps of the plain loops.
 typedef std::int32_t Four __attribute__((vector_size(16)));
@@ -104,7 +100,7 @@ QEL_KERNEL int firstLane(unsigned lanes) {
 QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
     std::int32_t result = kDone;
     for (int i = 0; i < kLanes; ++i) {
-        result = values[i] > bound ? lesser(result, values[i]) : result;
+        result = values[i] > bound && values[i] < result ? values[i] : result;
     }
     return result;
 }
