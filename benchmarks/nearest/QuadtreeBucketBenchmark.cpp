@@ -1,8 +1,10 @@
 // Nearest-point search in the plane: building and querying, on clouds spread evenly, clustered at
 // a wall, and on a grid where every query is a tie.
 //
-// Memory per point of the bucket, on top of the caller's list: 24 bytes for the stored points, 16
-// for coordinates, index and leaf of each, and 4 to 6 for boxes and leaves.
+// Memory per point of the bucket, on top of the caller's list: 24 bytes for the stored points, and
+// 24 to 36 for the index (32 on even clouds, 27 on clustered ones), of which 16 hold coordinates,
+// index and leaf; the rest is the unused places of its blocks, its boxes and the leaves. Up to
+// 37 bytes are set aside for blocks and boxes; what they leave over is never touched.
 
 #include <algorithm>
 #include <cstdint>

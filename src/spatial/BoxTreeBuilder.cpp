@@ -39,11 +39,11 @@ void extend(QuadRectangle& box, const QuadRectangle& other) {
 
 class BoxTreeBuilder {
 public:
-    BoxTreeBuilder(LeafOrder& order, StartTable& starts) : order_(order), starts_(starts) {}
+    BoxTreeBuilder(LeafOrder& order, StartTables& starts) : order_(order), starts_(starts) {}
 
     BoxTree build() {
         const std::size_t count = order_.points.size();
-        tree_.reserve(count / 96 + 1, count / 11 + 1); // about what even clouds take
+        tree_.reserve(count / 60 + 1, count / 8 + 1); // half full: growing would copy all
         QuadRectangle box;
         addNode({0, count, 2 * order_.gridLevels}, box);
         return std::move(tree_);
@@ -58,7 +58,9 @@ private:
         BoxNode node = {};
         const std::uint32_t line = tree_.add(node);
         if (whole.freeBits >= 0 && whole.count() > 0) {
-            starts_.name(line, order_.cells[whole.begin], whole.freeBits);
+            for (StartTable& table : starts_) {
+                table.name(line, order_.cells[whole.begin], whole.freeBits);
+            }
         }
         box = kEmptyBox;
         for (int lane = 0; lane < kLanes; ++lane) {
@@ -197,7 +199,7 @@ private:
     }
 
     LeafOrder& order_;
-    StartTable& starts_;
+    StartTables& starts_;
     BoxTree tree_;
 };
 
@@ -222,9 +224,13 @@ void dropNonFinitePoints(LeafOrder& order) {
 
 } // namespace
 
-BoxTree buildBoxTree(LeafOrder& order, StartTable& starts) {
+BoxTree buildBoxTree(LeafOrder& order, StartTables& starts) {
     dropNonFinitePoints(order);
-    starts = StartTable(order.root, order.points.size(), order.gridLevels);
+    std::size_t cellSize = kPointsOfLowNode;
+    for (StartTable& table : starts) {
+        table = StartTable(order.root, order.points.size(), cellSize, order.gridLevels);
+        cellSize *= kLanes;
+    }
     return BoxTreeBuilder(order, starts).build();
 }
 

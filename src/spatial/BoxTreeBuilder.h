@@ -13,7 +13,7 @@ namespace qel {
 /// The tree of all points with finite coordinates. Drops the others from the order, and reorders
 /// those that share a cell.
 /// @param[out] starts  where the search may start
-BoxTree buildBoxTree(LeafOrder& order, StartTable& starts);
+BoxTree buildBoxTree(LeafOrder& order, StartTables& starts);
 
 } // namespace qel
 

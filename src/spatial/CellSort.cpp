@@ -51,6 +51,52 @@ void sortRun(PlanePoint* run, PlanePoint* scratch, std::size_t count, int bits) 
     }
 }
 
+QEL_KERNEL void number(const TripletBase<float>* points, std::size_t count, EvenCells cellsX,
+                       EvenCells cellsY, std::uint32_t* cells) {
+    constexpr std::size_t kChunk = 256;
+    float x[kChunk], y[kChunk]; // compilers do not gather from the points
+    for (std::size_t begin = 0; begin < count; begin += kChunk) {
+        const std::size_t size = std::min(kChunk, count - begin);
+        for (std::size_t i = 0; i < size; ++i) {
+            x[i] = points[begin + i].x;
+            y[i] = points[begin + i].y;
+        }
+        for (std::size_t i = 0; i < size; ++i) {
+            cells[begin + i] = 2 * spread(cellsX.cellOf(x[i])) + spread(cellsY.cellOf(y[i]));
+        }
+    }
+}
+
+void numberPortable(const TripletBase<float>* points, std::size_t count, const EvenCells& cellsX,
+                    const EvenCells& cellsY, std::uint32_t* cells) {
+    number(points, count, cellsX, cellsY, cells);
+}
+#if defined(QEL_VECTOR_UNITS)
+QEL_AVX2 void numberAvx2(const TripletBase<float>* points, std::size_t count,
+                         const EvenCells& cellsX, const EvenCells& cellsY, std::uint32_t* cells) {
+    number(points, count, cellsX, cellsY, cells);
+}
+#endif
+
+// The cell of each point.
+void numberCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
+                 const GridCells& gridY, std::vector<std::uint32_t>& cells) {
+    if (!gridX.isEven() || !gridY.isEven()) {
+        std::transform(
+            points.begin(), points.end(), cells.begin(),
+            [&](const TripletBase<float>& p) { return cellNumber(gridX, gridY, p.x, p.y); });
+        return;
+    }
+    const EvenCells cellsX = gridX.even(), cellsY = gridY.even();
+#if defined(QEL_VECTOR_UNITS)
+    if (vectorUnit() != VectorUnit::portable) {
+        numberAvx2(points.data(), points.size(), cellsX, cellsY, cells.data());
+        return;
+    }
+#endif
+    numberPortable(points.data(), points.size(), cellsX, cellsY, cells.data());
+}
+
 } // namespace
 
 void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
@@ -60,9 +106,9 @@ void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells&
     std::vector<std::uint32_t>& cells = order.cells;
     std::vector<std::uint32_t> starts((std::size_t{1} << (cellBits - runBits)) + 1);
     cells.resize(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        cells[i] = cellNumber(gridX, gridY, points[i].x, points[i].y);
-        ++starts[(cells[i] >> runBits) + 1];
+    numberCells(points, gridX, gridY, cells);
+    for (const std::uint32_t cell : cells) {
+        ++starts[(cell >> runBits) + 1];
     }
     const std::uint32_t longest = *std::max_element(starts.begin(), starts.end());
     std::partial_sum(starts.begin(), starts.end(), starts.begin());

@@ -15,6 +15,7 @@ GridCells::GridCells(float low, float high, int levels)
     edges_[last] = high;
     cut(0, last);
     isEven_ = hasEvenCells();
+    low_ = low;
     cellsPerUnit_ = static_cast<float>(last) / (high - low);
     lastAsFloat_ = static_cast<float>(last - 1);
 }

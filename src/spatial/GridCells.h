@@ -12,7 +12,35 @@
 #include <cstdint>
 #include <vector>
 
+#include "platform/VectorUnit.h"
+
 namespace qel {
+
+/// Cells of nearly the same width, wide enough for a product to hit at most a neighbour. No
+/// branches: a processor could not foresee them, and vectors have none.
+struct EvenCells {
+    const float* edges;
+    float low; ///< edge 0
+    float cellsPerUnit;
+    float last; ///< number of the last cell
+
+    /// Mostly the cell, or else its neighbour.
+    QEL_KERNEL std::int32_t guessOf(float x) const {
+        const float guess = (x - low) * cellsPerUnit;
+        const float notBelow = guess >= 1.0f ? guess : 0.0f; // a NaN neither
+        return static_cast<std::int32_t>(notBelow < last ? notBelow : last);
+    }
+
+    QEL_KERNEL std::uint32_t cellOf(float x) const {
+        const std::int32_t cell = guessOf(x);
+        const std::int32_t down = x >= edges[cell] ? 0 : 1;
+        const std::int32_t up = x >= edges[cell + 1] ? 1 : 0;
+        const std::int32_t right = cell - down + up;
+        const std::int32_t notBelow = right > 0 ? right : 0;
+        const auto lastCell = static_cast<std::int32_t>(last);
+        return static_cast<std::uint32_t>(notBelow < lastCell ? notBelow : lastCell);
+    }
+};
 
 class GridCells {
 public:
@@ -21,24 +49,13 @@ public:
 
     /// The cell that the choices between low and high halves lead to: x >= cut takes the high
     /// half. A NaN takes all low halves.
-    std::uint32_t cellOf(float x) const {
-        if (!isEven_) {
-            return descend(x);
-        }
-        const std::uint32_t last = cellCount() - 1;
-        const float guess = (x - edges_[0]) * cellsPerUnit_;
-        std::uint32_t cell =
-            !(guess >= 1.0f) ? 0
-                             : (guess >= lastAsFloat_ ? last : static_cast<std::uint32_t>(guess));
-        while (cell > 0 && !(x >= edges_[cell])) {
-            --cell;
-        }
-        while (cell < last && x >= edges_[cell + 1]) {
-            ++cell;
-        }
-        return cell;
-    }
+    std::uint32_t cellOf(float x) const { return isEven_ ? even().cellOf(x) : descend(x); }
 
+    /// Where it matters that it is cheap and not that it is right.
+    std::uint32_t guessOf(float x) const { return static_cast<std::uint32_t>(even().guessOf(x)); }
+
+    bool isEven() const { return isEven_; }
+    EvenCells even() const { return {edges_.data(), low_, cellsPerUnit_, lastAsFloat_}; }
     /// Edge i of 0 .. 2^levels.
     float edge(std::uint32_t i) const { return edges_[i]; }
     std::uint32_t cellCount() const { return std::uint32_t{1} << levels_; }
@@ -51,7 +68,8 @@ private:
 
     int levels_;
     std::vector<float> edges_;
-    bool isEven_; // cells are wide enough for the product to hit at most a neighbour
+    bool isEven_;
+    float low_; // edge 0
     float cellsPerUnit_;
     float lastAsFloat_;
 };

@@ -29,7 +29,11 @@ NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
 }
 
 std::size_t NearestIndex::memoryBytes() const {
-    return leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes() + starts_.memoryBytes();
+    std::size_t bytes = leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes();
+    for (const StartTable& table : starts_) {
+        bytes += table.memoryBytes();
+    }
+    return bytes;
 }
 
 bool NearestIndex::isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB,

@@ -65,7 +65,8 @@ public:
     const PointBlock& block(std::uint32_t line) const {
         return *std::launder(reinterpret_cast<const PointBlock*>(&lines_[line]));
     }
-    std::size_t memoryBytes() const { return lines_.capacity() * sizeof(Line); }
+    /// In use: what is reserved beyond is never touched.
+    std::size_t memoryBytes() const { return lines_.size() * sizeof(Line); }
 
     // -- Building ----
 
@@ -119,7 +120,7 @@ public:
     // -- For the search ----
 
     const BoxTree& tree() const { return tree_; }
-    const StartTable& starts() const { return starts_; }
+    const StartTables& starts() const { return starts_; }
     /// True if, of two points at the same distance of the query, the first one wins. Points are
     /// given by their places in the tree.
     bool isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB, float qx,
@@ -129,7 +130,7 @@ private:
     QuadRectangle root_;
     std::vector<QuadLeaf> leaves_;
     BoxTree tree_;
-    StartTable starts_;
+    StartTables starts_;
     int maxDepthReached_;
 };
 

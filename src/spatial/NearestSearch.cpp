@@ -13,10 +13,15 @@
 
 #include "platform/VectorUnit.h"
 
+#if defined(QEL_VECTOR_UNITS)
+#include <emmintrin.h>
+#endif
+
 namespace qel {
 namespace {
 
 constexpr std::int32_t kLaneBits = kLanes - 1;
+constexpr std::uint32_t kNoLine = BoxNode::kBlock; // a node that there is not
 constexpr std::int32_t kDone = std::numeric_limits<std::int32_t>::max();
 
 // Asks for memory that is needed soon.
@@ -40,36 +45,93 @@ QEL_KERNEL float floatOf(std::int32_t bits) {
     return value;
 }
 
-QEL_KERNEL std::int32_t lesser(std::int32_t a, std::int32_t b) {
+#if defined(QEL_VECTOR_UNITS)
+// In four vectors of four: compilers make a chain of 16 steps of the plain loops.
+typedef std::int32_t Four __attribute__((vector_size(16)));
+
+struct Lanes {
+    Four part[4];
+};
+
+QEL_KERNEL Four lesser(Four a, Four b) {
     return a < b ? a : b;
 }
 
-#if defined(QEL_VECTOR_UNITS)
-// In four vectors of four: compilers make a chain of 16 steps of the plain loop.
-typedef std::int32_t Four __attribute__((vector_size(16)));
+QEL_KERNEL std::int32_t least(const Lanes& v) {
+    const Four four = lesser(lesser(v.part[0], v.part[1]), lesser(v.part[2], v.part[3]));
+    const Four two = lesser(four, Four{four[2], four[3], four[2], four[3]});
+    return lesser(two, Four{two[1], two[1], two[1], two[1]})[0];
+}
 
 QEL_KERNEL std::int32_t least(const std::int32_t* values) {
-    Four v[4];
-    std::memcpy(v, values, sizeof(v));
-    const Four a = v[0] < v[1] ? v[0] : v[1];
-    const Four b = v[2] < v[3] ? v[2] : v[3];
-    const Four c = a < b ? a : b;
-    return lesser(lesser(c[0], c[1]), lesser(c[2], c[3]));
+    Lanes v;
+    std::memcpy(&v, values, sizeof(v));
+    return least(v);
+}
+
+// The least of those above a bound; kDone if none is.
+QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
+    const Four bounds = {bound, bound, bound, bound};
+    const Four done = {kDone, kDone, kDone, kDone};
+    Lanes v;
+    std::memcpy(&v, values, sizeof(v));
+    for (Four& four : v.part) {
+        four = four > bounds ? four : done;
+    }
+    return least(v);
+}
+
+// A bit for each lane that holds the value.
+QEL_KERNEL unsigned lanesAt(std::int32_t value, const std::int32_t* values) {
+    const __m128i wanted = _mm_set1_epi32(value);
+    unsigned lanes = 0;
+    for (int i = 0; i < kLanes; i += 4) {
+        const __m128i four = _mm_load_si128(reinterpret_cast<const __m128i*>(values + i));
+        const int mask = _mm_movemask_ps(_mm_castsi128_ps(_mm_cmpeq_epi32(four, wanted)));
+        lanes |= static_cast<unsigned>(mask) << i;
+    }
+    return lanes;
+}
+
+QEL_KERNEL int firstLane(unsigned lanes) {
+    return __builtin_ctz(lanes);
 }
 #else
-QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
     std::int32_t result = kDone;
     for (int i = 0; i < kLanes; ++i) {
-        result = lesser(result, values[i]);
+        result = values[i] > bound && values[i] < result ? values[i] : result;
     }
     return result;
 }
+
+QEL_KERNEL std::int32_t least(const std::int32_t* values) {
+    return leastAbove(-1, values); // none is negative
+}
+
+QEL_KERNEL unsigned lanesAt(std::int32_t value, const std::int32_t* values) {
+    unsigned lanes = 0;
+    for (int i = 0; i < kLanes; ++i) {
+        lanes |= static_cast<unsigned>(values[i] == value) << i;
+    }
+    return lanes;
+}
+
+QEL_KERNEL int firstLane(unsigned lanes) {
+    int lane = 0;
+    while ((lanes >> lane & 1u) == 0) {
+        ++lane;
+    }
+    return lane;
+}
 #endif
 
-// The children of a node that are still to be visited: distance and lane in one, kDone if not.
+// The children of a node: distance and lane in one. Visited by ascending keys, so that the last
+// one tells which are left, and no key is written between two vector reads of them.
 struct alignas(64) Frame {
     std::int32_t keys[kLanes];
     const BoxNode* node;
+    std::int32_t last;
 };
 
 // The difference to the nearer side, as QuadRectangle's outsideBy but for its sign, which the
@@ -82,6 +144,7 @@ QEL_KERNEL float beyond(float q, float low, float high) {
 
 QEL_KERNEL void open(Frame& frame, const BoxNode& node, float qx, float qy) {
     frame.node = &node;
+    frame.last = -1;
     for (int i = 0; i < kLanes; ++i) {
         const float dx = beyond(qx, node.xmin[i], node.xmax[i]);
         const float dy = beyond(qy, node.ymin[i], node.ymax[i]);
@@ -119,17 +182,11 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     if (nearest > best.distance) {
         return;
     }
-    // The first and the last lane at this distance.
-    alignas(64) std::int32_t fromFront[kLanes], fromBack[kLanes];
-    for (int i = 0; i < kLanes; ++i) {
-        fromFront[i] = distances[i] == nearest ? i : kDone;
-        fromBack[i] = distances[i] == nearest ? -i : kDone;
-    }
-    const std::int32_t first = least(fromFront);
-    bool isTie = first != -least(fromBack);
+    const unsigned lanes = lanesAt(nearest, distances);
+    bool isTie = (lanes & (lanes - 1)) != 0;
     if (nearest < best.distance || best.block == nullptr) {
         prefetch(block.index);
-        best = {nearest, first, &block};
+        best = {nearest, firstLane(lanes), &block};
     } else {
         isTie = true;
     }
@@ -138,26 +195,26 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     }
 }
 
-// Searches a node and all below it for something better.
-QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float qx, float qy,
-                            Best& best) {
+// Searches a node and all below it for something better, but for one node below it.
+QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, std::uint32_t without,
+                            float qx, float qy, Best& best) {
     Frame frames[NearestIndex::kMaxHeight];
     int depth = 0;
     const BoxTree& tree = index.tree();
     open(frames[0], tree.node(line), qx, qy);
     while (depth >= 0) {
         Frame& frame = frames[depth];
-        const std::int32_t next = least(frame.keys);
+        const std::int32_t next = leastAbove(frame.last, frame.keys);
         if ((next & ~kLaneBits) > best.distance) {
             --depth; // equal distances are visited: they may hold the winner of a tie
             continue;
         }
         const std::int32_t lane = next & kLaneBits;
-        frame.keys[lane] = kDone;
+        frame.last = next;
         const std::uint32_t child = frame.node->child[lane];
         if ((child & BoxNode::kBlock) != 0) {
             scanBlock(index, tree.block(child - BoxNode::kBlock), qx, qy, best);
-        } else {
+        } else if (child != without) {
             const BoxNode& node = tree.node(child);
             prefetch(node.child);
             open(frames[++depth], node, qx, qy);
@@ -165,26 +222,34 @@ QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, float
     }
 }
 
-// True if all points beyond the region are farther than the best. A query outside the region is
-// not nearer to anything in it.
+// True if all points beyond a side of the query's region are farther than the best. A query
+// outside the region is not nearer to anything in it. False for a NaN.
+QEL_KERNEL bool isFarther(float toSide, float distance) {
+    return toSide > 0.0f && distance < toSide * toSide;
+}
+
 QEL_KERNEL bool isSettled(const QuadRectangle& region, float qx, float qy, const Best& best) {
-    const float sideX = qx - region.xmin < region.xmax - qx ? qx - region.xmin : region.xmax - qx;
-    const float sideY = qy - region.ymin < region.ymax - qy ? qy - region.ymin : region.ymax - qy;
-    const float side = sideX < sideY ? sideX : sideY;
-    return best.block != nullptr && side > 0.0f && floatOf(best.distance) < side * side;
+    const float distance = floatOf(best.distance);
+    return best.block != nullptr && isFarther(qx - region.xmin, distance) &&
+           isFarther(region.xmax - qx, distance) && isFarther(qy - region.ymin, distance) &&
+           isFarther(region.ymax - qy, distance);
 }
 
 QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
     // A winner is nearer than the largest float.
     Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
-    const StartTable::Start* const start = index.starts().find(qx, qy);
-    if (start != nullptr) {
-        searchBelow(index, start->line, qx, qy, best);
-        if (start->line == 0 || isSettled(start->region, qx, qy, best)) {
-            return best;
+    std::uint32_t searched = kNoLine;
+    for (const StartTable& table : index.starts()) {
+        const StartTable::Start* const start = table.find(qx, qy);
+        if (start != nullptr && start->line != searched) {
+            searchBelow(index, start->line, searched, qx, qy, best);
+            if (start->line == 0 || isSettled(start->region, qx, qy, best)) {
+                return best;
+            }
+            searched = start->line;
         }
     }
-    searchBelow(index, 0, qx, qy, best);
+    searchBelow(index, 0, searched, qx, qy, best);
     return best;
 }
 

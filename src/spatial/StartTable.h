@@ -6,12 +6,14 @@
 ///
 /// For each cell of a coarse grid, the lowest node that holds all points of a region around the
 /// cell. If the nearest of them is nearer than the border of the region, no other point matters,
-/// and the upper levels of the tree are not visited at all. Else the search starts again from the
-/// root, with what it has found.
+/// and the upper levels of the tree are not visited at all. Else the search goes on in a larger
+/// region or from the root, with what it has found.
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "spatial/CellSort.h"
@@ -30,9 +32,10 @@ public:
     /// No cells: the search starts at the root.
     StartTable() = default;
 
-    /// A cell for some thousand points, at the most as fine as the grid that sorted the points.
-    StartTable(const QuadRectangle& root, std::size_t pointCount, int gridLevels)
-        : gridX_(root.xmin, root.xmax, levelsFor(pointCount, gridLevels)),
+    /// Cells of about `cellSize` points, at the most as fine as the grid that sorted the points.
+    StartTable(const QuadRectangle& root, std::size_t pointCount, std::size_t cellSize,
+               int gridLevels)
+        : gridX_(root.xmin, root.xmax, levelsFor(pointCount, cellSize, gridLevels)),
           gridY_(root.ymin, root.ymax, gridX_.levels()),
           cellBits_(2 * gridLevels),
           starts_(gridX_.levels() > 0 ? std::size_t{1} << (2 * gridX_.levels()) : 0) {}
@@ -55,26 +58,33 @@ public:
 
     /// Null where there is nothing below the root to start at.
     const Start* find(float qx, float qy) const {
-        return starts_.empty() ? nullptr : &starts_[cellNumber(gridX_, gridY_, qx, qy)];
+        if (starts_.empty()) {
+            return nullptr;
+        }
+        return &starts_[2 * spread(gridX_.guessOf(qx)) + spread(gridY_.guessOf(qy))];
     }
 
     std::size_t memoryBytes() const { return starts_.capacity() * sizeof(Start); }
 
 private:
-    static constexpr std::size_t kPointsOfRegion = 2048; // nodes of 16 lowest nodes
-
-    static int levelsFor(std::size_t pointCount, int gridLevels) {
+    static int levelsFor(std::size_t pointCount, std::size_t cellSize, int gridLevels) {
         int levels = 0;
-        while (levels < gridLevels && (kPointsOfRegion << (2 * levels)) < pointCount) {
+        while (levels < gridLevels && (cellSize << (2 * levels)) < pointCount) {
             ++levels;
         }
         return levels;
     }
 
-    // From the lowest to the highest corner of a run of cells that is a rectangle.
+    // From the lowest to the highest corner of a run of cells that is a rectangle. Cells at the
+    // rim of the grid take in all that lies beyond it.
     QuadRectangle regionOf(std::uint32_t first, std::uint32_t last) const {
-        return {gridX_.edge(everyOtherBit(first >> 1)), gridY_.edge(everyOtherBit(first)),
-                gridX_.edge(everyOtherBit(last >> 1) + 1), gridY_.edge(everyOtherBit(last) + 1)};
+        constexpr float kInfinity = std::numeric_limits<float>::infinity();
+        const std::uint32_t left = everyOtherBit(first >> 1), bottom = everyOtherBit(first);
+        const std::uint32_t right = everyOtherBit(last >> 1) + 1, top = everyOtherBit(last) + 1;
+        return {left == 0 ? -kInfinity : gridX_.edge(left),
+                bottom == 0 ? -kInfinity : gridY_.edge(bottom),
+                right == gridX_.cellCount() ? kInfinity : gridX_.edge(right),
+                top == gridY_.cellCount() ? kInfinity : gridY_.edge(top)};
     }
 
     GridCells gridX_{0.0f, 0.0f, 0};
@@ -82,6 +92,9 @@ private:
     int cellBits_ = 0; // of the cells that sorted the points
     std::vector<Start> starts_;
 };
+
+/// From small regions to large ones: those of the lowest nodes, and of nodes of 16 such.
+using StartTables = std::array<StartTable, 2>;
 
 } // namespace qel
 
