@@ -10,6 +10,7 @@
 #include "curve/ParameterWalk.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/VectorUnits.h"
 
 namespace {
 
@@ -116,6 +117,33 @@ TEST(ParameterWalk, AgreesWithGetPointAtParameterWhereSvaluesHoldNaN) {
         qel::ParameterWalk walk(p, s, 100);
         for (double at = -0.1; at < 1.2; at += 0.01) {
             EXPECT_TRUE(sameBits(walk.at(at), curve.getPointAtParameter(at))) << at;
+        }
+    }
+}
+
+// The order of s-values is made sure of in lanes: one out of order must show in each of them.
+TEST(ParameterWalk, NeverWalksAlongSvaluesOutOfOrderOnAnyVectorUnit) {
+    const std::size_t n = 40;
+    CurveMaker make(24);
+    Points p(n);
+    for (Point& point : p) {
+        point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
+    }
+    for (std::size_t wrong = 1; wrong + 1 < n; ++wrong) {
+        for (const double value : {kNaN, -1.0, 2.0}) {
+            Values s(n);
+            for (std::size_t i = 0; i < n; ++i) {
+                s[i] = static_cast<double>(i) / static_cast<double>(n - 1);
+            }
+            s[wrong] = value;
+            onEveryVectorUnit([&] {
+                qel::ParameterWalk(p, s, n).forEach(
+                    0, n, [&](std::size_t k) { return (static_cast<double>(k) + 0.5) / 40.0; },
+                    [&](std::size_t k, const Point& point) {
+                        const double at = (static_cast<double>(k) + 0.5) / 40.0;
+                        EXPECT_TRUE(sameBits(point, qel::ParameterWalk(p, s, 0).at(at))) << at;
+                    });
+            });
         }
     }
 }
