@@ -1,8 +1,11 @@
 // Minimum, maximum, sum and count of a float array with undefined values marked.
 //
 // One item is one value. Fields: "pressure", values within half a percent of 1e5, whose sums are
-// exact; "velocity", normal values of both signs and all magnitudes, whose sums round.
+// exact; "velocity", normal values of both signs, of whose blocks most add up exactly; "spread",
+// magnitudes over eighty octaves, whose sums round at nearly every step.
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <random>
 #include <string>
@@ -34,14 +37,35 @@
 
 namespace {
 
-enum class Kind { pressure, velocity };
+enum class Kind { pressure, velocity, spread };
+
+const char* nameOf(Kind kind) {
+    switch (kind) {
+    case Kind::pressure:
+        return "pressure";
+    case Kind::velocity:
+        return "velocity";
+    case Kind::spread:
+        break;
+    }
+    return "spread";
+}
+
+float sample(Kind kind, std::mt19937& random) {
+    std::normal_distribution<float> normal;
+    const float value = normal(random);
+    if (kind == Kind::pressure) {
+        return 101325.0f + 100.0f * value;
+    }
+    std::uniform_int_distribution<int> octave(-40, 40);
+    return kind == Kind::velocity ? value : std::ldexp(value, octave(random));
+}
 
 std::vector<float> field(Kind kind, std::size_t n) {
     std::mt19937 random(1);
-    std::normal_distribution<float> normal;
     std::vector<float> values(std::min(n, std::size_t{1} << 16));
     for (float& v : values) {
-        v = kind == Kind::pressure ? 101325.0f + 100.0f * normal(random) : normal(random);
+        v = sample(kind, random);
     }
     for (std::size_t i = 0; values.size() < n; ++i) { // repeats itself, to be built fast
         values.push_back(values[i]);
@@ -114,8 +138,8 @@ void add(const std::string& work, const char* who, Work function, Kind kind, std
 
 const bool registered = [] {
     for (const std::size_t n : {std::size_t{250000}, std::size_t{50000000}}) {
-        for (const Kind kind : {Kind::pressure, Kind::velocity}) {
-            const std::string work = kind == Kind::pressure ? "pressure" : "velocity";
+        for (const Kind kind : {Kind::pressure, Kind::velocity, Kind::spread}) {
+            const std::string work = nameOf(kind);
             add(work, "qel", qelStatistics, kind, n);
 #if defined(QEL_BENCHMARK_HAS_BOOST)
             add(work, "boost", boostStatistics, kind, n);

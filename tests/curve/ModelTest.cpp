@@ -112,6 +112,15 @@ TEST(Model, CopiesAndAssignmentsTakeEveryField) {
     EXPECT_EQ(stateOf(assigned), stateOf(original));
 }
 
+TEST(Model, CopiesTakeTheAxis) {
+    ParametricCurve curve;
+    curve.convertToART0({1, 2, 3}, {0, 2, 0});
+    EXPECT_EQ(ParametricCurve(curve).getAxisPoint(), Point(1, 2, 3));
+    ParametricCurve assigned;
+    assigned = curve;
+    EXPECT_EQ(assigned.getAxisDirection(), Point(0, 1, 0));
+}
+
 TEST(Model, CopiesAreIndependent) {
     ParametricCurve curve(kBend, ParametricCurve::dim3D);
     const ParametricCurve copy(curve);
