@@ -4,7 +4,8 @@
 // for NaN, whose blocks take the defining loop. The sum does, where it rounds. A sum of doubles is
 // exact, and so free of order, while every term is a multiple of some 2^q and no partial sum
 // reaches 2^(53+q): the last digits of the smallest value and of the sum so far, and the largest
-// magnitude, tell. Blocks that pass are added up in lanes; the others in index order.
+// magnitude, tell. Blocks that pass are added up in lanes; the others in index order,
+// see RoundedSum.h.
 
 #include "arrays/ValueStatistics.h"
 
@@ -14,6 +15,7 @@
 #include <cstring>
 #include <limits>
 
+#include "arrays/RoundedSum.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
@@ -151,13 +153,6 @@ void addOneByOne(const float* values, std::size_t n, ValueStatistics& s) {
     }
 }
 
-double sumInOrder(double sum, const float* values) {
-    for (std::size_t i = 0; i < kBlock; ++i) {
-        sum += static_cast<double>(values[i]);
-    }
-    return sum;
-}
-
 // Undefined values as +0, which changes no sum: one that starts at +0 never is -0.
 void copyWithoutUndefined(const float* values, float* copy) {
     for (std::size_t i = 0; i < kBlock; ++i) {
@@ -191,7 +186,7 @@ void addBlock(const float* values, ValueStatistics& s) {
         onVectorUnit<SumKernel>(values, &sum);
         s.sum += sum;
     } else {
-        s.sum = sumInOrder(s.sum, values);
+        s.sum = sumInOrder(s.sum, values, kBlock);
     }
 }
 
