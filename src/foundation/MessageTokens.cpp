@@ -17,17 +17,29 @@ std::string streamed(Value value) {
 }
 
 // Replaces the token until none is left, from the start each time, so that a token which a
-// replacement completes is replaced too. A value that holds its own token would be replaced for
-// ever: it goes once into each token that the text had.
+// replacement completes is replaced too.
+//
+// Some values would be replaced for ever. One that is followed by its own token, in itself or with
+// the digits that stay in the text, goes once into each token that the text had; one that goes on
+// completing tokens, only so many times.
 bool replaceToken(std::string& text, const std::string& token, const std::string& value) {
-    const bool restart = value.find(token) == std::string::npos;
+    constexpr int kMostRestarts = 1000;
+    const std::string left = value + token.substr(kReplacedCharacters);
+    int restarts = left.find(token) == std::string::npos ? kMostRestarts : 0;
     bool found = false;
     for (std::size_t at = text.find(token); at != std::string::npos;) {
         found = true;
         text.replace(at, kReplacedCharacters, value);
-        at = text.find(token, restart ? 0 : at + value.size());
+        at = text.find(token, restarts-- > 0 ? 0 : at + value.size());
     }
     return found;
+}
+
+// In one piece and as it is: the stream may have been left with any format.
+void warnOfUnusedToken(const std::string& token, const std::string& value) {
+    const std::string line =
+        "Warning: token " + token + " was not used in the message: \"" + value + "\"";
+    std::cerr.write(line.data(), static_cast<std::streamsize>(line.size()));
 }
 
 template <typename Value>
@@ -36,8 +48,7 @@ void fillNextToken(SystemMsg& message, Value value) {
     const std::string replacement = streamed(value);
     const std::string token = "%" + std::to_string(message.tokenCount);
     if (!replaceToken(message.text, token, replacement)) {
-        std::cerr << "Warning: token %" << message.tokenCount << " was not used in the message: \""
-                  << replacement << "\"";
+        warnOfUnusedToken(token, replacement);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "foundation/MessageTokens.h"
 
 #include <cstddef>
+#include <iostream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -92,6 +93,35 @@ TEST(MessageTokens, ATokenCompletedByAReplacementIsFilledToo) {
 TEST(MessageTokens, AValueThatHoldsItsOwnTokenIsInsertedOnce) {
     SystemMsg message("<%1> <%1>");
     EXPECT_EQ(filled(message % "%1!"), "<%1!> <%1!>");
+}
+
+// The digit that stays behind completes the token anew.
+TEST(MessageTokens, AValueThatTheLeftDigitsMakeItsOwnTokenIsInsertedOnce) {
+    SystemMsg message("%10");
+    message.tokenCount = 9;
+    EXPECT_EQ(filled(message % "%1"), "%10");
+    SystemMsg growing("%10");
+    growing.tokenCount = 9;
+    EXPECT_EQ(filled(growing % "x%1"), "x%10");
+}
+
+// Each replacement leaves more that the next one completes.
+TEST(MessageTokens, AValueThatGoesOnCompletingTokensEnds) {
+    SystemMsg message("%%11");
+    EXPECT_GT(filled(message % "11%%").size(), 1000u);
+}
+
+TEST(MessageTokens, TheWarningDoesNotDependOnTheFormatOfTheStream) {
+    CapturedStandardError captured;
+    const std::ios_base::fmtflags flags =
+        std::cerr.setf(std::ios_base::hex, std::ios_base::basefield);
+    std::cerr.width(12);
+    SystemMsg message("text");
+    message.tokenCount = 9;
+    message % 7;
+    std::cerr.flags(flags);
+    std::cerr.width(0);
+    EXPECT_EQ(captured.text(), "Warning: token %10 was not used in the message: \"7\"");
 }
 
 TEST(MessageTokens, UserMessagesFillBothTexts) {
