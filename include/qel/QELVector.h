@@ -51,6 +51,19 @@ public:
         checkLength(size);
         Base::resize(size, value);
     }
+    using Base::assign;
+    void assign(size_type size, const T& value) {
+        checkLength(size);
+        Base::assign(size, value);
+    }
+    using Base::insert;
+    typename Base::iterator insert(typename Base::const_iterator position, size_type count,
+                                   const T& value) {
+        if (count > this->max_size() - this->size()) {
+            refuseLength();
+        }
+        return Base::insert(position, count, value);
+    }
 
 private:
     void checkLength(size_type size) const {

@@ -132,6 +132,8 @@ TEST(QELVector, BeyondTheMaximumLengthIsTheLengthError) {
     EXPECT_EQ(lengthErrorOf([&] { v.resize(tooMany); }), "vector<T> too long");
     EXPECT_EQ(lengthErrorOf([&] { v.resize(tooMany, 1); }), "vector<T> too long");
     EXPECT_EQ(lengthErrorOf([&] { v.reserve(tooMany); }), "vector<T> too long");
+    EXPECT_EQ(lengthErrorOf([&] { v.assign(tooMany, 1); }), "vector<T> too long");
+    EXPECT_EQ(lengthErrorOf([&] { v.insert(v.begin(), tooMany - 3, 1); }), "vector<T> too long");
     EXPECT_THAT(v, ElementsAre(1, 2, 3));
 }
 
