@@ -4,14 +4,16 @@
 
 #include "curve/Conversions.h"
 #include "curve/RunBoxes.h"
+#include "curve/VertexLanes.h"
 
 namespace qel {
 namespace {
 
-// Building the boxes costs as much as a few plain searches, and on a short curve a plain search is
-// faster than one through boxes.
-constexpr std::size_t kLongCurve = 512;
+// Making either copy of the points costs as much as a few plain searches.
 constexpr std::size_t kManyProbes = 16;
+// On so few vertices a plain search is fastest, and beyond so many one through boxes.
+constexpr std::size_t kFewVertices = 16;
+constexpr std::size_t kManyVertices = 400;
 
 } // namespace
 
@@ -22,9 +24,14 @@ void ParametricCurve::getSvalues(const Points& points, std::vector<double>& sval
                               "Points must have size at least two.", argumentError);
     }
     svalues.assign(points.size(), 0.0);
-    if (points_.size() < kLongCurve || points.size() < kManyProbes) {
+    if (points_.size() < kFewVertices || points.size() < kManyProbes) {
         for (std::size_t i = 0; i < points.size(); ++i) {
             projectPoint(points[i], svalues[i]);
+        }
+    } else if (points_.size() < kManyVertices) {
+        const VertexLanes lanes(points_);
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            projectBesideVertex(lanes.nearest(points[i]), points[i], svalues[i]);
         }
     } else {
         const RunBoxes boxes(points_);

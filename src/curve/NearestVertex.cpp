@@ -11,7 +11,7 @@
 #include <cstdint>
 
 #include "curve/DistanceLanes.h"
-#include "platform/VectorUnit.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
@@ -65,51 +65,59 @@ QEL_KERNEL void lookAt(const Point* block, const Point& q, Nearest& nearest) {
     }
 }
 
-// For at least kBlock + kPointsToLine points. The first block and the last overlap their
-// neighbours: a vertex seen again is not nearer than it was.
-QEL_KERNEL std::size_t blockSearch(const Point* points, std::size_t count, const Point& q) {
-    Nearest nearest{squaredDistance(points[0], q), nullptr};
-    lookAt(points, q, nearest);
-    for (std::size_t i = firstOnLine(points); i + kBlock <= count; i += kBlock) {
-        lookAt(points + i, q, nearest);
-    }
-    lookAt(points + count - kBlock, q, nearest);
-    if (nearest.block == nullptr) {
-        return 0;
-    }
-    return static_cast<std::size_t>(nearest.block - points) +
-           firstInBlock(nearest.d2, nearest.block, q);
-}
+// Enough points for blocks. The first block and the last overlap their neighbours: a vertex seen
+// again is not nearer than it was.
+struct BlockSearch {
+    static constexpr std::size_t kFewest = kBlock + kPointsToLine;
 
-std::size_t blockSearchPortable(const Point* points, std::size_t count, const Point& q) {
-    return blockSearch(points, count, q);
-}
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 std::size_t blockSearchAvx2(const Point* points, std::size_t count, const Point& q) {
-    return blockSearch(points, count, q);
-}
-QEL_AVX512 std::size_t blockSearchAvx512(const Point* points, std::size_t count, const Point& q) {
-    return blockSearch(points, count, q);
-}
-#endif
+    QEL_KERNEL static void run(const Point* points, std::size_t count, Point q,
+                               std::size_t* index) {
+        Nearest nearest{squaredDistance(points[0], q), nullptr};
+        lookAt(points, q, nearest);
+        for (std::size_t i = firstOnLine(points); i + kBlock <= count; i += kBlock) {
+            lookAt(points + i, q, nearest);
+        }
+        lookAt(points + count - kBlock, q, nearest);
+        *index = nearest.block == nullptr ? 0
+                                          : static_cast<std::size_t>(nearest.block - points) +
+                                                firstInBlock(nearest.d2, nearest.block, q);
+    }
+};
+
+// Enough points for the lanes: all that fill them whole, then the last ones.
+struct LaneSearch {
+    static constexpr std::size_t kFewest = kDistanceLanes;
+
+    QEL_KERNEL static void run(const Point* points, std::size_t count, Point q,
+                               std::size_t* index) {
+        const std::size_t whole = count - count % kDistanceLanes;
+        const Point* const last = points + count - kDistanceLanes;
+        const double first = squaredDistance(points[0], q);
+        const double ofWhole = leastSquaredDistance(points, whole, q, first);
+        const double ofAll = leastSquaredDistance(last, kDistanceLanes, q, ofWhole);
+        *index = 0;
+        if (ofAll < ofWhole) {
+            *index =
+                static_cast<std::size_t>(last - points) + firstAtSquaredDistance(ofAll, last, q);
+        } else if (ofWhole < first) {
+            *index = firstInBlock(ofWhole, points, q);
+        }
+    }
+};
 
 } // namespace
 
 std::size_t nearestVertex(const Points& points, const Point& q) {
-    if (points.size() < kBlock + kPointsToLine) {
-        return plainSearch(points.data(), points.size(), q);
+    const std::size_t count = points.size();
+    std::size_t index = 0;
+    if (count >= BlockSearch::kFewest) {
+        onVectorUnit<BlockSearch>(points.data(), count, q, &index);
+    } else if (count >= LaneSearch::kFewest) {
+        onVectorUnit<LaneSearch>(points.data(), count, q, &index);
+    } else {
+        index = plainSearch(points.data(), count, q);
     }
-#if defined(QEL_VECTOR_UNITS)
-    switch (vectorUnit()) {
-    case VectorUnit::avx512:
-        return blockSearchAvx512(points.data(), points.size(), q);
-    case VectorUnit::avx2:
-        return blockSearchAvx2(points.data(), points.size(), q);
-    case VectorUnit::portable:
-        break;
-    }
-#endif
-    return blockSearchPortable(points.data(), points.size(), q);
+    return index;
 }
 
 } // namespace qel

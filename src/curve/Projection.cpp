@@ -5,10 +5,9 @@
 
 #include <qel/ParametricCurve.h>
 
-#include <qel/NumericalUtils.h>
-
 #include "curve/Conversions.h"
 #include "curve/NearestVertex.h"
+#include "foundation/MachineSpacing.h"
 
 namespace qel {
 namespace {
@@ -27,7 +26,7 @@ Point ParametricCurve::projectToEdge(int i, int j, double d2i, double d2j, doubl
     const auto to = static_cast<std::size_t>(j);
     const Point edge = points_[to] - points_[from];
     const double length2 = edge.dot(edge);
-    const double tolerance = kHitFactor * NumericalUtils::spacing(length2);
+    const double tolerance = kHitFactor * spacingAt(length2);
     if (!(tolerance < d2j)) {
         s = svalues_[to];
         return points_[to];
@@ -39,7 +38,7 @@ Point ParametricCurve::projectToEdge(int i, int j, double d2i, double d2j, doubl
     // Law of cosines: the projection of the probe on the edge, times the edge's length.
     const double along = (d2i - d2j + length2) * 0.5;
     // Measured against the projection here, against the squared length above; on purpose.
-    if (length2 < kDegenerateFactor * NumericalUtils::spacing(along)) {
+    if (length2 < kDegenerateFactor * spacingAt(along)) {
         s = (svalues_[to] + svalues_[from]) * 0.5;
         return (points_[to] + points_[from]) * 0.5;
     }

@@ -68,11 +68,12 @@ TEST(ForeignPoints, TheCurvesOwnPointsGetTheirOwnSvalues) {
     EXPECT_TRUE(sameBitsInAll(svaluesOf(curve, curve.getCurve(), false), curve.getSvalues()));
 }
 
-// Few and many points on short and long curves: on either side of where boxes begin.
+// Few and many points on short and long curves: on either side of where lanes and boxes begin.
 TEST(ForeignPoints, AreProjectedAsEachAlone) {
     onEveryVectorUnit([] {
         RandomCurves random(38);
-        for (const std::size_t n : std::vector<std::size_t>{2, 3, 17, 511, 512, 513, 2500}) {
+        for (const std::size_t n :
+             std::vector<std::size_t>{2, 3, 15, 16, 17, 120, 399, 400, 401, 2500}) {
             for (const NamedPath& path : pathsOfEveryKind(n, random)) {
                 const ParametricCurve curve(path.points, ParametricCurve::dim3D);
                 for (const std::size_t m : std::vector<std::size_t>{2, 15, 16, 80}) {

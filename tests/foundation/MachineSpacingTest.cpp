@@ -3,6 +3,8 @@
 #include <cfloat>
 #include <cmath>
 #include <limits>
+#include <random>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -111,6 +113,37 @@ TEST(MachineSpacing, FollowsTheComparisonsAtEveryDecade) {
                 static_cast<float>(decade(static_cast<double>(x)) * 1.1920928955078125e-7)))
                 << x;
         }
+    }
+}
+
+// Where a decade of the table, or the table itself, begins and ends.
+TEST(MachineSpacing, FollowsTheComparisonsBesidePowersOfTwoAndTen) {
+    std::vector<double> borders;
+    for (int exponent = -64; exponent <= 64; ++exponent) {
+        borders.push_back(std::ldexp(1.0, exponent));
+    }
+    for (int exponent = -19; exponent <= 19; ++exponent) {
+        borders.push_back(static_cast<double>(std::pow(10.0f, static_cast<float>(exponent))));
+        borders.push_back(std::pow(10.0, exponent));
+    }
+    for (const double border : borders) {
+        double x = border;
+        for (int step = 0; step < 3; ++step) {
+            x = std::nextafter(x, 0.0);
+        }
+        for (int step = 0; step < 6; ++step, x = std::nextafter(x, 1e300)) {
+            EXPECT_TRUE(qel_test::sameBits(NumericalUtils::spacing(x), decade(x) * kEpsilon)) << x;
+            EXPECT_TRUE(qel_test::sameBits(NumericalUtils::spacing(-x), decade(x) * kEpsilon));
+        }
+    }
+}
+
+TEST(MachineSpacing, FollowsTheComparisonsForRandomNumbers) {
+    std::mt19937 random(3);
+    std::uniform_real_distribution<double> exponent(-40.0, 40.0);
+    for (int round = 0; round < 100000; ++round) {
+        const double x = std::exp2(exponent(random));
+        ASSERT_TRUE(qel_test::sameBits(NumericalUtils::spacing(x), decade(x) * kEpsilon)) << x;
     }
 }
 
