@@ -4,17 +4,19 @@
 /// @file
 /// Fast road: the points at many parameters of one curve.
 ///
-/// Where the next parameter lies near the one before, as in a sorted list, a few steps along the
-/// s-values find its bracket at the cost of a comparison each, in place of two binary searches
-/// through all of them. The bracket is the same one: among s-values in order there is only one
-/// place where they pass s, however it is found. A parameter that is not near is searched for as
-/// ParametricCurve::getPointAtParameter does, and so are all of them where s-values are not in
-/// order (a NaN among those supplied) or too few are asked for to pay for making sure.
+/// Blocks of sorted parameters take their brackets from a merge, see BracketMerge.h. Else, where
+/// the next parameter lies near the one before, a few steps along the s-values find its bracket at
+/// the cost of a comparison each, in place of two binary searches through all of them. The bracket
+/// is the same one: among s-values in order there is only one place where they pass s, however it
+/// is found. A parameter that is not near is searched for as ParametricCurve::getPointAtParameter
+/// does, and so are all of them where s-values are not in order (a NaN among those supplied) or too
+/// few are asked for to pay for making sure.
 
 #include <cstddef>
 #include <vector>
 
 #include "curve/Bracket.h"
+#include "curve/BracketMerge.h"
 #include "curve/Conversions.h"
 
 namespace qel {
@@ -27,8 +29,10 @@ public:
           svalues_(svalues),
           p_(points.data()),
           s_(svalues.data()),
-          walks_(expected >= svalues.size() / kSearchPays && points.size() == svalues.size() &&
-                 svalues.front() >= -10.0 && svalues.back() <= 10.0 && inOrder(svalues)) {}
+          order_(expected >= svalues.size() / kSearchPays && points.size() == svalues.size() &&
+                         svalues.front() >= -10.0 && svalues.back() <= 10.0
+                     ? orderOf(svalues)
+                     : Order::none) {}
 
     /// What ParametricCurve::getPointAtParameter(s) returns, by a search. A walk goes on from
     /// there.
@@ -45,6 +49,22 @@ public:
         }
     }
 
+    /// The same for a list, the point being at(parameters[k]).
+    template <typename Emit>
+    void forEach(std::size_t begin, std::size_t end, const double* parameters, Emit emit) {
+        const auto parameterAt = [parameters](std::size_t k) { return parameters[k]; };
+        std::size_t k = begin;
+        for (; merges() && end - k >= BracketBlock::kCount; k += BracketBlock::kCount) {
+            BracketBlock block;
+            if (const double* const svalues = findBrackets(parameters + k, block)) {
+                emitBlock(svalues, block, k, emit);
+            } else {
+                forEach(k, k + BracketBlock::kCount, parameterAt, emit);
+            }
+        }
+        forEach(k, end, parameterAt, emit);
+    }
+
 private:
     static constexpr std::size_t kSearchPays = 16; // points of the curve for each one asked for
     static constexpr int kSteps = 8;               // farther than this, a search is faster
@@ -53,13 +73,35 @@ private:
     // as equal; spares the search for the decade.
     static constexpr double kSurelyDistinct = kEqualSvalues * 2.220446049250313e-16;
 
-    static bool inOrder(const std::vector<double>& svalues);
+    // Of the s-values: anything; each not less than the one before; each surely distinct from it.
+    enum class Order { none, loose, strict };
+
+    static Order orderOf(const std::vector<double>& svalues);
+
+    bool merges() const { return order_ == Order::strict && s_[0] >= 0.0; }
+
+    // Fills the block with parameters and their brackets, if that is worth it and they lie inside
+    // the curve and not too far apart. Returns the first s-value above the first of them; else
+    // null.
+    const double* findBrackets(const double* parameters, BracketBlock& block);
+
+    // The first index from the given one on whose s-value is greater than s, which one has.
+    std::size_t firstAbove(double s, std::size_t from) const;
+
+    template <typename Emit>
+    void emitBlock(const double* svalues, const BracketBlock& block, std::size_t k, Emit emit) {
+        const Point* const points = p_ + (svalues - s_);
+        for (std::size_t i = 0; i < BracketBlock::kCount; ++i) {
+            const Point* const hi = points + block.above(i);
+            emit(k + i, hi[-1] + (hi[0] - hi[-1]) * block.weight(i));
+        }
+    }
 
     // Emits points as long as the next parameter is near and its bracket plain; returns the first
     // k that is left to at(). What changes stands in locals: nothing waits for memory.
     template <typename ParameterAt, typename Emit>
     std::size_t runOfNear(std::size_t k, std::size_t end, ParameterAt parameterAt, Emit emit) {
-        if (!walks_) {
+        if (order_ == Order::none) {
             return k;
         }
         const std::size_t last = svalues_.size() - 1;
@@ -91,7 +133,7 @@ private:
     const std::vector<double>& svalues_;
     const Point* p_;
     const double* s_;
-    bool walks_;
+    Order order_;
     std::size_t hi_ = 1;
 };
 

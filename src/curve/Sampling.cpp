@@ -29,9 +29,7 @@ void sample(ParameterWalk& walk, const Points& points, const std::vector<double>
     T* const to = out.data();
     const double* const s = parameters.data();
     to[0] = take(keepEnds ? points.front() : walk.at(s[0]));
-    walk.forEach(
-        1, last, [s](std::size_t k) { return s[k]; },
-        [to, take](std::size_t k, const Point& p) { to[k] = take(p); });
+    walk.forEach(1, last, s, [to, take](std::size_t k, const Point& p) { to[k] = take(p); });
     to[last] = take(keepEnds ? points.back() : walk.at(s[last]));
 }
 

@@ -42,6 +42,13 @@ void expectWalkIsPlain(const Points& p, const Values& s, const Values& parameter
                 together.push_back(point);
             });
     EXPECT_TRUE(sameBitsInAll(together, plain));
+    Points ofList;
+    qel::ParameterWalk(p, s, expected)
+        .forEach(0, parameters.size(), parameters.data(), [&](std::size_t k, const Point& point) {
+            EXPECT_EQ(k, ofList.size());
+            ofList.push_back(point);
+        });
+    EXPECT_TRUE(sameBitsInAll(ofList, plain));
 }
 
 TEST(ParameterWalk, FindsWhatAPlainSearchFinds) {
@@ -82,6 +89,61 @@ TEST(ParameterWalk, FollowsJumpsAndRuns) {
     expectWalkIsPlain(p, s, parameters, parameters.size());
     std::sort(parameters.begin(), parameters.end());
     expectWalkIsPlain(p, s, parameters, parameters.size());
+}
+
+// Distinct s-values from `from` to 1; the higher the power, the more of them crowd at the front.
+Values crowded(CurveMaker& make, std::size_t n, double from, double power) {
+    Values s(n);
+    for (double& at : s) {
+        at = from + (1.0 - from) * std::pow(make.uniform(0.0, 1.0), power);
+    }
+    s.front() = from;
+    s.back() = 1.0;
+    std::sort(s.begin(), s.end());
+    s.erase(std::unique(s.begin(), s.end()), s.end());
+    return s;
+}
+
+// Long sorted lists, whose blocks are merged: as many parameters as s-values, more or fewer, both
+// crowded in places, on s-values and beside them, repeated, beyond the ends.
+TEST(ParameterWalk, MergesBlocksOfSortedParameters) {
+    CurveMaker make(26);
+    for (const std::size_t n : {2u, 3u, 40u, 300u, 3000u, 9000u}) {
+        for (const double from : {0.0, -0.0, 0.25, -0.25}) {
+            for (const double power : {1.0, 4.0}) {
+                SCOPED_TRACE(std::to_string(n) + " s-values from " + std::to_string(from));
+                const Values s = crowded(make, n, from, power);
+                Points p(s.size());
+                for (Point& point : p) {
+                    point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
+                }
+                Values parameters = crowded(make, 1500, from - 0.001, 5.0 - power);
+                for (std::size_t k = 0; k < parameters.size(); k += 5) {
+                    parameters[k] = s[make.index(s.size())];
+                }
+                std::sort(parameters.begin(), parameters.end());
+                onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+            }
+        }
+    }
+}
+
+// A block with one parameter out of place, NaN or beyond an end among others that can be merged.
+TEST(ParameterWalk, DoesNotMergeBlocksOutOfOrder) {
+    CurveMaker make(27);
+    const Values s = crowded(make, 1000, 0.0, 1.0);
+    Points p(s.size());
+    for (std::size_t i = 0; i < p.size(); ++i) {
+        p[i] = Point(static_cast<double>(i), make.uniform(-1, 1), make.uniform(-1, 1));
+    }
+    const Values sorted = crowded(make, 1100, 0.0, 2.0);
+    for (const double wrong : {kNaN, -1.0, 0.0, 0.5, 1.0, 2.0}) {
+        for (const std::size_t at : {0u, 1u, 255u, 256u, 300u, 511u, 512u, 1000u}) {
+            Values parameters = sorted;
+            parameters[at] = wrong;
+            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+        }
+    }
 }
 
 // Steps near the size at which s-values count as equal, at every decade.
