@@ -397,7 +397,8 @@ public:
     /// @param[out] ids        indices, before the change, of the points kept, increasing
     /// @param      tolerance  normal distance, same unit as the points
     /// @throws internal::error  (method "optimizeByNormalDistance") if supplied s-values outside
-    ///     0..1 make it keep the same points again without end
+    ///     0..1, or so near its ends that a middle rounds to them, make it keep the same points
+    ///     again without end
     void optimizeByNormalDistance(int count, std::vector<int>& ids, double tolerance);
     void optimizeByNormalDistance(int count, double tolerance);
 

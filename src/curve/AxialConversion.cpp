@@ -100,10 +100,11 @@ void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& d
 
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction,
                                     FloatPoints& out) const {
+    const FloatPoint axis[] = {point, direction}; // which may stand in out
     out.clear();
     out.reserve(points_.size());
     Points converted;
-    convertToART0(point, direction, converted);
+    convertToART0(axis[0], axis[1], converted);
     narrowInto(converted, out);
 }
 
@@ -149,10 +150,11 @@ void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& di
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction,
                                    FloatPoints& out, int refId, double theta0) const {
     checkReferent(refId, points_.size());
+    const FloatPoint axis[] = {point, direction}; // which may stand in out
     out.clear();
     out.reserve(points_.size());
     Points converted;
-    convertToART(point, direction, converted, refId, theta0);
+    convertToART(axis[0], axis[1], converted, refId, theta0);
     narrowInto(converted, out);
 }
 

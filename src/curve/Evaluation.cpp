@@ -102,11 +102,11 @@ int ParametricCurve::getClosestToSvaluePoint(double s) const {
         return last;
     }
     // Supplied s-values need not reach s; then the nearer end is the answer.
+    if (!(s < svalues_.back())) { // also where all of them equal s
+        return last;
+    }
     if (!(s > svalues_.front())) {
         return 0;
-    }
-    if (!(s < svalues_.back())) {
-        return last;
     }
     const auto [lo, hi] = bracketOf(svalues_, s);
     const bool nearerToLo = std::abs(s - svalues_[lo]) < std::abs(s - svalues_[hi]);

@@ -22,8 +22,9 @@ namespace {
 
 using Edge = ParametricCurve::tEdge;
 
-// Vertices beyond the curve's own that may be kept. Where supplied s-values leave 0..1, the vertex
-// found for a chord of no length may lie outside it, so that chords can come back for ever.
+// Vertices beyond the curve's own that may be kept. Where supplied s-values leave 0..1, or come so
+// near its ends that the middle of two rounds to them, the vertex found for a chord of no length
+// may lie outside it, so that chords can come back for ever.
 constexpr std::size_t kMostRepeats = 1000;
 
 // The chords in order of appearance, and the choice among them: the largest distance of those not

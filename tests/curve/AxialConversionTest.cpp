@@ -161,6 +161,28 @@ FloatPoint randomFloats(CurveMaker& make, double size) {
             static_cast<float>(make.uniform(-size, size))};
 }
 
+// The caller's axis may lie in the vector that the result replaces.
+TEST(AxialConversion, TheAxisMayStandInTheOutput) {
+    Points helix;
+    for (int i = 0; i < 300; ++i) {
+        helix.emplace_back(std::cos(0.1 * i), std::sin(0.1 * i), 0.01 * i);
+    }
+    const ParametricCurve curve = through(helix);
+    const FloatPoint point(0.25F, 0.5F, 0.75F);
+    const FloatPoint direction(0.0F, 1.0F, 2.0F);
+    FloatPoints expected;
+    curve.convertToART0(point, direction, expected);
+    FloatPoints out{point, direction};
+    curve.convertToART0(out[0], out[1], out);
+    EXPECT_TRUE(sameBitsInAll(out, expected));
+
+    curve.convertToART(point, direction, expected, 7, 0.5);
+    out = {point, direction};
+    curve.convertToART(out[0], out[1], out, 7, 0.5);
+    EXPECT_TRUE(sameBitsInAll(out, expected));
+    EXPECT_EQ(curve.getAxisPoint(), Point(point));
+}
+
 TEST(AxialConversion, IsThatOfThePlainStatement) {
     CurveMaker make(61);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {

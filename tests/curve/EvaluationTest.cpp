@@ -171,6 +171,11 @@ TEST(Evaluation, ClosestInSAssumesZeroToOne) {
     EXPECT_EQ(curve.getClosestToSvaluePoint(0.6), 1);
 }
 
+TEST(Evaluation, ClosestInSIsTheLastWhereAllSvaluesEqualIt) {
+    EXPECT_EQ(curveOn({0.5, 0.5}).getClosestToSvaluePoint(0.5), 1);
+    EXPECT_EQ(curveOn({0.5, 0.5, 0.5}).getClosestToSvaluePoint(0.5), 2);
+}
+
 TEST(Evaluation, ClosestInSBeyondTheCurvesOwnSvaluesIsTheNearerEnd) {
     EXPECT_EQ(curveOn({0.5, 0.6, 0.7}).getClosestToSvaluePoint(0.1), 0);
     EXPECT_EQ(curveOn({0.5, 0.6, 0.7}).getClosestToSvaluePoint(0.9), 2);
@@ -387,11 +392,14 @@ Interpolated plainInterpolateOnS(const Points& p, const std::vector<double>& s, 
 
 int plainClosestInS(const std::vector<double>& s, double at) {
     const int last = static_cast<int>(s.size()) - 1;
-    if (!(at > 0.0) || !(at > s.front())) {
+    if (!(at > 0.0)) {
         return 0;
     }
     if (!(at < 1.0) || !(at < s.back())) {
         return last;
+    }
+    if (!(at > s.front())) {
+        return 0;
     }
     const auto [unused, lo, hi] = plainBracket(s, at);
     return static_cast<int>(std::abs(at - s[lo]) < std::abs(at - s[hi]) ? lo : hi);

@@ -167,6 +167,23 @@ TEST(FarthestVertex, ExtremeChordsAreTreatedAsStated) {
     }
 }
 
+// Points about as far from the chord as it is long, where squares lose digits to underflow: a bound
+// computed from them would pass over vertices.
+TEST(FarthestVertex, ChordsWhoseSquaresUnderflowAreTreatedAsStated) {
+    RandomCurves random(67);
+    for (int round = 0; round < 2000; ++round) {
+        SCOPED_TRACE(round);
+        const double scale = std::pow(10.0, random.uniform(-162.5, -158.0));
+        Points points;
+        for (std::size_t i = 0; i < 1000; ++i) {
+            points.push_back(random.point(scale));
+        }
+        Chord chord = chordOf(points, 0, 999);
+        chord.tolerance = chord.length * std::pow(10.0, random.uniform(-6.0, -1.0));
+        ASSERT_NO_FATAL_FAILURE(checkChord(points, 1, 999, chord));
+    }
+}
+
 TEST(FarthestVertex, KeepsAVertexFoundBeforeUnlessOneIsFarther) {
     Points points(200, Point(1, 2, 0));
     points.front() = Point();
