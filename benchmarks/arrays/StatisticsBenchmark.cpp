@@ -100,16 +100,17 @@ void qelComponentStatistics(benchmark::State& state, Kind kind, std::size_t n) {
 }
 
 #if defined(QEL_BENCHMARK_HAS_BOOST)
-void boostStatistics(benchmark::State& state, Kind kind, std::size_t n) {
+// Of every stride-th value.
+template <std::size_t stride>
+void ofBoost(benchmark::State& state, const std::vector<float>& values) {
     namespace acc = boost::accumulators;
-    const std::vector<float> values = field(kind, n);
     for (auto _ : state) {
         acc::accumulator_set<
             double, acc::stats<acc::tag::min, acc::tag::max, acc::tag::sum, acc::tag::count>>
             set;
-        for (const float v : values) {
-            if (v != std::numeric_limits<float>::max()) {
-                set(static_cast<double>(v));
+        for (std::size_t i = 0; i < values.size(); i += stride) {
+            if (values[i] != std::numeric_limits<float>::max()) {
+                set(static_cast<double>(values[i]));
             }
         }
         benchmark::DoNotOptimize(acc::min(set));
@@ -117,7 +118,19 @@ void boostStatistics(benchmark::State& state, Kind kind, std::size_t n) {
         benchmark::DoNotOptimize(acc::sum(set));
         benchmark::DoNotOptimize(acc::count(set));
     }
-    countItems(state, n);
+    countItems(state, values.size() / stride);
+}
+
+void boostStatistics(benchmark::State& state, Kind kind, std::size_t n) {
+    ofBoost<1>(state, field(kind, n));
+}
+
+void boostComponentStatistics(benchmark::State& state, Kind kind, std::size_t n) {
+    std::vector<float> triplets;
+    for (const float v : field(kind, n)) {
+        triplets.insert(triplets.end(), 3, v);
+    }
+    ofBoost<3>(state, triplets);
 }
 #endif
 
@@ -146,6 +159,9 @@ const bool registered = [] {
 #endif
             if (n < 1000000) {
                 add(work + "_component", "qel", qelComponentStatistics, kind, n);
+#if defined(QEL_BENCHMARK_HAS_BOOST)
+                add(work + "_component", "boost", boostComponentStatistics, kind, n);
+#endif
             }
             add(work, "read", readValues, kind, n);
         }

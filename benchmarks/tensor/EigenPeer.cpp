@@ -78,6 +78,24 @@ double swirlOf(const Eigen::Matrix3d& t) {
     return solver.eigenvalues().imag().maxCoeff();
 }
 
+// The eigenvector of the real eigenvalue where the others are complex, else zero.
+Eigen::Vector3d realEigenvectorOf(const Eigen::Matrix3d& t) {
+    const Eigen::EigenSolver<Eigen::Matrix3d> solver(t);
+    for (int i = 0; i < 3; ++i) {
+        if (solver.eigenvalues()[i].imag() == 0.0 &&
+            solver.eigenvalues()[(i + 1) % 3].imag() != 0.0) {
+            return solver.eigenvectors().col(i).real();
+        }
+    }
+    return Eigen::Vector3d::Zero();
+}
+
+void realEigenvector(const TensorField& f, float* out) {
+    for (std::size_t k = 0; k < f.n; ++k) {
+        Eigen::Map<Eigen::Vector3f>(out + 3 * k) = realEigenvectorOf(matrixAt(f, k)).cast<float>();
+    }
+}
+
 void invariantQ(const TensorField& f, float* out) {
     const auto t = [&](const float* row, int i) { return component(row, f.n, i); };
     Eigen::Map<Eigen::ArrayXf>(out, static_cast<Eigen::Index>(f.n)) =
@@ -110,6 +128,7 @@ const bool registered = [] {
     addEigen("divergence", 1, divergence);
     addEigen("vorticity", 3, vorticity);
     addEigen("helicity", 1, helicity);
+    addEigen("eigenvector", 3, realEigenvector);
     addPerPoint("discriminant", discriminantOf);
     addPerPoint("lambda2", lambda2Of);
     addPerPoint("swirl", swirlOf);
