@@ -15,6 +15,8 @@
 
 namespace qel {
 
+class RunSegments;
+
 /// A polyline in space with a parameter s along it.
 ///
 /// s never decreases. Computed s is arc length over total length: 0 at the first point, exactly 1
@@ -513,6 +515,7 @@ private:
     Point projectToEdge(int i, int j, double d2i, double d2j, double& s) const;
     void calculateDistanceFromTwoPoints(int i, int j, double& distance, int& index,
                                         bool& done) const;
+    void measureChord(tEdge& chord, const RunSegments* runs) const;
 
     // -- Cleaning and extrapolation ----
     void eliminateDoublePoints(int exponent, const std::vector<Point>& points,

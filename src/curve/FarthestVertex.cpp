@@ -18,13 +18,16 @@
 #include <algorithm>
 #include <limits>
 
-#include "platform/VectorUnit.h"
+#include "curve/RunSegments.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kBlock = 64;         // vertices that share one bound
 constexpr std::size_t kBlocks = 64;        // bounds held at a time
+constexpr std::size_t kRuns = 256;         // runs of RunSegments.h taken together
+constexpr std::size_t kFewRuns = 4;        // below, blocks are as fast
 constexpr std::size_t kLanes = 8;          // doubles of the widest unit
 constexpr std::size_t kShortRun = 48;      // below, the plain loop is as fast
 constexpr double kSlack = 0x1p-46;         // of ww
@@ -107,63 +110,116 @@ QEL_KERNEL void takeFarthestOfBlock(const Point* p, std::size_t first, std::size
     }
 }
 
+// Squared distances below this do not exceed the distance found or the tolerance.
+QEL_KERNEL double cutoffOf(const Chord& chord, double distance) {
+    const double exceeded = distance > chord.tolerance ? distance : chord.tolerance;
+    return exceeded * exceeded * kBelow;
+}
+
+QEL_KERNEL std::size_t highestOf(const double* bounds, std::size_t count) {
+    std::size_t highest = 0;
+    for (std::size_t k = 1; k < count; ++k) {
+        highest = bounds[k] > bounds[highest] ? k : highest;
+    }
+    return highest;
+}
+
+// Calls take(k, farthest) for those of a group's parts, in order, whose bounds leave them a chance.
+template <typename Take>
+QEL_KERNEL void takeByBounds(const double* bounds, std::size_t count, const Chord& chord,
+                             FarthestVertex& farthest, Take take) {
+    const std::size_t highest = highestOf(bounds, count);
+    if (bounds[highest] < cutoffOf(chord, farthest.distance)) {
+        return;
+    }
+    // A distance that is reached in this group lets most other parts drop out.
+    FarthestVertex probe = farthest;
+    take(highest, probe);
+    const double limit = cutoffOf(chord, probe.distance);
+    for (std::size_t k = 0; k < count; ++k) {
+        if (!(bounds[k] < limit)) {
+            take(k, farthest);
+        }
+    }
+}
+
 // One group of blocks: their bounds first, then the stated arithmetic where it may matter.
 QEL_KERNEL void takeFarthestOfGroup(const Point* p, std::size_t first, std::size_t last,
                                     const Chord& chord, FarthestVertex& farthest) {
-    double bounds[kBlocks];
-    double largest = -kInfinity;
-    std::size_t highest = 0;
+    double bounds[kBlocks] = {};
     std::size_t count = 0;
     for (std::size_t k = first; k < last; k += kBlock, ++count) {
         bounds[count] = blockBound(p + k, std::min(kBlock, last - k), chord);
-        if (bounds[count] > largest) {
-            largest = bounds[count];
-            highest = count;
-        }
     }
-    const auto take = [&](std::size_t block, FarthestVertex& vertex) {
+    takeByBounds(bounds, count, chord, farthest, [&](std::size_t block, FarthestVertex& vertex) {
         const std::size_t k = first + block * kBlock;
         takeFarthestOfBlock(p, k, std::min(kBlock, last - k), chord, vertex);
-    };
-    const auto cutoff = [&](double distance) {
-        const double exceeded = distance > chord.tolerance ? distance : chord.tolerance;
-        return exceeded * exceeded * kBelow;
-    };
-    if (largest < cutoff(farthest.distance)) {
-        return;
-    }
-    // A distance that is reached in this group lets most other blocks drop out.
-    FarthestVertex probe = farthest;
-    take(highest, probe);
-    const double limit = cutoff(probe.distance);
-    for (std::size_t block = 0; block < count; ++block) {
-        if (!(bounds[block] < limit)) {
-            take(block, farthest);
+    });
+}
+
+struct BlocksKernel {
+    QEL_KERNEL static void run(const Point* p, std::size_t first, std::size_t last, Chord chord,
+                               FarthestVertex* farthest) {
+        for (std::size_t k = first; k < last; k += kBlocks * kBlock) {
+            takeFarthestOfGroup(p, k, std::min(k + kBlocks * kBlock, last), chord, *farthest);
         }
     }
-}
+};
 
-QEL_KERNEL void takeFarthestOfRun(const Point* p, std::size_t first, std::size_t last,
-                                  const Chord& chord, FarthestVertex& farthest) {
-    for (std::size_t k = first; k < last; k += kBlocks * kBlock) {
-        takeFarthestOfGroup(p, k, std::min(k + kBlocks * kBlock, last), chord, farthest);
+// -- Whole runs ----
+
+// Squares of bounds on the distances of the vertices in runs, see RunSegments.h; infinite for NaN.
+QEL_KERNEL void runBounds(const RunSegments::View& runs, std::size_t first, std::size_t count,
+                          const Chord& chord, double* bounds) {
+    constexpr double kOfOffset = 0x1p-50;
+    constexpr double kOfBound = 1.0 + 0x1p-40;
+    double ww[kRuns + 1];
+    double d2[kRuns + 1];
+    const Point start = chord.start;
+    const Point e = chord.direction;
+    const double inverse = 1.0 / chord.length;
+    for (std::size_t k = 0; k <= count; ++k) {
+        const double x = runs.x[first + k] - start.x;
+        const double y = runs.y[first + k] - start.y;
+        const double z = runs.z[first + k] - start.z;
+        const double along = (x * e.x + y * e.y + z * e.z) * inverse;
+        ww[k] = x * x + y * y + z * z;
+        const double bound = ww[k] * (1.0 + kSlack) - along * along;
+        d2[k] = bound < 0.0 ? 0.0 : bound;
+    }
+    for (std::size_t k = 0; k < count; ++k) {
+        const double stray = runs.stray[first + k];
+        const double offset = std::sqrt(ww[k] + ww[k + 1]) + stray; // NaN if one is
+        const double farther = d2[k] > d2[k + 1] ? d2[k] : d2[k + 1];
+        const double distance = std::sqrt(farther) + stray + offset * kOfOffset;
+        const double bound = (distance * distance + offset * offset * kSlack) * kOfBound;
+        bounds[k] = bound < kInfinity ? bound : kInfinity;
     }
 }
 
-void takePortable(const Point* p, std::size_t first, std::size_t last, const Chord& chord,
-                  FarthestVertex& farthest) {
-    takeFarthestOfRun(p, first, last, chord, farthest);
+// The vertices of one run, once more by a bound of their own.
+QEL_KERNEL void takeFarthestOfRun(const Point* p, std::size_t first, const Chord& chord,
+                                  FarthestVertex& farthest) {
+    const double bound = blockBound(p + first, RunSegments::kRun, chord);
+    if (!(bound < cutoffOf(chord, farthest.distance))) {
+        takeFarthestOfBlock(p, first, RunSegments::kRun, chord, farthest);
+    }
 }
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 void takeAvx2(const Point* p, std::size_t first, std::size_t last, const Chord& chord,
-                       FarthestVertex& farthest) {
-    takeFarthestOfRun(p, first, last, chord, farthest);
-}
-QEL_AVX512 void takeAvx512(const Point* p, std::size_t first, std::size_t last, const Chord& chord,
-                           FarthestVertex& farthest) {
-    takeFarthestOfRun(p, first, last, chord, farthest);
-}
-#endif
+
+struct RunsKernel {
+    QEL_KERNEL static void run(const Point* p, RunSegments::View runs, std::size_t first,
+                               std::size_t last, Chord chord, FarthestVertex* farthest) {
+        for (std::size_t r = first; r < last; r += kRuns) {
+            const std::size_t count = std::min(kRuns, last - r);
+            double bounds[kRuns];
+            runBounds(runs, r, count, chord, bounds);
+            takeByBounds(bounds, count, chord, *farthest,
+                         [&](std::size_t k, FarthestVertex& vertex) {
+                             takeFarthestOfRun(p, (r + k) * RunSegments::kRun, chord, vertex);
+                         });
+        }
+    }
+};
 
 } // namespace
 
@@ -183,16 +239,20 @@ void takeFarthest(const Points& points, std::size_t first, std::size_t last, con
         takeFarthestPlainly(points, first, last, chord, farthest);
         return;
     }
-    switch (vectorUnit()) {
-#if defined(QEL_VECTOR_UNITS)
-    case VectorUnit::avx512:
-        return takeAvx512(points.data(), first, last, chord, farthest);
-    case VectorUnit::avx2:
-        return takeAvx2(points.data(), first, last, chord, farthest);
-#endif
-    default:
-        return takePortable(points.data(), first, last, chord, farthest);
+    onVectorUnit<BlocksKernel>(points.data(), first, last, chord, &farthest);
+}
+
+void takeFarthest(const Points& points, const RunSegments& runs, std::size_t first,
+                  std::size_t last, const Chord& chord, FarthestVertex& farthest) {
+    const std::size_t firstRun = (first + RunSegments::kRun - 1) / RunSegments::kRun;
+    const std::size_t lastRun = std::min(last / RunSegments::kRun, runs.size());
+    if (lastRun < firstRun + kFewRuns || last > points.size() || !isRegular(chord)) {
+        takeFarthest(points, first, last, chord, farthest);
+        return;
     }
+    takeFarthest(points, first, firstRun * RunSegments::kRun, chord, farthest);
+    onVectorUnit<RunsKernel>(points.data(), runs.view(), firstRun, lastRun, chord, &farthest);
+    takeFarthest(points, lastRun * RunSegments::kRun, last, chord, farthest);
 }
 
 } // namespace qel

@@ -5,6 +5,7 @@
 #include <qel/NumericalUtils.h>
 
 #include "curve/FarthestVertex.h"
+#include "curve/RunSegments.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -60,9 +61,23 @@ void ParametricCurve::calculateDistanceFromTwoPoints(int i, int j, double& dista
 
 void ParametricCurve::calculateNormalDistanceFromTwoPoints(int i, int j, double& distance,
                                                            int& index, bool& done) const {
-    done = true;
-    distance = 0.0;
-    index = i;
+    tEdge edge;
+    edge.first = i;
+    edge.second = j;
+    measureChord(edge, nullptr);
+    distance = edge.distance;
+    index = edge.farthest;
+    done = edge.skip;
+}
+
+// Fills in the farthest vertex of a chord, its distance and whether there is none. With the runs
+// of the curve's points, long chords are much faster.
+void ParametricCurve::measureChord(tEdge& edge, const RunSegments* runs) const {
+    const int i = edge.first;
+    const int j = edge.second;
+    edge.skip = true;
+    edge.distance = 0.0;
+    edge.farthest = i;
     if (haveNoVertexBetween(i, j)) {
         return;
     }
@@ -74,16 +89,21 @@ void ParametricCurve::calculateNormalDistanceFromTwoPoints(int i, int j, double&
     chord.length = chord.direction.length();
     chord.tolerance = chordTolerance(chord.length, createdAsDouble_);
     if (chord.tolerance > chord.length) {
-        calculateDistanceFromTwoPoints(i, j, distance, index, done);
+        calculateDistanceFromTwoPoints(i, j, edge.distance, edge.farthest, edge.skip);
         return;
     }
     if (i < j) {
+        const std::size_t first = static_cast<std::size_t>(i) + 1;
+        const auto last = static_cast<std::size_t>(j);
         FarthestVertex farthest{0.0, static_cast<std::size_t>(i)};
-        takeFarthest(points_, static_cast<std::size_t>(i) + 1, static_cast<std::size_t>(j), chord,
-                     farthest);
-        distance = farthest.distance;
-        index = static_cast<int>(farthest.index);
-        done = index == i;
+        if (runs != nullptr) {
+            takeFarthest(points_, *runs, first, last, chord, farthest);
+        } else {
+            takeFarthest(points_, first, last, chord, farthest);
+        }
+        edge.distance = farthest.distance;
+        edge.farthest = static_cast<int>(farthest.index);
+        edge.skip = edge.farthest == i;
     }
 }
 

@@ -15,6 +15,7 @@
 #include <qel/QELVector.h>
 
 #include "curve/Conversions.h"
+#include "curve/RunSegments.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -93,15 +94,12 @@ private:
     std::size_t front_ = 0; // all chords before it are skipped
 };
 
-void measure(const ParametricCurve& curve, Edge& edge) {
-    curve.calculateNormalDistanceFromTwoPoints(edge.first, edge.second, edge.distance,
-                                               edge.farthest, edge.skip);
-}
-
-// The vertices kept, in increasing order, when the whole curve's chord is split again and again.
-std::vector<int> refine(const ParametricCurve& curve, const Edge& whole, std::size_t count,
-                        double tolerance) {
-    const std::size_t expected = std::min(count, curve.getSize());
+// The vertices kept, in increasing order, when the whole chord of so many vertices, which has been
+// measured, is split again and again.
+template <typename Measure>
+std::vector<int> refine(const Edge& whole, std::size_t size, std::size_t count, double tolerance,
+                        const Measure& measure) {
+    const std::size_t expected = std::min(count, size);
     EdgeList edges;
     edges.reserve(expected);
     std::vector<int> ids;
@@ -113,7 +111,7 @@ std::vector<int> refine(const ParametricCurve& curve, const Edge& whole, std::si
     while (edges.choose(chosen)) {
         Edge before = edges[chosen];
         ids.push_back(before.farthest);
-        if (ids.size() > curve.getSize() + kMostRepeats) {
+        if (ids.size() > size + kMostRepeats) {
             throw internal::error("ParametricCurve", "optimizeByNormalDistance",
                                   "The same points are kept again and again.", argumentError);
         }
@@ -125,8 +123,8 @@ std::vector<int> refine(const ParametricCurve& curve, const Edge& whole, std::si
         Edge after = before;
         before.second = before.farthest;
         after.first = after.farthest;
-        measure(curve, before);
-        measure(curve, after);
+        measure(before);
+        measure(after);
         edges.replace(chosen, before);
         edges.append(after);
     }
@@ -166,10 +164,12 @@ void ParametricCurve::optimizeByNormalDistance(int count, std::vector<int>& ids,
     std::vector<int> kept{whole.first, whole.second};
     bool isShort = count == 2;
     if (!isShort) {
-        measure(*this, whole);
+        measureChord(whole, nullptr);
         isShort = whole.skip || whole.distance < tolerance || count == 3;
         if (!isShort) {
-            kept = refine(*this, whole, static_cast<std::size_t>(count), tolerance);
+            const RunSegments runs(points_);
+            kept = refine(whole, points_.size(), static_cast<std::size_t>(count), tolerance,
+                          [&](Edge& chord) { measureChord(chord, &runs); });
         } else if (!whole.skip && whole.distance > tolerance) {
             kept.insert(kept.begin() + 1, whole.farthest); // not where it equals the tolerance
         }
@@ -208,7 +208,7 @@ double ParametricCurve::getMaximumNormalDistance(const std::vector<double>& sval
         Edge chord;
         chord.first = previous;
         chord.second = refined->getClosestToSvaluePoint(svalues[i]);
-        measure(*refined, chord);
+        refined->measureChord(chord, nullptr);
         if (chord.distance > largest) {
             largest = chord.distance;
         }

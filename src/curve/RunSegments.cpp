@@ -1,0 +1,72 @@
+#include "curve/RunSegments.h"
+
+#include <cmath>
+#include <limits>
+
+#include "platform/VectorDispatch.h"
+
+namespace qel {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::size_t kRun = RunSegments::kRun;
+constexpr double kOfStray = 1.0 + 0x1p-40; // beyond the roundings of a residual's length
+constexpr double kOfOffsets = 0x1p-48;     // beyond those of its components
+
+// How far the vertices lie from the segment between the first and the last of a run.
+QEL_KERNEL double strayOf(const Point* run) {
+    const Point a = run[0];
+    const Point e = run[kRun] - a;
+    const double ee = e.dot(e);
+    const double inverse = ee > 0.0 ? 1.0 / ee : 0.0;
+    double residual[kRun];
+    double offset[kRun];
+    for (std::size_t k = 0; k < kRun; ++k) {
+        const double x = run[k].x - a.x;
+        const double y = run[k].y - a.y;
+        const double z = run[k].z - a.z;
+        const double foot = (x * e.x + y * e.y + z * e.z) * inverse;
+        // Any place on the segment bounds the distance; this is about the nearest.
+        const double atMostOne = foot < 1.0 ? foot : 1.0;
+        const double t = atMostOne > 0.0 ? atMostOne : 0.0;
+        const double dx = x - e.x * t;
+        const double dy = y - e.y * t;
+        const double dz = z - e.z * t;
+        residual[k] = dx * dx + dy * dy + dz * dz;
+        offset[k] = x * x + y * y + z * z;
+    }
+    for (std::size_t width = kRun / 2; width > 0; width /= 2) {
+        for (std::size_t k = 0; k < width; ++k) {
+            residual[k] = residual[k] > residual[k + width] ? residual[k] : residual[k + width];
+            offset[k] += offset[k + width]; // more than the largest; NaN if one is
+        }
+    }
+    const double stray =
+        std::sqrt(residual[0]) * kOfStray + (std::sqrt(offset[0]) + std::sqrt(ee)) * kOfOffsets;
+    return offset[0] < kInfinity && ee < kInfinity ? stray : kInfinity;
+}
+
+struct StrayKernel {
+    QEL_KERNEL static void run(const Point* points, std::size_t count, double* strays) {
+        for (std::size_t r = 0; r < count; ++r) {
+            strays[r] = strayOf(points + r * kRun);
+        }
+    }
+};
+
+} // namespace
+
+RunSegments::RunSegments(const Points& points)
+    : strays_(points.empty() ? 0 : (points.size() - 1) / kRun) {
+    x_.reserve(size() + 1);
+    y_.reserve(size() + 1);
+    z_.reserve(size() + 1);
+    for (std::size_t k = 0; k < points.size(); k += kRun) {
+        x_.push_back(points[k].x);
+        y_.push_back(points[k].y);
+        z_.push_back(points[k].z);
+    }
+    onVectorUnit<StrayKernel>(points.data(), size(), strays_.data());
+}
+
+} // namespace qel
