@@ -1,6 +1,9 @@
 #include "spatial/NearestIndex.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 #include "spatial/BoxTreeBuilder.h"
 #include "spatial/NearestSearch.h"
@@ -8,8 +11,8 @@
 namespace qel {
 
 NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth,
-                           std::size_t capacity) {
-    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity);
+                           std::size_t capacity, void* memory) {
+    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity, memory);
     root_ = order.root;
     maxDepthReached_ = order.maxDepthReached;
     tree_ = buildBoxTree(order, starts_);
@@ -17,7 +20,14 @@ NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int ma
 }
 
 void BoxTree::reserve(std::size_t nodes, std::size_t blocks) {
-    lines_.reserve((nodes * sizeof(BoxNode) + blocks * sizeof(PointBlock)) / sizeof(Line));
+    lines_ = Buffer<Line>((nodes * sizeof(BoxNode) + blocks * sizeof(PointBlock)) / sizeof(Line));
+    size_ = 0;
+}
+
+void BoxTree::grow() {
+    Buffer<Line> wider(size_ + size_ / 2);
+    std::copy(lines_.begin(), lines_.end(), wider.begin());
+    lines_ = std::move(wider);
 }
 
 NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
