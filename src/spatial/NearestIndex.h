@@ -135,10 +135,10 @@ public:
 
     const BoxTree& tree() const { return tree_; }
     const StartTables& starts() const { return starts_; }
-    /// True if, of two points at the same distance of the query, the first one wins. Points are
-    /// given by their places in the tree.
-    bool isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB, float qx,
-                 float qy) const;
+    /// Of points at the same distance of the query, that in the leaf of the least rank wins: the
+    /// query's leaf first, then by distance, then by number. Of points in one leaf, the first in
+    /// the list wins.
+    std::uint64_t rankOfLeaf(std::uint32_t leaf, float qx, float qy) const;
 
 private:
     QuadRectangle root_;
