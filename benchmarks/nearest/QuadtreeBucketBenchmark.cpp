@@ -2,9 +2,10 @@
 // a wall, and on a grid where every query is a tie.
 //
 // Memory per point of the bucket, on top of the caller's list: 24 bytes for the stored points, and
-// 24 to 36 for the index (32 on even clouds, 27 on clustered ones), of which 16 hold coordinates,
-// index and leaf; the rest is the unused places of its blocks, its boxes and the leaves. Up to
-// 37 bytes are set aside for blocks and boxes; what they leave over is never touched.
+// 20 to 34 for the index (28 on even clouds, up to 34 on small clustered ones), of which 16 hold
+// coordinates, index and leaf; the rest is the unused places of its blocks, its boxes and the
+// leaves. Building sorts in the memory of the stored points and takes 2 bytes more, for the list of
+// blocks.
 
 #include <algorithm>
 #include <cstdint>

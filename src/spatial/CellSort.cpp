@@ -4,39 +4,26 @@
 #include "spatial/CellSort.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
+
+#include "platform/Buffer.h"
+#include "spatial/DigitSort.h"
 
 namespace qel {
 namespace {
 
 constexpr int kSinglePassBits = 10;
 constexpr std::size_t kShortRun = 32; // sorted by comparisons
-constexpr int kDigitBits = 6;
-constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
 
 bool isInCellOrder(const PlanePoint& a, const PlanePoint& b) {
     return a.cell < b.cell;
 }
 
-// One stable pass of a radix sort.
-void dealByDigit(const PlanePoint* from, PlanePoint* to, std::size_t count, int shift) {
-    std::array<std::uint32_t, kDigits> next{};
-    const auto digit = [shift](const PlanePoint& p) { return (p.cell >> shift) & (kDigits - 1); };
-    for (std::size_t i = 0; i < count; ++i) {
-        ++next[digit(from[i])];
-    }
-    std::uint32_t sum = 0;
-    for (std::uint32_t& n : next) {
-        const std::uint32_t size = n;
-        n = sum;
-        sum += size;
-    }
-    for (std::size_t i = 0; i < count; ++i) {
-        to[next[digit(from[i])]++] = from[i];
-    }
+void dealByCells(const PlanePoint* from, PlanePoint* to, std::size_t count, int shift, int bits) {
+    dealByDigit(
+        count, shift, bits, [=](std::size_t i) { return from[i].cell; },
+        [=](std::size_t i, std::size_t place) { to[place] = from[i]; });
 }
 
 // Sorts a run by the lowest bits of the cells.
@@ -45,10 +32,9 @@ void sortRun(PlanePoint* run, PlanePoint* scratch, std::size_t count, int bits) 
         std::sort(run, run + count, isInCellOrder);
         return;
     }
-    for (int shift = 0; shift < bits; shift += 2 * kDigitBits) {
-        dealByDigit(run, scratch, count, shift);
-        dealByDigit(scratch, run, count, shift + kDigitBits);
-    }
+    const int lowBits = bits / 2;
+    dealByCells(run, scratch, count, 0, lowBits);
+    dealByCells(scratch, run, count, lowBits, bits - lowBits);
 }
 
 QEL_KERNEL void number(const TripletBase<float>* points, std::size_t count, EvenCells cellsX,
@@ -80,21 +66,44 @@ QEL_AVX2 void numberAvx2(const TripletBase<float>* points, std::size_t count,
 
 // The cell of each point.
 void numberCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
-                 const GridCells& gridY, std::vector<std::uint32_t>& cells) {
+                 const GridCells& gridY, std::uint32_t* cells) {
     if (!gridX.isEven() || !gridY.isEven()) {
-        std::transform(
-            points.begin(), points.end(), cells.begin(),
-            [&](const TripletBase<float>& p) { return cellNumber(gridX, gridY, p.x, p.y); });
+        std::transform(points.begin(), points.end(), cells, [&](const TripletBase<float>& p) {
+            return cellNumber(gridX, gridY, p.x, p.y);
+        });
         return;
     }
     const EvenCells cellsX = gridX.even(), cellsY = gridY.even();
 #if defined(QEL_VECTOR_UNITS)
     if (vectorUnit() != VectorUnit::portable) {
-        numberAvx2(points.data(), points.size(), cellsX, cellsY, cells.data());
+        numberAvx2(points.data(), points.size(), cellsX, cellsY, cells);
         return;
     }
 #endif
-    numberPortable(points.data(), points.size(), cellsX, cellsY, cells.data());
+    numberPortable(points.data(), points.size(), cellsX, cellsY, cells);
+}
+
+// Counts the points of every run, and puts them into their runs. The starts of the runs become
+// their ends. Returns the length of the longest.
+std::uint32_t dealIntoRuns(const TripletBase<float>* points, const LeafOrder& order, int runBits,
+                           std::vector<std::uint32_t>& runs) {
+    const std::uint32_t* const cells = order.cells;
+    std::uint32_t* const next = runs.data();
+    for (std::size_t i = 0; i < order.count; ++i) {
+        ++next[cells[i] >> runBits];
+    }
+    std::uint32_t longest = 0, sum = 0;
+    for (std::uint32_t& run : runs) {
+        const std::uint32_t size = run;
+        longest = std::max(longest, size);
+        run = sum;
+        sum += size;
+    }
+    for (std::size_t i = 0; i < order.count; ++i) {
+        order.points[next[cells[i] >> runBits]++] = {points[i].x, points[i].y,
+                                                     static_cast<std::uint32_t>(i), cells[i]};
+    }
+    return longest;
 }
 
 } // namespace
@@ -103,31 +112,18 @@ void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells&
                  const GridCells& gridY, LeafOrder& order) {
     const int cellBits = 2 * gridX.levels();
     const int runBits = cellBits > kSinglePassBits ? cellBits / 2 : 0;
-    std::vector<std::uint32_t>& cells = order.cells;
-    std::vector<std::uint32_t> starts((std::size_t{1} << (cellBits - runBits)) + 1);
-    cells.resize(points.size());
-    numberCells(points, gridX, gridY, cells);
-    for (const std::uint32_t cell : cells) {
-        ++starts[(cell >> runBits) + 1];
-    }
-    const std::uint32_t longest = *std::max_element(starts.begin(), starts.end());
-    std::partial_sum(starts.begin(), starts.end(), starts.begin());
-
-    std::vector<PlanePoint>& sorted = order.points;
-    sorted.resize(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        sorted[starts[cells[i] >> runBits]++] = {points[i].x, points[i].y,
-                                                 static_cast<std::uint32_t>(i), cells[i]};
-    }
-    if (runBits > 0) { // each start is now the end of its run
-        std::vector<PlanePoint> scratch(longest);
+    numberCells(points, gridX, gridY, order.cells);
+    std::vector<std::uint32_t> runs(std::size_t{1} << (cellBits - runBits));
+    const std::uint32_t longest = dealIntoRuns(points.data(), order, runBits, runs);
+    if (runBits > 0) {
+        Buffer<PlanePoint> scratch(longest);
         std::size_t begin = 0;
-        for (std::size_t run = 0; run + 1 < starts.size(); ++run) {
-            sortRun(sorted.data() + begin, scratch.data(), starts[run] - begin, runBits);
-            begin = starts[run];
+        for (const std::uint32_t end : runs) {
+            sortRun(order.points + begin, scratch.data(), end - begin, runBits);
+            begin = end;
         }
     }
-    std::transform(sorted.begin(), sorted.end(), cells.begin(),
+    std::transform(order.points, order.points + order.count, order.cells,
                    [](const PlanePoint& p) { return p.cell; });
 }
 

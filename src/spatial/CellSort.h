@@ -14,9 +14,9 @@
 
 namespace qel {
 
-/// Fills in the points of the order, by ascending cell, and their cells. In the number of a cell,
-/// the choices along both axes follow each other from the root down, x first. Both grids have the
-/// same number of levels.
+/// Fills in the points of the order, by ascending cell, and their cells, whose memory is there. In
+/// the number of a cell, the choices along both axes follow each other from the root down, x first.
+/// Both grids have the same number of levels.
 void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
                  const GridCells& gridY, LeafOrder& order);
 
@@ -26,6 +26,15 @@ inline std::uint32_t spread(std::uint32_t bits) {
     bits = (bits | (bits << 4)) & 0x0f0f0f0fu;
     bits = (bits | (bits << 2)) & 0x33333333u;
     return (bits | (bits << 1)) & 0x55555555u;
+}
+
+/// The number of the cell in column x and row y, both below 256: spreads both at once.
+inline std::uint32_t cellNumber(std::uint32_t x, std::uint32_t y) {
+    std::uint32_t bits = (x << 16) | y;
+    bits = (bits | (bits << 4)) & 0x0f0f0f0fu;
+    bits = (bits | (bits << 2)) & 0x33333333u;
+    bits = (bits | (bits << 1)) & 0x55555555u;
+    return (bits >> 15) | (bits & 0xffffu);
 }
 
 /// The number of the cell in which a point lies.

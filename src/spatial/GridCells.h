@@ -24,19 +24,25 @@ struct EvenCells {
     float cellsPerUnit;
     float last; ///< number of the last cell
 
+    /// In cells from edge 0: within half a cell of where x lies among the edges.
+    QEL_KERNEL float placeOf(float x) const {
+        const float place = (x - low) * cellsPerUnit;
+        const float notBelow = place >= 0.0f ? place : 0.0f; // a NaN neither
+        return notBelow < last + 1.0f ? notBelow : last + 1.0f;
+    }
+
     /// Mostly the cell, or else its neighbour.
     QEL_KERNEL std::int32_t guessOf(float x) const {
-        const float guess = (x - low) * cellsPerUnit;
-        const float notBelow = guess >= 1.0f ? guess : 0.0f; // a NaN neither
-        return static_cast<std::int32_t>(notBelow < last ? notBelow : last);
+        const float place = placeOf(x);
+        return static_cast<std::int32_t>(place < last ? place : last);
     }
 
     QEL_KERNEL std::uint32_t cellOf(float x) const {
-        const std::int32_t cell = guessOf(x);
-        const std::int32_t down = x >= edges[cell] ? 0 : 1;
-        const std::int32_t up = x >= edges[cell + 1] ? 1 : 0;
-        const std::int32_t right = cell - down + up;
-        const std::int32_t notBelow = right > 0 ? right : 0;
+        // Only the edge next to the place may be on the other side of x.
+        const float halfAhead = placeOf(x) + 0.5f;
+        const auto edge = static_cast<std::int32_t>(halfAhead);
+        const std::int32_t cell = edge - (x >= edges[edge] ? 0 : 1);
+        const std::int32_t notBelow = cell > 0 ? cell : 0;
         const auto lastCell = static_cast<std::int32_t>(last);
         return static_cast<std::uint32_t>(notBelow < lastCell ? notBelow : lastCell);
     }

@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <new>
 
 #include "spatial/CellSort.h"
 #include "spatial/GridCells.h"
+#include "spatial/KeyRuns.h"
 
 namespace qel {
 namespace {
@@ -16,17 +19,46 @@ constexpr double kMarginFactor = 0.1f; // single precision on purpose: 0.1000000
 
 // -- Root ----
 
-// Comparisons pass over a NaN, but not over that of a first point, which stays.
-QuadRectangle boundingBox(const std::vector<TripletBase<float>>& points) {
-    const TripletBase<float>& first = points.front();
-    QuadRectangle box{first.x, first.y, first.x, first.y};
-    for (const TripletBase<float>& p : points) {
-        box.xmin = p.x < box.xmin ? p.x : box.xmin;
-        box.ymin = p.y < box.ymin ? p.y : box.ymin;
-        box.xmax = p.x > box.xmax ? p.x : box.xmax;
-        box.ymax = p.y > box.ymax ? p.y : box.ymax;
+struct Extent {
+    QuadRectangle box;
+    float zero = 0.0f; // a NaN if a coordinate is not finite
+
+    void takeIn(const QuadRectangle& other, float zeroOfOther) {
+        extend(box, other);
+        zero += zeroOfOther;
     }
-    return box;
+};
+
+// Comparisons pass over a NaN, but not over that of a first point, which stays. Eight points are
+// taken at once: the chain of comparisons of a single one would take longer than reading the
+// points. Which of several equal extremes is met first does not matter.
+Extent extentOf(const std::vector<TripletBase<float>>& points) {
+    constexpr std::size_t kAtOnce = 8, kFloats = 3 * kAtOnce;
+    float low[kFloats], high[kFloats], zero[kFloats];
+    for (std::size_t k = 0; k < kFloats; k += 3) {
+        std::memcpy(low + k, &points.front(), sizeof(points.front()));
+        std::memcpy(high + k, &points.front(), sizeof(points.front()));
+    }
+    std::fill(zero, zero + kFloats, 0.0f);
+    const std::size_t whole = points.size() / kAtOnce * kAtOnce;
+    for (std::size_t i = 0; i < whole; i += kAtOnce) {
+        float values[kFloats];
+        std::memcpy(values, points.data() + i, sizeof(values));
+        for (std::size_t k = 0; k < kFloats; ++k) {
+            low[k] = values[k] < low[k] ? values[k] : low[k];
+            high[k] = values[k] > high[k] ? values[k] : high[k];
+            zero[k] += values[k] * 0.0f;
+        }
+    }
+    Extent extent = {{low[0], low[1], high[0], high[1]}};
+    for (std::size_t k = 0; k < kFloats; k += 3) {
+        extent.takeIn({low[k], low[k + 1], high[k], high[k + 1]}, zero[k] + zero[k + 1]);
+    }
+    for (std::size_t i = whole; i < points.size(); ++i) {
+        const TripletBase<float>& p = points[i];
+        extent.takeIn({p.x, p.y, p.x, p.y}, p.x * 0.0f + p.y * 0.0f);
+    }
+    return extent;
 }
 
 // The difference in float, the product in double, rounded.
@@ -34,17 +66,16 @@ float margin(float low, float high) {
     return static_cast<float>(static_cast<double>(high - low) * kMarginFactor);
 }
 
-QuadRectangle rootRectangle(const std::vector<TripletBase<float>>& points) {
-    const QuadRectangle box = boundingBox(points);
+QuadRectangle rootRectangle(const QuadRectangle& box) {
     const float mx = margin(box.xmin, box.xmax);
     const float my = margin(box.ymin, box.ymax);
     return {box.xmin - mx, box.ymin - my, box.xmax + mx, box.ymax + my};
 }
 
-// About a cell for a point.
+// A cell for up to two points that are spread evenly: few cells need more cuts than theirs.
 int gridLevels(std::size_t pointCount) {
     int levels = 1;
-    while (levels < kMaxLevels && (std::size_t{1} << (2 * levels)) < pointCount) {
+    while (levels < kMaxLevels && (std::size_t{2} << (2 * levels)) < pointCount) {
         ++levels;
     }
     return levels;
@@ -65,45 +96,30 @@ public:
           gridY_(gridY),
           maxDepth_(maxDepth),
           capacity_(capacity),
-          gridDepth_(gridX.levels() + gridY.levels()) {}
+          gridDepth_(gridX.levels() + gridY.levels()) {
+        // Leaves are more than half full on average. What is set aside beyond is never touched.
+        order.leaves.reserve(
+            std::min(order.count, 2 * order.count / std::max<std::size_t>(capacity, 1) + 1));
+    }
 
-    // Cuts a run whose points share the first `depth` choices by the bits of their cells.
-    void cutByCells(std::size_t begin, std::size_t end, int depth) {
-        while (isCut(end - begin, depth)) {
-            if (depth == gridDepth_) {
-                cutByCoordinates(begin, end, depth, leafAt(order_.cells[begin], depth));
-                return;
-            }
-            const std::uint32_t bit = std::uint32_t{1} << (gridDepth_ - 1 - depth);
-            ++depth;
-            const std::size_t middle = firstWithBit(begin, end, bit);
-            if (middle != begin && middle != end) {
-                cutByCells(begin, middle, depth);
-                begin = middle;
+    // Leaf after leaf, by the bits of the cells.
+    void cut() {
+        const int leastBits = maxDepth_ < 0 ? 0 : std::max(gridDepth_ - maxDepth_, 0);
+        KeyRuns runs(order_.cells, order_.count, capacity_, leastBits, gridDepth_);
+        while (runs.next()) {
+            const int depth = gridDepth_ - runs.freeBits();
+            const QuadLeaf node = leafAt(order_.cells[runs.begin()], depth);
+            if (runs.isTooLong() && depth == gridDepth_) {
+                cutByCoordinates(runs.begin(), runs.end(), depth, node);
+            } else {
+                finish(runs.begin(), runs.end(), depth, node);
             }
         }
-        finish(begin, end, depth, leafAt(order_.cells[begin], depth));
     }
 
 private:
     bool isCut(std::size_t count, int depth) const {
         return count > capacity_ && depth != maxDepth_;
-    }
-
-    std::size_t firstWithBit(std::size_t begin, std::size_t end, std::uint32_t bit) const {
-        const auto& cells = order_.cells;
-        if ((cells[begin] & bit) != 0) {
-            return begin;
-        }
-        if ((cells[end - 1] & bit) == 0) {
-            return end;
-        }
-        const auto first = cells.begin();
-        return static_cast<std::size_t>(
-            std::partition_point(first + static_cast<std::ptrdiff_t>(begin),
-                                 first + static_cast<std::ptrdiff_t>(end),
-                                 [bit](std::uint32_t cell) { return (cell & bit) == 0; }) -
-            first);
     }
 
     // The node at a depth of the grid in which a cell lies.
@@ -135,7 +151,7 @@ private:
             const bool acrossX = depth % 2 == 0;
             const QuadRectangle r = node.rectangle;
             const float cut = acrossX ? middle(r.xmin, r.xmax) : middle(r.ymin, r.ymax);
-            const std::size_t middlePoint = partition(begin, end, acrossX, cut);
+            const std::size_t middlePoint = partition(order_.points, begin, end, acrossX, cut);
             ++depth;
             if (middlePoint == begin) {
                 idleCuts = isSame(cut, acrossX ? r.xmin : r.ymin) ? idleCuts + 1 : 0;
@@ -153,15 +169,6 @@ private:
             }
         }
         finish(begin, end, depth, node);
-    }
-
-    std::size_t partition(std::size_t begin, std::size_t end, bool acrossX, float cut) {
-        const auto first = order_.points.begin();
-        return static_cast<std::size_t>(
-            std::partition(first + static_cast<std::ptrdiff_t>(begin),
-                           first + static_cast<std::ptrdiff_t>(end),
-                           [&](const PlanePoint& p) { return !((acrossX ? p.x : p.y) >= cut); }) -
-            first);
     }
 
     static void keepLow(QuadLeaf& node, bool acrossX, float cut) {
@@ -190,18 +197,52 @@ private:
     const int gridDepth_;
 };
 
+// Puts every point to both sides and counts it on its own: no branch to be foreseen.
+std::size_t partitionFew(PlanePoint* points, std::size_t begin, std::size_t end, bool acrossX,
+                         float cut, PlanePoint* scratch) {
+    std::size_t low = begin, high = 0;
+    for (std::size_t i = begin; i < end; ++i) {
+        const PlanePoint p = points[i];
+        const std::size_t isHigh = (acrossX ? p.x : p.y) >= cut ? 1 : 0;
+        points[low] = p;
+        scratch[high] = p;
+        low += 1 - isHigh;
+        high += isHigh;
+    }
+    std::copy(scratch, scratch + high, points + low);
+    return low;
+}
+
 } // namespace
 
+std::size_t partition(PlanePoint* points, std::size_t begin, std::size_t end, bool acrossX,
+                      float cut) {
+    constexpr std::size_t kFew = 256;
+    if (end - begin <= kFew) {
+        PlanePoint scratch[kFew];
+        return partitionFew(points, begin, end, acrossX, cut, scratch);
+    }
+    return static_cast<std::size_t>(
+        std::partition(points + begin, points + end,
+                       [&](const PlanePoint& p) { return !((acrossX ? p.x : p.y) >= cut); }) -
+        points);
+}
+
 LeafOrder sortIntoLeaves(const std::vector<TripletBase<float>>& points, int maxDepth,
-                         std::size_t capacity) {
+                         std::size_t capacity, void* memory) {
     LeafOrder order;
-    order.root = rootRectangle(points);
+    order.count = points.size();
+    order.points = new (memory) PlanePoint[points.size()];
+    order.cells = new (order.points + points.size()) std::uint32_t[points.size()];
+    const Extent extent = extentOf(points);
+    order.isFinite = extent.zero == 0.0f;
+    order.root = rootRectangle(extent.box);
     const int levels = gridLevels(points.size());
     order.gridLevels = levels;
     const GridCells gridX(order.root.xmin, order.root.xmax, levels);
     const GridCells gridY(order.root.ymin, order.root.ymax, levels);
     sortByCells(points, gridX, gridY, order);
-    LeafCutter(order, gridX, gridY, maxDepth, capacity).cutByCells(0, points.size(), 0);
+    LeafCutter(order, gridX, gridY, maxDepth, capacity).cut();
     return order;
 }
 

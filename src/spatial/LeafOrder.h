@@ -7,8 +7,8 @@
 /// The tree is the one that grows when the points are inserted one after the other: a node is an
 /// inner node exactly if it holds more points than the capacity and is not at the depth limit.
 /// So it needs no insertion: sorting by the cells of a grid of the tree's own cuts brings the
-/// points into the order of its leaves, and cutting the sorted run in two, again and again,
-/// gives the leaves. Nothing but the leaves with points is kept.
+/// points into the order of its leaves, and the bits of the sorted cells tell where leaves end.
+/// Nothing but the leaves with points is kept.
 
 #include <cstddef>
 #include <cstdint>
@@ -27,6 +27,10 @@ struct PlanePoint {
     std::uint32_t cell;  ///< Z-order number of its grid cell, later the number of its leaf
 };
 
+/// Puts the points below a cut first; returns where the others begin.
+std::size_t partition(PlanePoint* points, std::size_t begin, std::size_t end, bool acrossX,
+                      float cut);
+
 /// A leaf with points. Leaves are numbered in the order of the tree, low halves first.
 struct QuadLeaf {
     QuadRectangle rectangle;
@@ -34,26 +38,33 @@ struct QuadLeaf {
     /// of them; the other sides are the root's, and queries beyond them are let in.
     bool cutLeft, cutBelow, cutRight, cutAbove;
 
+    // Without branches: a processor could not foresee them.
     bool isReachedBy(float qx, float qy) const {
-        return (!cutLeft || qx >= rectangle.xmin) && (!cutRight || !(qx >= rectangle.xmax)) &&
-               (!cutBelow || qy >= rectangle.ymin) && (!cutAbove || !(qy >= rectangle.ymax));
+        return (!cutLeft | (qx >= rectangle.xmin)) & (!cutRight | !(qx >= rectangle.xmax)) &
+               (!cutBelow | (qy >= rectangle.ymin)) & (!cutAbove | !(qy >= rectangle.ymax));
     }
 };
 
 struct LeafOrder {
     QuadRectangle root;
-    std::vector<PlanePoint> points;   ///< leaf after leaf; PlanePoint::cell is the leaf's number
-    std::vector<std::uint32_t> cells; ///< the grid cells of the points, ascending
+    std::size_t count;    ///< of the points
+    PlanePoint* points;   ///< leaf after leaf; PlanePoint::cell is the leaf's number
+    std::uint32_t* cells; ///< the grid cells of the points, ascending
     std::vector<QuadLeaf> leaves;
-    int gridLevels = 0; ///< a cell has twice as many bits
+    bool isFinite = true; ///< all coordinates of all points are
+    int gridLevels = 0;   ///< a cell has twice as many bits
     int maxDepthReached = 0;
 };
 
+/// Memory that sorting takes, for a point. The order lives in it.
+constexpr std::size_t kSortingBytes = sizeof(PlanePoint) + sizeof(std::uint32_t);
+
+/// @param points    not empty, and fewer than 2^31
 /// @param maxDepth  negative: no limit
 /// @param capacity  not negative
-/// The list must not be empty, and be shorter than 2^31.
+/// @param memory    kSortingBytes for every point, aligned as a PlanePoint is
 LeafOrder sortIntoLeaves(const std::vector<TripletBase<float>>& points, int maxDepth,
-                         std::size_t capacity);
+                         std::size_t capacity, void* memory);
 
 } // namespace qel
 

@@ -1,6 +1,9 @@
 #include "spatial/NearestIndex.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 #include "spatial/BoxTreeBuilder.h"
 #include "spatial/NearestSearch.h"
@@ -8,8 +11,8 @@
 namespace qel {
 
 NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth,
-                           std::size_t capacity) {
-    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity);
+                           std::size_t capacity, void* memory) {
+    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity, memory);
     root_ = order.root;
     maxDepthReached_ = order.maxDepthReached;
     tree_ = buildBoxTree(order, starts_);
@@ -17,7 +20,14 @@ NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int ma
 }
 
 void BoxTree::reserve(std::size_t nodes, std::size_t blocks) {
-    lines_.reserve((nodes * sizeof(BoxNode) + blocks * sizeof(PointBlock)) / sizeof(Line));
+    lines_ = Buffer<Line>((nodes * sizeof(BoxNode) + blocks * sizeof(PointBlock)) / sizeof(Line));
+    size_ = 0;
+}
+
+void BoxTree::grow() {
+    Buffer<Line> wider(size_ + size_ / 2);
+    std::copy(lines_.begin(), lines_.end(), wider.begin());
+    lines_ = std::move(wider);
 }
 
 NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
@@ -29,34 +39,26 @@ NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
 }
 
 std::size_t NearestIndex::memoryBytes() const {
-    std::size_t bytes = leaves_.capacity() * sizeof(QuadLeaf) + tree_.memoryBytes();
+    std::size_t bytes = leaves_.size() * sizeof(QuadLeaf) + tree_.memoryBytes();
     for (const StartTable& table : starts_) {
         bytes += table.memoryBytes();
     }
     return bytes;
 }
 
-bool NearestIndex::isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB,
-                           float qx, float qy) const {
-    const std::uint32_t leafA = blockA.leaf[laneA], leafB = blockB.leaf[laneB];
-    if (leafA == leafB) {
-        return blockA.index[laneA] < blockB.index[laneB];
-    }
+std::uint64_t NearestIndex::rankOfLeaf(std::uint32_t leaf, float qx, float qy) const {
     // The search starts in the query's leaf only if this holds, which a root without extent in
     // numbers (NaN) does not.
     const bool startsInLeaf =
         (qx >= root_.xmin || root_.xmax > qx) && (qy >= root_.ymin || root_.ymax > qy);
-    const QuadLeaf& first = leaves_[leafA];
-    const QuadLeaf& second = leaves_[leafB];
-    if (startsInLeaf && first.isReachedBy(qx, qy)) {
-        return true;
+    if (startsInLeaf && leaves_[leaf].isReachedBy(qx, qy)) {
+        return 0; // of a single leaf
     }
-    if (startsInLeaf && second.isReachedBy(qx, qy)) {
-        return false;
-    }
-    const float distanceA = squaredDistance(first.rectangle, qx, qy);
-    const float distanceB = squaredDistance(second.rectangle, qx, qy);
-    return distanceA != distanceB ? distanceA < distanceB : leafA < leafB;
+    // The bits of a float that is not negative ascend with it.
+    const float distance = squaredDistance(leaves_[leaf].rectangle, qx, qy);
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &distance, sizeof(bits));
+    return ((std::uint64_t{bits} << 32) | leaf) + 1;
 }
 
 } // namespace qel

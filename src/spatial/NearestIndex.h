@@ -26,6 +26,7 @@
 
 #include <qel/TripletBase.h>
 
+#include "platform/Buffer.h"
 #include "spatial/LeafOrder.h"
 #include "spatial/StartTable.h"
 
@@ -65,16 +66,22 @@ public:
     const PointBlock& block(std::uint32_t line) const {
         return *std::launder(reinterpret_cast<const PointBlock*>(&lines_[line]));
     }
-    /// In use: what is reserved beyond is never touched.
-    std::size_t memoryBytes() const { return lines_.size() * sizeof(Line); }
+    /// In use: what is set aside beyond is never touched.
+    std::size_t memoryBytes() const { return size_ * sizeof(Line); }
 
     // -- Building ----
 
     void reserve(std::size_t nodes, std::size_t blocks);
-    /// Each returns the line of a new object.
-    std::uint32_t add(const BoxNode& node) { return append(node); }
-    std::uint32_t add(const PointBlock& block) { return append(block); }
-    void replace(std::uint32_t line, const BoxNode& node) { new (&lines_[line]) BoxNode(node); }
+    /// Sets aside a node or a block, without values; returns its line.
+    std::uint32_t addNode() { return append<BoxNode>(); }
+    std::uint32_t addBlock() { return append<PointBlock>(); }
+    /// Valid until something is added.
+    BoxNode& node(std::uint32_t line) {
+        return *std::launder(reinterpret_cast<BoxNode*>(&lines_[line]));
+    }
+    PointBlock& block(std::uint32_t line) {
+        return *std::launder(reinterpret_cast<PointBlock*>(&lines_[line]));
+    }
 
 private:
     // A cache line of storage.
@@ -83,22 +90,27 @@ private:
     };
 
     template <typename T>
-    std::uint32_t append(const T& object) {
+    std::uint32_t append() {
         static_assert(std::is_trivially_copyable<T>::value && sizeof(T) % sizeof(Line) == 0,
                       "objects fill whole lines and may be moved with them");
-        const std::size_t line = lines_.size();
-        lines_.resize(line + sizeof(T) / sizeof(Line));
-        new (&lines_[line]) T(object);
+        const std::size_t line = size_;
+        size_ += sizeof(T) / sizeof(Line);
+        if (size_ > lines_.size()) {
+            grow();
+        }
+        new (&lines_[line]) T;
         return static_cast<std::uint32_t>(line);
     }
+    void grow();
 
-    std::vector<Line> lines_;
+    Buffer<Line> lines_;
+    std::size_t size_ = 0;
 };
 
 class NearestIndex {
 public:
-    /// Bound on the height of the tree, and more than it can reach: a split halves the points or
-    /// uses up one of the 24 bits of their cells.
+    /// Bound on the height of the tree, and more than it can reach: a split halves the blocks or
+    /// uses up one of the 56 bits of their keys.
     static constexpr int kMaxHeight = 60;
 
     struct Nearest {
@@ -108,7 +120,9 @@ public:
     };
 
     /// @param points  not empty, and fewer than 2^31
-    NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth, std::size_t capacity);
+    /// @param memory  kSortingBytes for every point, for use until the index is built
+    NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth, std::size_t capacity,
+                 void* memory);
 
     /// The point that the stated search finds. Nothing if none is at a squared distance below the
     /// largest float.
@@ -121,10 +135,10 @@ public:
 
     const BoxTree& tree() const { return tree_; }
     const StartTables& starts() const { return starts_; }
-    /// True if, of two points at the same distance of the query, the first one wins. Points are
-    /// given by their places in the tree.
-    bool isFirst(const PointBlock& blockA, int laneA, const PointBlock& blockB, int laneB, float qx,
-                 float qy) const;
+    /// Of points at the same distance of the query, that in the leaf of the least rank wins: the
+    /// query's leaf first, then by distance, then by number. Of points in one leaf, the first in
+    /// the list wins.
+    std::uint64_t rankOfLeaf(std::uint32_t leaf, float qx, float qy) const;
 
 private:
     QuadRectangle root_;

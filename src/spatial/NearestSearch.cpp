@@ -155,19 +155,28 @@ QEL_KERNEL void open(Frame& frame, const BoxNode& node, float qx, float qy) {
 struct Best {
     std::int32_t distance; // bits; points beyond it lose
     int lane;
-    const PointBlock* block; // null if none yet
+    const PointBlock* block;  // null if none yet
+    bool isRanked;            // its leaf, in the current distance
+    std::uint64_t rankOfLeaf; // if so
+
+    std::uint32_t leaf() const { return block->leaf[lane]; }
+    std::uint32_t index() const { return block->index[lane]; }
 };
 
-// Points at the same distance: apart, as few queries come here.
-void settleTie(const NearestIndex& index, const PointBlock& block, const std::int32_t* distances,
-               float qx, float qy, Best& best) {
-    for (int i = 0; i < kLanes; ++i) {
-        if (distances[i] == best.distance &&
-            index.isFirst(block, i, *best.block, best.lane, qx, qy)) {
-            best.block = &block;
-            best.lane = i;
-        }
+// True if a point at the same distance as the best wins. Most ties are settled in one leaf.
+QEL_KERNEL bool winsTie(const NearestIndex& index, const PointBlock& block, int lane, float qx,
+                        float qy, Best& best) {
+    if (block.leaf[lane] == best.leaf()) {
+        return block.index[lane] < best.index();
     }
+    if (!best.isRanked) {
+        best.rankOfLeaf = index.rankOfLeaf(best.leaf(), qx, qy);
+        best.isRanked = true;
+    }
+    const std::uint64_t rank = index.rankOfLeaf(block.leaf[lane], qx, qy);
+    const bool wins = rank < best.rankOfLeaf;
+    best.rankOfLeaf = wins ? rank : best.rankOfLeaf;
+    return wins;
 }
 
 QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, float qx, float qy,
@@ -182,16 +191,21 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     if (nearest > best.distance) {
         return;
     }
-    const unsigned lanes = lanesAt(nearest, distances);
-    bool isTie = (lanes & (lanes - 1)) != 0;
+    unsigned lanes = lanesAt(nearest, distances);
     if (nearest < best.distance || best.block == nullptr) {
         prefetch(block.index);
-        best = {nearest, firstLane(lanes), &block};
-    } else {
-        isTie = true;
+        best.distance = nearest;
+        best.lane = firstLane(lanes);
+        best.block = &block;
+        best.isRanked = false;
+        lanes &= lanes - 1;
     }
-    if (isTie) {
-        settleTie(index, block, distances, qx, qy, best);
+    for (; lanes != 0; lanes &= lanes - 1) { // as near as the best
+        const int lane = firstLane(lanes);
+        if (winsTie(index, block, lane, qx, qy, best)) {
+            best.lane = lane;
+            best.block = &block;
+        }
     }
 }
 
@@ -237,7 +251,7 @@ QEL_KERNEL bool isSettled(const QuadRectangle& region, float qx, float qy, const
 
 QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
     // A winner is nearer than the largest float.
-    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr};
+    Best best = {bitsOf(std::numeric_limits<float>::max()) - 1, 0, nullptr, false, 0};
     std::uint32_t searched = kNoLine;
     for (const StartTable& table : index.starts()) {
         const StartTable::Start* const start = table.find(qx, qy);

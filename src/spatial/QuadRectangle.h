@@ -11,6 +11,14 @@ struct QuadRectangle {
     float xmin, ymin, xmax, ymax;
 };
 
+/// Takes another rectangle in. A NaN in either is passed over, or stays.
+inline void extend(QuadRectangle& box, const QuadRectangle& other) {
+    box.xmin = other.xmin < box.xmin ? other.xmin : box.xmin;
+    box.ymin = other.ymin < box.ymin ? other.ymin : box.ymin;
+    box.xmax = other.xmax > box.xmax ? other.xmax : box.xmax;
+    box.ymax = other.ymax > box.ymax ? other.ymax : box.ymax;
+}
+
 /// Where a rectangle is cut: the sum in float, halved in double, rounded.
 inline float middle(float low, float high) {
     return static_cast<float>(static_cast<double>(low + high) * 0.5);

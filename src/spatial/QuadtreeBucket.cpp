@@ -4,11 +4,14 @@
 #include <qel/QuadtreeBucket.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 #include <limits>
 #include <utility>
 
 #include <qel/QELException.h>
 
+#include "platform/LargePages.h"
 #include "spatial/NearestIndex.h"
 
 namespace qel {
@@ -17,6 +20,32 @@ namespace {
 constexpr const char* kClassName = "Quadtree"; // as messages have always called it
 constexpr float kNoDistance = std::numeric_limits<float>::max();
 constexpr std::size_t kMostPoints = std::size_t{1} << 31;
+
+// Makes stored points of a list. An insertion of many knows its room beforehand, which an appended
+// point has to ask for.
+class ObjectIterator {
+public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = QuadtreeObject;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const QuadtreeObject*;
+    using reference = QuadtreeObject;
+
+    ObjectIterator(const std::vector<TripletBase<float>>& points, std::size_t index)
+        : points_(points.data()), index_(index) {}
+
+    QuadtreeObject operator*() const { return {points_[index_], index_}; }
+    ObjectIterator& operator++() {
+        ++index_;
+        return *this;
+    }
+    bool operator==(const ObjectIterator& other) const { return index_ == other.index_; }
+    bool operator!=(const ObjectIterator& other) const { return index_ != other.index_; }
+
+private:
+    const TripletBase<float>* points_;
+    std::size_t index_;
+};
 
 } // namespace
 
@@ -59,11 +88,14 @@ void QuadtreeBucket::construct(const std::vector<TripletBase<float>>& points) {
     }
     QELVector<QuadtreeObject> objects;
     objects.reserve(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        objects.emplace_back(points[i], i);
-    }
+    adviseLargePages(objects.data(), points.size() * sizeof(QuadtreeObject));
+    // Sorting is done in the memory of the points to be stored: memory not touched before is dear.
+    static_assert(sizeof(QuadtreeObject) >= kSortingBytes &&
+                      alignof(QuadtreeObject) >= alignof(PlanePoint),
+                  "there is room for it");
     const auto capacity = static_cast<std::size_t>(std::max(bucketCapacity_, 0));
-    index_ = std::make_unique<const NearestIndex>(points, maxDepth_, capacity);
+    index_ = std::make_unique<const NearestIndex>(points, maxDepth_, capacity, objects.data());
+    objects.insert(objects.end(), ObjectIterator(points, 0), ObjectIterator(points, points.size()));
     objects_.swap(objects);
     maxDepthReached_ = index_->maxDepthReached();
     bestObject_ = nullptr;

@@ -12,6 +12,7 @@
 #include "spatial/StatedSearch.h"
 #include "support/Bits.h"
 #include "support/Samples.h"
+#include "support/VectorUnits.h"
 
 using qel::GridCells;
 using qel::LeafOrder;
@@ -24,15 +25,17 @@ namespace {
 
 // The leaves and their points are those of the tree that grows by insertion.
 void checkLeaves(const std::vector<Point>& points, int maxDepth, int capacity) {
+    std::vector<std::uint32_t> memory(points.size() * qel::kSortingBytes / sizeof(std::uint32_t));
     const LeafOrder order =
-        qel::sortIntoLeaves(points, maxDepth, static_cast<std::size_t>(capacity));
+        qel::sortIntoLeaves(points, maxDepth, static_cast<std::size_t>(capacity), memory.data());
     const StatedSearch stated(points, maxDepth, capacity);
     const auto leaves = stated.filledLeaves();
     ASSERT_EQ(order.leaves.size(), leaves.size());
     ASSERT_EQ(order.maxDepthReached, stated.maxDepthReached());
     std::vector<std::vector<std::uint32_t>> members(leaves.size());
-    for (const qel::PlanePoint& p : order.points) {
-        members[p.cell].push_back(p.index);
+    ASSERT_EQ(order.count, points.size());
+    for (std::size_t i = 0; i < order.count; ++i) {
+        members[order.points[i].cell].push_back(order.points[i].index);
     }
     for (std::size_t i = 0; i < leaves.size(); ++i) {
         ASSERT_TRUE(sameBits(order.leaves[i].rectangle.xmin, leaves[i]->xmin));
@@ -67,7 +70,8 @@ TEST(LeafOrder, LeavesAreThoseThatInsertionGrows) {
                 p = Point(samples.any(), samples.any(), 0.0f);
             }
         }
-        checkLeaves(points, samples.integer(0, 30), samples.integer(1, 20));
+        const int maxDepth = samples.integer(0, 30), capacity = samples.integer(1, 20);
+        qel_test::onEveryVectorUnit([&] { checkLeaves(points, maxDepth, capacity); });
     }
 }
 
@@ -105,7 +109,8 @@ TEST(NearestSearch, AnswersAreTheSameOnEveryVectorUnit) {
     for (Point& p : points) {
         p = Point(static_cast<float>(samples.integer(0, 40)), samples.plain(), 0.0f);
     }
-    const qel::NearestIndex index(points, 10, 10);
+    std::vector<std::uint32_t> memory(points.size() * qel::kSortingBytes / sizeof(std::uint32_t));
+    const qel::NearestIndex index(points, 10, 10, memory.data());
     for (int i = 0; i < 5000; ++i) {
         const float x = 4.0f * samples.plain(), y = samples.plain();
         qel::forceVectorUnit(qel::VectorUnit::portable);

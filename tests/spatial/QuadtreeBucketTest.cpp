@@ -416,6 +416,29 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsFromAnyStart) {
     }
 }
 
+// Clouds with more points in a cell of the grid than a block takes, at every scale.
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInCloudsThatThicken) {
+    Samples<float> samples(421);
+    for (int n = 0; n < 24; ++n) {
+        Points points;
+        const auto power = [&] { return std::pow(0.5f, 2.0f * std::abs(samples.plain())); };
+        const auto wholePower = [&] {
+            return std::pow(0.5f, static_cast<float>(samples.integer(0, 60)));
+        };
+        for (int i = 0; i < 3000; ++i) {
+            points.emplace_back(n % 2 == 0 ? samples.plain() : wholePower(),
+                                n % 3 == 0 ? wholePower() : power(), 0.0f);
+        }
+        Points queries;
+        for (int i = 0; i < 500; ++i) {
+            queries.push_back(sampledQuery(samples, points, plainCloud));
+            queries.emplace_back(wholePower(), 0.75f * wholePower(), 0.0f);
+        }
+        checkQueries(points, 8 + n, 1 + n, queries);
+        ASSERT_FALSE(HasFatalFailure()) << "cloud " << n;
+    }
+}
+
 TEST(QuadtreeBucket, FindsTheLeastDistance) {
     Samples<float> samples(419);
     for (int n = 0; n < 200; ++n) {

@@ -1,0 +1,23 @@
+#ifndef QEL_SPATIAL_BLOCKFILL_H
+#define QEL_SPATIAL_BLOCKFILL_H
+
+/// @file
+/// Fills a block of NearestIndex, from point after point to coordinate after coordinate, and takes
+/// the box of points.
+
+#include <cstddef>
+
+#include "spatial/NearestIndex.h"
+
+namespace qel {
+
+/// Writes the whole block.
+/// @param count  up to 16 points
+void fillBlock(PointBlock& block, const PlanePoint* points, int count);
+
+/// The box of one point or more, all of them with finite coordinates.
+QuadRectangle boxOf(const PlanePoint* points, std::size_t count);
+
+} // namespace qel
+
+#endif
