@@ -26,6 +26,7 @@
 #include "Console.h"
 #include "Display.h"
 #include "Rendering.h"
+#include "Text.h"
 #include "VortexScene.h"
 
 namespace program {
@@ -383,13 +384,8 @@ PictureChoice parsePictureChoice(const std::string& text) {
     }
     choice.field = info->field;
     if (equals != std::string::npos) {
-        try {
-            std::size_t end = 0;
-            choice.value = std::stod(text.substr(equals + 1), &end);
-            if (end != text.size() - equals - 1) {
-                throw std::invalid_argument(text);
-            }
-        } catch (const std::logic_error&) {
+        choice.value = asNumber(text.substr(equals + 1));
+        if (!choice.value.has_value() || !std::isfinite(*choice.value)) {
             throw UserError("\"" + text.substr(equals + 1) + "\" is no value of an iso-surface");
         }
     }
