@@ -73,7 +73,9 @@ void VtkMessages::clear() {
 }
 
 void VtkMessages::addError(const char* text) {
-    errors_.push_back(oneLine(text));
+    // A whole dump of VTK's state, which comes after the message that says why, if there is one.
+    const bool dump = vtksys::RegularExpression("returned failure for request").find(text);
+    errors_.push_back(dump ? "VTK fails without a reason" : oneLine(text));
 }
 
 void VtkMessages::addWarning(const char* text) {
