@@ -58,10 +58,11 @@ private:
 };
 
 void checkOutputs(const VortexOptions& options) {
-    for (const std::string& file : {options.output, options.image}) {
-        if (!file.empty()) {
-            checkWritable(file);
-        }
+    if (!options.output.empty()) {
+        checkFolder(options.output); // its ending may depend on the data
+    }
+    if (!options.image.empty()) {
+        checkWritable(options.image);
     }
     if (!options.stats.empty() && options.stats != "-") {
         checkWritable(options.stats);
