@@ -86,6 +86,9 @@ FileKind recognise(const std::string& path) {
     if (fs::is_directory(path, error)) {
         throw UserError(path + " is a folder, not an OpenFOAM case");
     }
+    if (!fs::is_regular_file(path, error)) {
+        throw UserError(path + " is no ordinary file; pipes and devices are not read");
+    }
     std::string head = headOf(path);
     if (startsWith(head, kByteOrderMark)) {
         head.erase(0, kByteOrderMark.size());

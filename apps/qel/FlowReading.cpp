@@ -57,6 +57,7 @@ namespace fs = std::filesystem;
 namespace {
 
 using Reader = vtkSmartPointer<vtkAlgorithm>;
+using Make = std::function<Reader(const std::string&)>;
 
 template <typename T>
 Reader plainReader(const std::string& path) {
@@ -74,7 +75,6 @@ Reader makeAmrReader(const std::string& path) {
 }
 
 Reader makeXmlReader(const std::string& path) {
-    using Make = Reader (*)(const std::string&);
     static const std::map<std::string, Make> readers{
         {"ImageData", plainReader<vtkXMLImageDataReader>},
         {"RectilinearGrid", plainReader<vtkXMLRectilinearGridReader>},
@@ -218,10 +218,12 @@ void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
                                          *chosen);
 }
 
-vtkSmartPointer<vtkDataObject> read(const std::string& path, const Reader& reader,
+vtkSmartPointer<vtkDataObject> read(const std::string& path, const Make& make,
                                     std::optional<double> time) {
+    Reader reader;
     try {
         const CrashGuard guard("reading " + path + ": VTK's reader fails, the file is damaged");
+        reader = make(path);
         watched(reader, "reading " + path, [&] {
             reader->UpdateInformation();
             chooseTime(reader, time);
@@ -269,13 +271,13 @@ vtkSmartPointer<vtkDataObject> readPieces(const std::string& path, std::optional
             throw UserError(piece + ", a piece of " + path + ", is no legacy VTK file");
         }
     }
-    return file.isPutTogetherByVtk() ? read(path, plainReader<vtkPDataSetReader>(path), time)
+    return file.isPutTogetherByVtk() ? read(path, plainReader<vtkPDataSetReader>, time)
                                      : readBlocks(file.pieces, time);
 }
 
 vtkSmartPointer<vtkDataObject> readFile(const std::string& path, std::optional<double> time) {
     return recognise(path) == FileKind::partitionedLegacyVtk ? readPieces(path, time)
-                                                             : read(path, makeReader(path), time);
+                                                             : read(path, makeReader, time);
 }
 
 bool isPlot3dCandidate(const std::string& path) {
@@ -289,7 +291,10 @@ vtkSmartPointer<vtkDataObject> readPlot3d(const std::string& first, const std::s
     for (const auto& [grid, solution] : {std::pair(first, second), std::pair(second, first)}) {
         const std::optional<Plot3dLayout> layout = findPlot3dLayout(grid);
         if (layout.has_value() && isPlot3dSolution(solution, grid, *layout)) {
-            return read(grid, plot3dReader(grid, solution, *layout), std::nullopt);
+            const auto make = [&, &solution = solution](const std::string& path) {
+                return plot3dReader(path, solution, *layout);
+            };
+            return read(grid, make, std::nullopt);
         }
         if (layout.has_value() && refused.empty()) {
             refused = solution + " is no PLOT3D solution on the grid " + grid + ", or is damaged";

@@ -1,6 +1,8 @@
 // VTK's errors and warnings, kept instead of shown.
 #include "VtkMessages.h"
 
+#include <algorithm>
+#include <cctype>
 #include <sstream>
 
 #include <vtkLogger.h>
@@ -38,7 +40,14 @@ std::string without(std::string text, const char* pattern) {
     return text;
 }
 
-std::string wordsInOneLine(const std::string& text) {
+// Bytes of a damaged file may be quoted in a message.
+bool isNoText(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return (u < 0x20 && std::isspace(u) == 0) || u == 0x7F || u >= 0xF5; // never in UTF-8
+}
+
+std::string wordsInOneLine(std::string text) {
+    std::replace_if(text.begin(), text.end(), isNoText, '?');
     std::istringstream words(text);
     std::string line;
     for (std::string word; words >> word;) {

@@ -34,6 +34,9 @@ TEST_F(BadInput, Files) {
         expectRefused(command + "words.txt", "words.txt");
         expectRefused(command + ".", ". is a folder");
     }
+    ASSERT_EQ(shell("mkfifo pipe").status, 0);
+    expectRefused("curve pipe", "pipe is no ordinary file");
+    expectRefused("vortex /dev/zero", "/dev/zero is no ordinary file");
     expectRefused("vortex truncated.vti -o out.vti", "truncated.vti");
     expectRefused("vortex curve.csv", "curve.csv is no flow solution");
 }
