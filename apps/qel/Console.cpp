@@ -56,10 +56,10 @@ void fail(const std::string& text) {
 // -- Stopping ----
 
 void catchInterrupts() {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(number, onSignal) == SIG_IGN) {
-            std::signal(number, SIG_IGN); // as nohup and background jobs of scripts have it
-        }
+    std::signal(SIGINT, onSignal);
+    std::signal(SIGTERM, onSignal);
+    if (std::signal(SIGHUP, onSignal) == SIG_IGN) {
+        std::signal(SIGHUP, SIG_IGN); // as nohup has it
     }
     std::signal(SIGXFSZ, SIG_IGN); // a file that grows beyond a limit is an error like others
 }

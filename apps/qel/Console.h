@@ -33,7 +33,7 @@ void warn(const std::string& text);
 void fail(const std::string& text);
 
 /// From now on Ctrl-C, a request to end and a terminal that is closed stop the work at its next
-/// step; a second one ends the program at once. Signals that are ignored stay so.
+/// step; a second one ends the program at once. With nohup, a closed terminal has no effect.
 void catchInterrupts();
 void throwIfInterrupted();
 

@@ -39,7 +39,7 @@ double numberOf(const std::string& word) {
 int countOf(const std::string& word) {
     const double value = numberOf(word);
     if (value != std::floor(value) || std::abs(value) > 1e9) {
-        throw UserError("\"" + word + "\" is no whole number of points");
+        throw UserError("\"" + word + "\" is no whole number");
     }
     return static_cast<int>(value);
 }

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <numeric>
 #include <vector>
@@ -40,22 +39,17 @@ constexpr double kVortexShare = 0.5; // of all rotation, lies inside the surface
 constexpr double kColourShare = 0.98;
 constexpr double kWallOpacity = 0.15;
 
-const FieldInfo& infoOf(Field field) {
-    return vtkQELVortex::fields()[static_cast<std::size_t>(field)];
-}
-
 bool vorticalBelowZero(Field field) {
     return field == vtkQELVortex::Lambda2;
 }
 
 std::string number(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.4g", value);
-    return text;
+    return formatted("%.4g", value + 0.0); // no minus before a zero
 }
 
 std::string nameWithUnit(Field field) {
-    return infoOf(field).array + std::string(" [") + infoOf(field).unit + "]";
+    return vtkQELVortex::info(field).array + std::string(" [") + vtkQELVortex::info(field).unit +
+           "]";
 }
 
 // -- Colours ----
@@ -270,7 +264,8 @@ struct Scene {
 };
 
 Scene sceneOf(vtkDataObject* flow, int association, const PictureChoice& choice) {
-    const std::vector<std::string> names{infoOf(choice.field).array, infoOf(choice.colour).array};
+    const std::vector<std::string> names{vtkQELVortex::info(choice.field).array,
+                                         vtkQELVortex::info(choice.colour).array};
     Scene scene;
     for (const Leaf& leaf : leavesOf(flow)) {
         if (leaf.data->GetAttributes(association)->HasArray(names[0].c_str()) == 0) {
@@ -309,8 +304,8 @@ double suitableValue(const std::vector<double>& sorted, Field field) {
 
 void drawSpace(const Scene& scene, const PictureChoice& choice, const double bounds[6],
                const std::filesystem::path& target) {
-    const std::string field = infoOf(choice.field).array;
-    const std::string colour = infoOf(choice.colour).array;
+    const std::string field = vtkQELVortex::info(choice.field).array;
+    const std::string colour = vtkQELVortex::info(choice.colour).array;
     const double value = choice.value.has_value()
                              ? *choice.value
                              : suitableValue(sortedSample(scene.pieces, field), choice.field);
@@ -342,13 +337,13 @@ void drawSpace(const Scene& scene, const PictureChoice& choice, const double bou
     }
     picture.addColourBar(colours, nameWithUnit(choice.colour));
     picture.addTitle("Iso-surface " + field + " = " + number(value) + " " +
-                     infoOf(choice.field).unit + ", coloured by " + colour);
+                     vtkQELVortex::info(choice.field).unit + ", coloured by " + colour);
     picture.drawSpace(target);
 }
 
 void drawPlane(const Scene& scene, const PictureChoice& choice, const double bounds[6],
                const std::filesystem::path& target) {
-    const std::string field = infoOf(choice.field).array;
+    const std::string field = vtkQELVortex::info(choice.field).array;
     const std::vector<double> values = sortedSample(scene.pieces, field);
     const double most = std::max(std::abs(quantile(values, kColourShare)),
                                  std::abs(quantile(values, 1.0 - kColourShare)));
@@ -366,7 +361,7 @@ void drawPlane(const Scene& scene, const PictureChoice& choice, const double bou
         picture.addLines(surfaceOf(leaf.data));
     }
     picture.addColourBar(colours, nameWithUnit(choice.field));
-    picture.addTitle("Contours of " + field + ", " + infoOf(choice.field).formula);
+    picture.addTitle("Contours of " + field + ", " + vtkQELVortex::info(choice.field).formula);
     picture.drawPlane(target);
 }
 

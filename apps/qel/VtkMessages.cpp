@@ -19,9 +19,7 @@ public:
     static KeepingWindow* New();
     vtkTypeMacro(KeepingWindow, vtkOutputWindow)
 
-        void DisplayErrorText(const char* text) override {
-        VtkMessages::instance().addError(text);
-    }
+    void DisplayErrorText(const char* text) override { VtkMessages::instance().addError(text); }
     void DisplayWarningText(const char* text) override { VtkMessages::instance().addWarning(text); }
     void DisplayGenericWarningText(const char* text) override {
         VtkMessages::instance().addWarning(text);

@@ -26,7 +26,7 @@ public:
     static vtkQELPolyline* New();
     vtkTypeMacro(vtkQELPolyline, vtkObject)
 
-        vtkQELPolyline(const vtkQELPolyline&) = delete;
+    vtkQELPolyline(const vtkQELPolyline&) = delete;
     vtkQELPolyline& operator=(const vtkQELPolyline&) = delete;
 
     /// A curve, and the data of its points: as many tuples as the curve has points, or no array.

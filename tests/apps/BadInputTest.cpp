@@ -61,7 +61,7 @@ TEST_F(BadInput, CommandLines) {
 TEST_F(BadInput, NumbersThatAreNone) {
     expectRefused("vortex flow.vti --image p.png --iso q=nan", "\"nan\" is no value");
     expectRefused("curve curve.csv --extend inf", "--extend: \"inf\" is no number");
-    expectRefused("curve curve.csv --resample 2.5", "is no whole number of points");
+    expectRefused("curve curve.csv --resample 2.5", "--resample: \"2.5\" is no whole number");
     expectRefused("curve curve.csv --columns 1,2,1,2", "at most three columns");
     expectRefused("curve curve.csv --columns 0", "has no column 0");
 }

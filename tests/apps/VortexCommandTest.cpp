@@ -47,7 +47,7 @@ TEST_F(VortexCommand, WritesFieldsStatisticsAndAPicture) {
 
 TEST_F(VortexCommand, WritesOnlyTheFieldsAskedFor) {
     writeXml("in.vti", qel_test::rotation(5, 5, 5));
-    const auto run = qel("vortex in.vti --fields q,Divergence -o out --image p.png --stats -");
+    const auto run = qel("vortex in.vti --fields 'q, Divergence' -o out --image p.png --stats -");
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(statistics(run.out).size(), 2U);
     vtkNew<vtkXMLImageDataReader> reader;
