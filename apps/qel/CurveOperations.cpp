@@ -134,6 +134,7 @@ Step resample(const Words& words) {
         Points points;
         curve.curve.getCurveForEquidistantS(points, count);
         std::vector<double> svalues;
+        svalues.reserve(points.size());
         for (int i = 0; i < count; ++i) {
             svalues.push_back(static_cast<double>(i) / (count - 1));
         }

@@ -60,6 +60,7 @@ std::vector<std::size_t> coordinateColumns(const TextTable& table,
                         std::to_string(wanted.size()));
     }
     std::vector<std::size_t> columns;
+    columns.reserve(3);
     for (const std::string& name : wanted) {
         columns.push_back(wantedColumn(table, name, path));
     }
@@ -181,6 +182,10 @@ void checkFinite(const Points& points, const std::string& of) {
     }
 }
 
+void warnOfDropped(const std::string& name, const std::string& path) {
+    warn(path + ": the point data " + name + " are not on all curves and are left out");
+}
+
 // Writers need the same point data on all curves.
 void keepCommonData(std::vector<NamedCurve>& curves, const std::string& path) {
     const auto everyCurveHas = [&](vtkDataArray* array) {
@@ -200,7 +205,7 @@ void keepCommonData(std::vector<NamedCurve>& curves, const std::string& path) {
         }
     }
     for (const std::string& name : dropped) {
-        warn(path + ": the point data " + name + " are not on all curves and are left out");
+        warnOfDropped(name, path);
         for (const NamedCurve& curve : curves) {
             curve.data->RemoveArray(name.c_str());
         }
@@ -263,6 +268,12 @@ std::vector<NamedCurve> allCurves(const std::string& path,
     return curves;
 }
 
+UserError noSuchCurve(const std::string& wanted, const std::vector<NamedCurve>& all,
+                      const std::string& path) {
+    return UserError(path + " has no curve \"" + wanted + "\"; it has " +
+                     std::to_string(all.size()) + ", the first is \"" + all[0].name + "\"");
+}
+
 } // namespace
 
 vtkSmartPointer<vtkPointData> pointDataOf(const Columns& columns) {
@@ -289,8 +300,7 @@ std::vector<NamedCurve> readCurves(const std::string& path, const CurveSelection
             }
         }
         if (chosen.size() == before) {
-            throw UserError(path + " has no curve \"" + wanted + "\"; it has " +
-                            std::to_string(all.size()) + ", the first is \"" + all[0].name + "\"");
+            throw noSuchCurve(wanted, all, path);
         }
     }
     for (const NamedCurve& curve : chosen) {

@@ -263,13 +263,17 @@ vtkSmartPointer<vtkDataObject> readBlocks(const std::vector<std::string>& paths,
     return blocks;
 }
 
+void checkPiece(const std::string& piece, const std::string& of) {
+    if (recognise(piece) != FileKind::legacyVtk) {
+        throw UserError(piece + ", a piece of " + of + ", is no legacy VTK file");
+    }
+}
+
 // Pieces that VTK cannot put together become blocks.
 vtkSmartPointer<vtkDataObject> readPieces(const std::string& path, std::optional<double> time) {
     const PartitionedLegacy file = readPartitionedLegacy(path);
     for (const std::string& piece : file.pieces) {
-        if (recognise(piece) != FileKind::legacyVtk) {
-            throw UserError(piece + ", a piece of " + path + ", is no legacy VTK file");
-        }
+        checkPiece(piece, path);
     }
     return file.isPutTogetherByVtk() ? read(path, plainReader<vtkPDataSetReader>, time)
                                      : readBlocks(file.pieces, time);
@@ -285,6 +289,10 @@ bool isPlot3dCandidate(const std::string& path) {
     return kind == FileKind::binary || kind == FileKind::text;
 }
 
+std::string notOnGrid(const std::string& solution, const std::string& grid) {
+    return solution + " is no PLOT3D solution on the grid " + grid + ", or is damaged";
+}
+
 // A grid and a solution, in either order.
 vtkSmartPointer<vtkDataObject> readPlot3d(const std::string& first, const std::string& second) {
     std::string refused;
@@ -297,7 +305,7 @@ vtkSmartPointer<vtkDataObject> readPlot3d(const std::string& first, const std::s
             return read(grid, make, std::nullopt);
         }
         if (layout.has_value() && refused.empty()) {
-            refused = solution + " is no PLOT3D solution on the grid " + grid + ", or is damaged";
+            refused = notOnGrid(solution, grid);
         }
     }
     throw UserError(!refused.empty() ? refused

@@ -312,7 +312,7 @@ void drawSpace(const Scene& scene, const PictureChoice& choice, const double bou
     std::vector<vtkSmartPointer<vtkDataSet>> surfaces;
     vtkIdType points = 0;
     for (const auto& piece : scene.pieces) {
-        surfaces.push_back(isoSurface(piece, field, value));
+        surfaces.emplace_back(isoSurface(piece, field, value));
         points += surfaces.back()->GetNumberOfPoints();
     }
     if (points == 0) {
