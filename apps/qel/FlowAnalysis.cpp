@@ -18,6 +18,14 @@ namespace {
 using vtkQELVortex::Field;
 using vtkQELVortex::FieldInfo;
 
+std::string keys() {
+    std::string text;
+    for (const FieldInfo& info : vtkQELVortex::fields()) {
+        text += (text.empty() ? "" : ", ") + std::string(info.key);
+    }
+    return text;
+}
+
 std::vector<Statistics> emptyStatistics(const std::set<Field>& fields) {
     std::vector<Statistics> all;
     for (const Field field : fields) {
@@ -114,14 +122,6 @@ private:
 
 } // namespace
 
-std::string fieldKeys() {
-    std::string text;
-    for (const FieldInfo& info : vtkQELVortex::fields()) {
-        text += (text.empty() ? "" : ", ") + std::string(info.key);
-    }
-    return text;
-}
-
 std::set<Field> parseFields(const std::string& list) {
     std::set<Field> chosen;
     for (const std::string& word : splitAtCommas(list.empty() ? "all" : list)) {
@@ -133,7 +133,7 @@ std::set<Field> parseFields(const std::string& list) {
         }
         const FieldInfo* info = vtkQELVortex::findField(word);
         if (info == nullptr) {
-            throw UserError("there is no field \"" + word + "\"; the fields are " + fieldKeys());
+            throw UserError("there is no field \"" + word + "\"; the fields are " + keys());
         }
         chosen.insert(info->field);
     }

@@ -25,9 +25,6 @@ struct FlowAnalysis {
     double analysisTime = 0.0;           ///< seconds
 };
 
-/// The keys of all fields, separated by commas.
-std::string fieldKeys();
-
 /// The keys in a list separated by commas; all of them for "all" and for an empty list.
 /// @throws UserError  listing the keys, for one that is unknown
 std::set<vtkQELVortex::Field> parseFields(const std::string& list);

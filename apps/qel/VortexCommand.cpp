@@ -51,6 +51,14 @@ private:
     std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
 
+std::string fieldHelp() {
+    std::string text = "\nFields (--fields takes these names separated by commas, or all):\n";
+    for (const vtkQELVortex::FieldInfo& info : vtkQELVortex::fields()) {
+        text += formatted("  %-22s %s\n", info.key, info.formula);
+    }
+    return text;
+}
+
 void checkOutputs(const VortexOptions& options) {
     if (!options.output.empty()) {
         checkFolder(options.output); // its ending may depend on the data
@@ -188,8 +196,7 @@ void addVortexCommand(CLI::App& program) {
                         "CSV file for the statistics; - for standard output");
     command->add_option("--time", options->time, "Time to read (default: the last)");
     command->add_flag("--timing", options->timing, "Tell how long each stage takes");
-    command->footer("\nFields (--fields takes these names separated by commas, or all):\n  " +
-                    fieldKeys() + "\n" + kExamples);
+    command->footer(fieldHelp() + kExamples);
     command->callback([options] { runVortex(*options); });
 }
 

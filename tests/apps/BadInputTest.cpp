@@ -138,6 +138,7 @@ TEST_F(BadInput, HelpAndVersionAreNoErrors) {
     const auto help = qel("vortex --help");
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.out.find("Examples:"), std::string::npos);
+    EXPECT_NE(help.out.find("  lambda2                middle eigenvalue"), std::string::npos);
     EXPECT_EQ(qel("--version").status, 0);
 }
 
