@@ -37,7 +37,8 @@ find_package(
                RenderingFreeType
                RenderingGL2PSOpenGL2
                RenderingOpenGL2
-               ViewsContext2D)
+               ViewsContext2D
+               cgns)
 find_package(CLI11 QUIET)
 find_package(nlohmann_json QUIET)
 find_package(X11 QUIET)

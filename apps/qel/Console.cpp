@@ -58,6 +58,10 @@ void fail(const std::string& text) {
 void catchInterrupts() {
     std::signal(SIGINT, onSignal);
     std::signal(SIGTERM, onSignal);
+    if (std::signal(SIGHUP, onSignal) == SIG_IGN) {
+        std::signal(SIGHUP, SIG_IGN); // as nohup has it
+    }
+    std::signal(SIGXFSZ, SIG_IGN); // a file that grows beyond a limit is an error like others
 }
 
 void throwIfInterrupted() {

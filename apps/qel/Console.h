@@ -32,8 +32,8 @@ void note(const std::string& text);
 void warn(const std::string& text);
 void fail(const std::string& text);
 
-/// From now on Ctrl-C and a request to end stop the work at its next step; a second one ends the
-/// program at once.
+/// From now on Ctrl-C, a request to end and a terminal that is closed stop the work at its next
+/// step; a second one ends the program at once. With nohup, a closed terminal has no effect.
 void catchInterrupts();
 void throwIfInterrupted();
 

@@ -5,7 +5,6 @@
 #include "CurveOperations.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -15,6 +14,7 @@
 #include "Console.h"
 #include "CurveReading.h"
 #include "ListOption.h"
+#include "Text.h"
 
 namespace program {
 namespace {
@@ -29,18 +29,17 @@ constexpr double kDegree = 3.14159265358979323846 / 180.0;
 // -- Arguments ----
 
 double numberOf(const std::string& word) {
-    char* end = nullptr;
-    const double value = std::strtod(word.c_str(), &end);
-    if (word.empty() || *end != '\0' || !std::isfinite(value)) {
+    const std::optional<double> value = asNumber(word);
+    if (!value.has_value() || !std::isfinite(*value)) {
         throw UserError("\"" + word + "\" is no number");
     }
-    return value;
+    return *value;
 }
 
 int countOf(const std::string& word) {
     const double value = numberOf(word);
     if (value != std::floor(value) || std::abs(value) > 1e9) {
-        throw UserError("\"" + word + "\" is no whole number of points");
+        throw UserError("\"" + word + "\" is no whole number");
     }
     return static_cast<int>(value);
 }
@@ -135,6 +134,7 @@ Step resample(const Words& words) {
         Points points;
         curve.curve.getCurveForEquidistantS(points, count);
         std::vector<double> svalues;
+        svalues.reserve(points.size());
         for (int i = 0; i < count; ++i) {
             svalues.push_back(static_cast<double>(i) / (count - 1));
         }

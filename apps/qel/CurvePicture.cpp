@@ -29,7 +29,6 @@
 namespace program {
 namespace {
 
-constexpr std::size_t kMarkedPoints = 400; // more are drawn as a line only
 // Of the window, what axes, title and borders leave to the plot.
 constexpr double kPlotWidth = kPictureWidth - 150.0;
 constexpr double kPlotHeight = kPictureHeight - 170.0;

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cmath>
 #include <filesystem>
+#include <set>
 
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
@@ -15,6 +17,7 @@
 #include "FlowReading.h"
 #include "GeoJson.h"
 #include "Gpx.h"
+#include "Text.h"
 #include "TextTable.h"
 #include "VortexScene.h"
 
@@ -22,12 +25,6 @@ namespace program {
 namespace {
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 // -- Columns of text files ----
 
@@ -58,7 +55,12 @@ std::size_t wantedColumn(const TextTable& table, const std::string& wanted,
 std::vector<std::size_t> coordinateColumns(const TextTable& table,
                                            const std::vector<std::string>& wanted,
                                            const std::string& path) {
+    if (wanted.size() > 3) {
+        throw UserError("at most three columns can be coordinates, not " +
+                        std::to_string(wanted.size()));
+    }
     std::vector<std::size_t> columns;
+    columns.reserve(3);
     for (const std::string& name : wanted) {
         columns.push_back(wantedColumn(table, name, path));
     }
@@ -168,6 +170,48 @@ std::vector<NamedCurve> vtkCurves(const std::string& path) {
 
 // -- All kinds ----
 
+bool isFinite(const Point& p) {
+    return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+}
+
+void checkFinite(const Points& points, const std::string& of) {
+    const auto bad = std::find_if_not(points.begin(), points.end(), isFinite);
+    if (bad != points.end()) {
+        throw UserError(of + ": point " + std::to_string(bad - points.begin() + 1) +
+                        " has a coordinate that is not finite");
+    }
+}
+
+void warnOfDropped(const std::string& name, const std::string& path) {
+    warn(path + ": the point data " + name + " are not on all curves and are left out");
+}
+
+// Writers need the same point data on all curves.
+void keepCommonData(std::vector<NamedCurve>& curves, const std::string& path) {
+    const auto everyCurveHas = [&](vtkDataArray* array) {
+        return std::all_of(curves.begin(), curves.end(), [&](const NamedCurve& curve) {
+            vtkDataArray* other = curve.data->GetArray(array->GetName());
+            return other != nullptr &&
+                   other->GetNumberOfComponents() == array->GetNumberOfComponents();
+        });
+    };
+    std::set<std::string> dropped;
+    for (const NamedCurve& curve : curves) {
+        for (int i = 0; i < curve.data->GetNumberOfArrays(); ++i) {
+            vtkDataArray* array = curve.data->GetArray(i);
+            if (array != nullptr && array->GetName() != nullptr && !everyCurveHas(array)) {
+                dropped.insert(array->GetName());
+            }
+        }
+    }
+    for (const std::string& name : dropped) {
+        warnOfDropped(name, path);
+        for (const NamedCurve& curve : curves) {
+            curve.data->RemoveArray(name.c_str());
+        }
+    }
+}
+
 std::vector<Line> linesOfFile(const std::string& path, const std::vector<std::string>& columns) {
     switch (recognise(path)) {
     case FileKind::json:
@@ -224,6 +268,12 @@ std::vector<NamedCurve> allCurves(const std::string& path,
     return curves;
 }
 
+UserError noSuchCurve(const std::string& wanted, const std::vector<NamedCurve>& all,
+                      const std::string& path) {
+    return UserError(path + " has no curve \"" + wanted + "\"; it has " +
+                     std::to_string(all.size()) + ", the first is \"" + all[0].name + "\"");
+}
+
 } // namespace
 
 vtkSmartPointer<vtkPointData> pointDataOf(const Columns& columns) {
@@ -241,10 +291,7 @@ vtkSmartPointer<vtkPointData> pointDataOf(const Columns& columns) {
 
 std::vector<NamedCurve> readCurves(const std::string& path, const CurveSelection& selection) {
     std::vector<NamedCurve> all = allCurves(path, selection.columns);
-    if (selection.curves.empty()) {
-        return all;
-    }
-    std::vector<NamedCurve> chosen;
+    std::vector<NamedCurve> chosen = selection.curves.empty() ? all : std::vector<NamedCurve>();
     for (const std::string& wanted : selection.curves) {
         const std::size_t before = chosen.size();
         for (std::size_t i = 0; i < all.size(); ++i) {
@@ -253,10 +300,13 @@ std::vector<NamedCurve> readCurves(const std::string& path, const CurveSelection
             }
         }
         if (chosen.size() == before) {
-            throw UserError(path + " has no curve \"" + wanted + "\"; it has " +
-                            std::to_string(all.size()) + ", the first is \"" + all[0].name + "\"");
+            throw noSuchCurve(wanted, all, path);
         }
     }
+    for (const NamedCurve& curve : chosen) {
+        checkFinite(curve.curve.getCurve(), path + ", " + curve.name);
+    }
+    keepCommonData(chosen, path);
     return chosen;
 }
 
@@ -280,6 +330,7 @@ Points readPoints(const std::string& path, const std::vector<std::string>& colum
     if (points.empty()) {
         throw UserError(path + " has no points");
     }
+    checkFinite(points, path);
     return points;
 }
 

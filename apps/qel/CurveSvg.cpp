@@ -2,10 +2,10 @@
 #include "CurveSvg.h"
 
 #include <cmath>
-#include <cstdio>
 #include <sstream>
 
 #include "Rendering.h"
+#include "Text.h"
 
 namespace program {
 namespace {
@@ -14,17 +14,10 @@ constexpr double kLeft = 110.0; // of the plot in the picture
 constexpr double kTop = 70.0;
 constexpr double kRight = kPictureWidth - 40.0;
 constexpr double kBottom = kPictureHeight - 100.0;
-constexpr std::size_t kMarkedPoints = 400;
 constexpr double kTicks = 8.0; // wanted on an axis, about
 
-std::string number(const char* format, double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 std::string pixel(double value) {
-    return number("%.2f", value);
+    return formatted("%.2f", value);
 }
 
 std::string escaped(const std::string& text) {
@@ -118,7 +111,7 @@ private:
 
     void addTick(std::size_t axis, double value) {
         const double at = place(axis, value);
-        const std::string label = number("%.6g", value);
+        const std::string label = formatted("%.6g", value);
         if (axis == 0) {
             addRule(at, kTop, at, kBottom);
             addText(at, kBottom + 28.0, 16, "middle", label);

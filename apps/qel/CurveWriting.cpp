@@ -9,6 +9,8 @@
 #include <vtkPolyData.h>
 #include <vtkPolyDataWriter.h>
 
+#include <qel/QELException.h>
+
 #include "Console.h"
 #include "FlowWriting.h"
 #include "StagedOutput.h"
@@ -79,28 +81,25 @@ vtkSmartPointer<vtkPolyData> polyDataOf(const std::vector<NamedCurve>& curves) {
 }
 
 void writeLegacy(const std::vector<NamedCurve>& curves, const std::filesystem::path& target) {
-    StagedOutput staged(target);
     vtkNew<vtkPolyDataWriter> writer;
     writer->SetInputData(polyDataOf(curves));
-    writer->SetFileName(staged.path().c_str());
+    writer->WriteToOutputStringOn();
     watched(writer, "writing " + target.string(), [&] { writer->Write(); });
-    staged.commit();
+    writeText(target, writer->GetOutputStdString());
 }
 
 void writeExport(const std::vector<NamedCurve>& curves, const std::filesystem::path& target) {
-    StagedOutput staged(target);
-    const std::string part = staged.path() + ".part";
-    std::ofstream all(staged.path());
+    StagedOutput part(target);
+    std::ostringstream all;
     for (const NamedCurve& curve : curves) {
-        curve.curve.exportToFile(part);
-        all << (&curve == &curves.front() ? "" : "\n") << std::ifstream(part).rdbuf();
+        try {
+            curve.curve.exportToFile(part.path());
+        } catch (const qel::Error&) {
+            throw UserError("cannot write " + target.string() + ": the disk may be full");
+        }
+        all << (&curve == &curves.front() ? "" : "\n") << std::ifstream(part.path()).rdbuf();
     }
-    all.close();
-    std::filesystem::remove(part);
-    if (!all) {
-        throw UserError("cannot write " + target.string());
-    }
-    staged.commit();
+    writeText(target, all.str());
 }
 
 using Writer = void (*)(const std::vector<NamedCurve>&, const std::filesystem::path&);

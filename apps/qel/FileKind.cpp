@@ -5,6 +5,7 @@
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
 
 #include <vtksys/RegularExpression.hxx>
 
@@ -20,7 +21,7 @@ bool contains(const std::string& text, const char* part) {
     return text.find(part) != std::string::npos;
 }
 
-bool startsWith(const std::string& text, const std::string& start) {
+bool startsWith(const std::string& text, std::string_view start) {
     return text.compare(0, start.size(), start) == 0;
 }
 
@@ -85,13 +86,19 @@ FileKind recognise(const std::string& path) {
     if (fs::is_directory(path, error)) {
         throw UserError(path + " is a folder, not an OpenFOAM case");
     }
-    const std::string head = headOf(path);
+    if (!fs::is_regular_file(path, error)) {
+        throw UserError(path + " is no ordinary file; pipes and devices are not read");
+    }
+    std::string head = headOf(path);
+    if (startsWith(head, kByteOrderMark)) {
+        head.erase(0, kByteOrderMark.size());
+    }
     if (head.empty()) {
         throw UserError(path + " is empty");
     }
     const bool hdf5 = startsWith(head, "\x89HDF");
     if (startsWith(head, "ADF") || contains(head.substr(0, 64), "ADF Database") ||
-        (hdf5 && fs::path(path).extension() == ".cgns")) {
+        (hdf5 && (contains(head, "CGNSLibraryVersion") || fs::path(path).extension() == ".cgns"))) {
         return FileKind::cgns;
     }
     if (hdf5 || startsWith(head, "CDF")) {

@@ -5,8 +5,12 @@
 /// What kind of file an input is, told by its contents.
 
 #include <string>
+#include <string_view>
 
 namespace program {
+
+/// What some programs put before the text of a file in UTF-8.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 enum class FileKind {
     xmlVtk,

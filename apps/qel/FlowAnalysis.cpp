@@ -29,7 +29,7 @@ std::string keys() {
 std::vector<Statistics> emptyStatistics(const std::set<Field>& fields) {
     std::vector<Statistics> all;
     for (const Field field : fields) {
-        const FieldInfo& info = vtkQELVortex::fields()[static_cast<std::size_t>(field)];
+        const FieldInfo& info = vtkQELVortex::info(field);
         Statistics one;
         one.name = info.array + std::string(info.components > 1 ? " magnitude" : "");
         one.unit = info.unit;
@@ -64,7 +64,7 @@ public:
         }
     }
 
-    int analysed() const { return analysed_; }
+    std::size_t analysed() const { return analysed_; }
 
     vtkSmartPointer<vtkDataSet> operator()(const Leaf& leaf) {
         auto input = vtk::TakeSmartPointer(leaf.data->NewInstance());
@@ -93,7 +93,7 @@ public:
 private:
     void warnOfReplaced(vtkDataSet* input, const std::string& of) const {
         for (const Field field : fields_) {
-            const char* name = vtkQELVortex::fields()[static_cast<std::size_t>(field)].array;
+            const char* name = vtkQELVortex::info(field).array;
             if (input->GetAttributes(velocity_.association)->HasArray(name) != 0) {
                 warn("the input's array " + std::string(name) + of + " is replaced");
             }
@@ -103,7 +103,7 @@ private:
     void collect(vtkDataSet* data) {
         std::size_t i = 0;
         for (const Field field : fields_) {
-            const char* name = vtkQELVortex::fields()[static_cast<std::size_t>(field)].array;
+            const char* name = vtkQELVortex::info(field).array;
             add(result_.statistics[i++],
                 data->GetAttributes(velocity_.association)->GetArray(name));
         }
@@ -116,7 +116,7 @@ private:
     std::set<Field> fields_;
     int dimension_;
     FlowAnalysis& result_;
-    int analysed_ = 0;
+    std::size_t analysed_ = 0;
     vtkNew<vtkQELVortexFilter> filter_;
 };
 
@@ -143,9 +143,10 @@ std::set<Field> parseFields(const std::string& list) {
 FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const std::set<Field>& fields) {
     FlowAnalysis result;
     result.statistics = emptyStatistics(fields);
+    const std::vector<Leaf> leaves = leavesOf(flow);
     int dimension = -1;
-    for (const Leaf& leaf : leavesOf(flow)) {
-        if (velocityOf(leaf.data, {velocity.name, velocity.association, "", ""}) != nullptr) {
+    for (const Leaf& leaf : leaves) {
+        if (leaf.data->GetAttributes(velocity.association)->HasArray(velocity.name.c_str()) != 0) {
             dimension = std::max(dimension, cellDimension(leaf.data));
         }
     }
@@ -153,13 +154,11 @@ FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const std::s
         throw UserError("the input has no cells to take gradients on");
     }
     Analyser analyser(velocity, fields, dimension, result);
-    const auto count = leavesOf(flow).size();
     result.data = changeLeaves(flow, std::ref(analyser));
-    if (static_cast<std::size_t>(analyser.analysed()) < count) {
-        note(std::to_string(count - static_cast<std::size_t>(analyser.analysed())) + " of " +
-             std::to_string(count) +
-             " data sets are boundaries or without velocity and are kept "
-             "as they are");
+    const std::size_t kept = leaves.size() - analyser.analysed();
+    if (kept > 0) {
+        note(std::to_string(kept) + " of " + std::to_string(leaves.size()) +
+             " data sets are boundaries or without velocity and are kept as they are");
     }
     return result;
 }

@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <new>
 #include <utility>
 
 #include <vtkAlgorithm.h>
@@ -35,10 +37,18 @@
 #include <vtkXMLStructuredGridReader.h>
 #include <vtkXMLUniformGridAMRReader.h>
 #include <vtkXMLUnstructuredGridReader.h>
+#include <vtk_cgns.h>
+
+// clang-format off
+#include VTK_CGNS(cgnslib.h)
+// clang-format on
 
 #include "Console.h"
+#include "CrashGuard.h"
 #include "FileKind.h"
 #include "Leaves.h"
+#include "NetcdfSize.h"
+#include "PartitionedLegacy.h"
 #include "Plot3d.h"
 #include "VtkMessages.h"
 
@@ -47,32 +57,40 @@ namespace fs = std::filesystem;
 namespace {
 
 using Reader = vtkSmartPointer<vtkAlgorithm>;
+using Make = std::function<Reader(const std::string&)>;
 
 template <typename T>
-Reader xmlReader(const std::string& path) {
+Reader plainReader(const std::string& path) {
     auto reader = vtkSmartPointer<T>::New();
     reader->SetFileName(path.c_str());
     return reader;
 }
 
+// The reader would leave out all levels but the first.
+Reader makeAmrReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkXMLUniformGridAMRReader>::New();
+    reader->SetMaximumLevelsToReadByDefault(0);
+    reader->SetFileName(path.c_str());
+    return reader;
+}
+
 Reader makeXmlReader(const std::string& path) {
-    using Make = Reader (*)(const std::string&);
     static const std::map<std::string, Make> readers{
-        {"ImageData", xmlReader<vtkXMLImageDataReader>},
-        {"RectilinearGrid", xmlReader<vtkXMLRectilinearGridReader>},
-        {"StructuredGrid", xmlReader<vtkXMLStructuredGridReader>},
-        {"UnstructuredGrid", xmlReader<vtkXMLUnstructuredGridReader>},
-        {"PolyData", xmlReader<vtkXMLPolyDataReader>},
-        {"PImageData", xmlReader<vtkXMLPImageDataReader>},
-        {"PRectilinearGrid", xmlReader<vtkXMLPRectilinearGridReader>},
-        {"PStructuredGrid", xmlReader<vtkXMLPStructuredGridReader>},
-        {"PUnstructuredGrid", xmlReader<vtkXMLPUnstructuredGridReader>},
-        {"PPolyData", xmlReader<vtkXMLPPolyDataReader>},
-        {"vtkMultiBlockDataSet", xmlReader<vtkXMLMultiBlockDataReader>},
-        {"vtkPartitionedDataSet", xmlReader<vtkXMLPartitionedDataSetReader>},
-        {"vtkPartitionedDataSetCollection", xmlReader<vtkXMLPartitionedDataSetCollectionReader>},
-        {"vtkOverlappingAMR", xmlReader<vtkXMLUniformGridAMRReader>},
-        {"vtkNonOverlappingAMR", xmlReader<vtkXMLUniformGridAMRReader>},
+        {"ImageData", plainReader<vtkXMLImageDataReader>},
+        {"RectilinearGrid", plainReader<vtkXMLRectilinearGridReader>},
+        {"StructuredGrid", plainReader<vtkXMLStructuredGridReader>},
+        {"UnstructuredGrid", plainReader<vtkXMLUnstructuredGridReader>},
+        {"PolyData", plainReader<vtkXMLPolyDataReader>},
+        {"PImageData", plainReader<vtkXMLPImageDataReader>},
+        {"PRectilinearGrid", plainReader<vtkXMLPRectilinearGridReader>},
+        {"PStructuredGrid", plainReader<vtkXMLPStructuredGridReader>},
+        {"PUnstructuredGrid", plainReader<vtkXMLPUnstructuredGridReader>},
+        {"PPolyData", plainReader<vtkXMLPPolyDataReader>},
+        {"vtkMultiBlockDataSet", plainReader<vtkXMLMultiBlockDataReader>},
+        {"vtkPartitionedDataSet", plainReader<vtkXMLPartitionedDataSetReader>},
+        {"vtkPartitionedDataSetCollection", plainReader<vtkXMLPartitionedDataSetCollectionReader>},
+        {"vtkOverlappingAMR", makeAmrReader},
+        {"vtkNonOverlappingAMR", makeAmrReader},
     };
     const std::string type = xmlVtkType(path);
     const auto found = readers.find(type);
@@ -94,6 +112,10 @@ Reader makeLegacyReader(const std::string& path) {
 }
 
 Reader makeExodusReader(const std::string& path) {
+    const std::optional<std::uint64_t> size = netcdfSize(path);
+    if (size.has_value() && *size > fs::file_size(path)) {
+        throw UserError(path + " is damaged: it ends too early");
+    }
     auto reader = vtkSmartPointer<vtkExodusIIReader>::New();
     if (reader->CanReadFile(path.c_str()) == 0) {
         throw UserError(path + " is damaged or no Exodus file");
@@ -120,7 +142,17 @@ Reader makeFoamReader(const std::string& path) {
     return reader;
 }
 
+// VTK's reader ends the program where a file cannot be opened.
+void checkCgns(const std::string& path) {
+    int file = 0;
+    if (cg_open(path.c_str(), CG_MODE_READ, &file) != CG_OK) {
+        throw UserError(path + " is damaged or no CGNS file: " + cg_get_error());
+    }
+    cg_close(file);
+}
+
 Reader makeCgnsReader(const std::string& path) {
+    checkCgns(path);
     auto reader = vtkSmartPointer<vtkCGNSReader>::New();
     reader->SetFileName(path.c_str());
     reader->UpdateInformation();
@@ -131,10 +163,10 @@ Reader makeCgnsReader(const std::string& path) {
     return reader;
 }
 
-template <typename T>
-Reader plainReader(const std::string& path) {
-    auto reader = vtkSmartPointer<T>::New();
-    reader->SetFileName(path.c_str());
+Reader makeEnSightReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkGenericEnSightReader>::New();
+    reader->SetCaseFileName(path.c_str());
+    reader->ReadAllVariablesOn();
     return reader;
 }
 
@@ -144,14 +176,8 @@ Reader makeReader(const std::string& path) {
         return makeXmlReader(path);
     case FileKind::legacyVtk:
         return makeLegacyReader(path);
-    case FileKind::partitionedLegacyVtk:
-        return plainReader<vtkPDataSetReader>(path);
-    case FileKind::ensight: {
-        auto reader = vtkSmartPointer<vtkGenericEnSightReader>::New();
-        reader->SetCaseFileName(path.c_str());
-        reader->ReadAllVariablesOn();
-        return reader;
-    }
+    case FileKind::ensight:
+        return makeEnSightReader(path);
     case FileKind::openFoam:
         return makeFoamReader(path);
     case FileKind::exodus:
@@ -192,13 +218,20 @@ void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
                                          *chosen);
 }
 
-vtkSmartPointer<vtkDataObject> read(const std::string& path, const Reader& reader,
+vtkSmartPointer<vtkDataObject> read(const std::string& path, const Make& make,
                                     std::optional<double> time) {
-    watched(reader, "reading " + path, [&] {
-        reader->UpdateInformation();
-        chooseTime(reader, time);
-        reader->Update();
-    });
+    Reader reader;
+    try {
+        const CrashGuard guard("reading " + path + ": VTK's reader fails, the file is damaged");
+        reader = make(path);
+        watched(reader, "reading " + path, [&] {
+            reader->UpdateInformation();
+            chooseTime(reader, time);
+            reader->Update();
+        });
+    } catch (const std::bad_alloc&) {
+        throw UserError("reading " + path + ": there is not enough memory, or it is damaged");
+    }
     // The legacy readers warn where a file ends too early, and fill up with what they have.
     const std::vector<std::string>& warnings = VtkMessages::instance().warnings();
     if (reader->IsA("vtkDataReader") != 0 && !warnings.empty()) {
@@ -215,8 +248,49 @@ vtkSmartPointer<vtkDataObject> read(const std::string& path, const Reader& reade
     return data;
 }
 
+vtkSmartPointer<vtkDataObject> readFile(const std::string& path, std::optional<double> time);
+
+vtkSmartPointer<vtkDataObject> readBlocks(const std::vector<std::string>& paths,
+                                          std::optional<double> time) {
+    auto blocks = vtkSmartPointer<vtkMultiBlockDataSet>::New();
+    unsigned block = 0;
+    for (const std::string& path : paths) {
+        blocks->SetBlock(block, readFile(path, time));
+        blocks->GetMetaData(block)->Set(vtkCompositeDataSet::NAME(),
+                                        fs::path(path).stem().string().c_str());
+        ++block;
+    }
+    return blocks;
+}
+
+void checkPiece(const std::string& piece, const std::string& of) {
+    if (recognise(piece) != FileKind::legacyVtk) {
+        throw UserError(piece + ", a piece of " + of + ", is no legacy VTK file");
+    }
+}
+
+// Pieces that VTK cannot put together become blocks.
+vtkSmartPointer<vtkDataObject> readPieces(const std::string& path, std::optional<double> time) {
+    const PartitionedLegacy file = readPartitionedLegacy(path);
+    for (const std::string& piece : file.pieces) {
+        checkPiece(piece, path);
+    }
+    return file.isPutTogetherByVtk() ? read(path, plainReader<vtkPDataSetReader>, time)
+                                     : readBlocks(file.pieces, time);
+}
+
+vtkSmartPointer<vtkDataObject> readFile(const std::string& path, std::optional<double> time) {
+    return recognise(path) == FileKind::partitionedLegacyVtk ? readPieces(path, time)
+                                                             : read(path, makeReader, time);
+}
+
 bool isPlot3dCandidate(const std::string& path) {
-    return recognise(path) == FileKind::binary;
+    const FileKind kind = recognise(path);
+    return kind == FileKind::binary || kind == FileKind::text;
+}
+
+std::string notOnGrid(const std::string& solution, const std::string& grid) {
+    return solution + " is no PLOT3D solution on the grid " + grid + ", or is damaged";
 }
 
 // A grid and a solution, in either order.
@@ -225,21 +299,24 @@ vtkSmartPointer<vtkDataObject> readPlot3d(const std::string& first, const std::s
     for (const auto& [grid, solution] : {std::pair(first, second), std::pair(second, first)}) {
         const std::optional<Plot3dLayout> layout = findPlot3dLayout(grid);
         if (layout.has_value() && isPlot3dSolution(solution, grid, *layout)) {
-            return read(grid, plot3dReader(grid, solution, *layout), std::nullopt);
+            const auto make = [&, &solution = solution](const std::string& path) {
+                return plot3dReader(path, solution, *layout);
+            };
+            return read(grid, make, std::nullopt);
         }
         if (layout.has_value() && refused.empty()) {
-            refused = solution + " is no PLOT3D solution on the grid " + grid + ", or is damaged";
+            refused = notOnGrid(solution, grid);
         }
     }
     throw UserError(!refused.empty() ? refused
                                      : "neither " + first + " nor " + second +
-                                           " is a binary PLOT3D grid, or they are damaged");
+                                           " is a PLOT3D grid, or they are damaged");
 }
 
 } // namespace
 
 vtkSmartPointer<vtkDataObject> readVtk(const std::string& path) {
-    return read(path, makeReader(path), std::nullopt);
+    return readFile(path, std::nullopt);
 }
 
 vtkSmartPointer<vtkDataObject> readFlow(const std::vector<std::string>& paths,
@@ -247,18 +324,7 @@ vtkSmartPointer<vtkDataObject> readFlow(const std::vector<std::string>& paths,
     if (paths.size() == 2 && isPlot3dCandidate(paths[0]) && isPlot3dCandidate(paths[1])) {
         return readPlot3d(paths[0], paths[1]);
     }
-    if (paths.size() == 1) {
-        return read(paths[0], makeReader(paths[0]), time);
-    }
-    auto blocks = vtkSmartPointer<vtkMultiBlockDataSet>::New();
-    unsigned block = 0;
-    for (const std::string& path : paths) {
-        blocks->SetBlock(block, read(path, makeReader(path), time));
-        blocks->GetMetaData(block)->Set(vtkCompositeDataSet::NAME(),
-                                        fs::path(path).stem().string().c_str());
-        ++block;
-    }
-    return blocks;
+    return paths.size() == 1 ? readFile(paths[0], time) : readBlocks(paths, time);
 }
 
 } // namespace program

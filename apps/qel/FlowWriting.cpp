@@ -1,6 +1,10 @@
 // Writing of data sets as compressed XML VTK files.
 #include "FlowWriting.h"
 
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
 #include <vtkCompositeDataSet.h>
 #include <vtkInformation.h>
 #include <vtkMultiBlockDataSet.h>
@@ -14,6 +18,7 @@
 #include "StagedOutput.h"
 
 namespace program {
+namespace fs = std::filesystem;
 namespace {
 
 std::string endingFor(vtkDataObject* data) {
@@ -48,21 +53,42 @@ vtkSmartPointer<vtkMultiBlockDataSet> asBlocks(vtkDataObject* data) {
     return blocks;
 }
 
+// VTK's writers do not notice every failure, such as a disk that is full at the last moment.
+void checkComplete(const fs::path& folder, const fs::path& target) {
+    constexpr std::streamoff kTail = 32;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        if (!entry.is_regular_file()) {
+            continue;
+        }
+        std::ifstream file(entry.path(), std::ios::binary);
+        file.seekg(-std::min<std::streamoff>(kTail, static_cast<std::streamoff>(entry.file_size())),
+                   std::ios::end);
+        const std::string tail{std::istreambuf_iterator<char>(file), {}};
+        if (tail.find("</VTKFile>") == std::string::npos) {
+            throw UserError("cannot write " + target.string() + ": the disk may be full");
+        }
+    }
+}
+
 } // namespace
 
-std::filesystem::path outputName(const std::filesystem::path& wanted, vtkDataObject* data) {
+fs::path outputName(const fs::path& wanted, vtkDataObject* data) {
     const std::string ending = endingFor(data);
-    std::filesystem::path name = wanted;
+    fs::path name = wanted;
     if (!name.has_extension()) {
         name += ending;
     } else if (name.extension() != ending) {
         throw UserError("cannot write " + wanted.string() + ": a " + data->GetClassName() +
                         " is written to a file that ends in " + ending);
     }
+    checkWritable(name);
+    if (ending == ".vtm") {
+        checkPieceFolder(fs::path(name).replace_extension());
+    }
     return name;
 }
 
-void writeFlow(vtkDataObject* data, const std::filesystem::path& target) {
+void writeFlow(vtkDataObject* data, const fs::path& target) {
     vtkSmartPointer<vtkXMLWriter> writer;
     if (data->IsA("vtkCompositeDataSet") != 0) {
         writer = vtkSmartPointer<vtkXMLMultiBlockDataWriter>::New();
@@ -78,11 +104,8 @@ void writeFlow(vtkDataObject* data, const std::filesystem::path& target) {
     writer->EncodeAppendedDataOff();
     writer->SetHeaderTypeToUInt64();
     writer->SetFileName(staged.path().c_str());
-    int written = 0;
-    watched(writer, "writing " + target.string(), [&] { written = writer->Write(); });
-    if (written == 0) {
-        throw UserError("cannot write " + target.string());
-    }
+    watched(writer, "writing " + target.string(), [&] { writer->Write(); });
+    checkComplete(fs::path(staged.path()).parent_path(), target);
     staged.commit();
 }
 

@@ -4,12 +4,10 @@
 #include <cstdlib>
 #include <cstring>
 
-#include <vtkSmartPointer.h>
 #include <vtkXMLDataElement.h>
-#include <vtkXMLDataParser.h>
 
 #include "Console.h"
-#include "VtkMessages.h"
+#include "XmlFile.h"
 
 namespace program {
 namespace {
@@ -59,20 +57,17 @@ Line lineOf(vtkXMLDataElement* segment, const char* pointName, const std::string
 } // namespace
 
 std::vector<Line> readGpx(const std::string& path) {
-    auto parser = vtkSmartPointer<vtkXMLDataParser>::New();
-    parser->SetFileName(path.c_str());
-    VtkMessages::instance().clear();
-    if (parser->Parse() == 0 || parser->GetRootElement() == nullptr ||
-        std::strcmp(parser->GetRootElement()->GetName(), "gpx") != 0) {
+    const auto root = readXml(path, "gpx");
+    if (root == nullptr) {
         throw UserError(path + " is no GPX, or damaged");
     }
     std::vector<Line> lines;
-    for (vtkXMLDataElement* track : nested(parser->GetRootElement(), "trk")) {
+    for (vtkXMLDataElement* track : nested(root, "trk")) {
         for (vtkXMLDataElement* segment : nested(track, "trkseg")) {
             lines.push_back(lineOf(segment, "trkpt", textOf(track, "name"), path));
         }
     }
-    for (vtkXMLDataElement* route : nested(parser->GetRootElement(), "rte")) {
+    for (vtkXMLDataElement* route : nested(root, "rte")) {
         lines.push_back(lineOf(route, "rtept", textOf(route, "name"), path));
     }
     return lines;

@@ -12,12 +12,14 @@
 
 namespace program {
 
-/// The words of a list separated by commas.
+/// The words of a list separated by commas, without the blanks around them.
 inline std::vector<std::string> splitAtCommas(const std::string& list) {
     std::vector<std::string> words;
     std::istringstream stream(list);
     for (std::string word; std::getline(stream, word, ',');) {
-        words.push_back(word);
+        const std::size_t first = word.find_first_not_of(' ');
+        const std::size_t last = word.find_last_not_of(' ');
+        words.push_back(first == std::string::npos ? "" : word.substr(first, last - first + 1));
     }
     return words;
 }

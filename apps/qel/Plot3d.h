@@ -13,8 +13,9 @@ class vtkMultiBlockPLOT3DReader;
 
 namespace program {
 
-/// How a binary PLOT3D grid file is laid out. Nothing in the file says so.
+/// How a PLOT3D grid file is laid out. Nothing in the file says so.
 struct Plot3dLayout {
+    bool text = false; ///< numbers written out; byte order, records and precision play no part
     bool bigEndian = false;
     bool records = false; ///< Fortran: each record between two byte counts
     bool multiGrid = false;
@@ -24,7 +25,7 @@ struct Plot3dLayout {
 };
 
 /// The one layout under which the numbers at the start of the file give exactly its size; none if
-/// it is no binary PLOT3D grid.
+/// it is no PLOT3D grid.
 std::optional<Plot3dLayout> findPlot3dLayout(const std::string& gridPath);
 
 /// Whether a solution file has the dimensions of a grid file and is long enough for them. Some

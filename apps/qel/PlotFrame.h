@@ -13,6 +13,7 @@
 namespace program {
 
 constexpr std::array<const char*, 3> kAxisNames{"x", "y", "z"};
+constexpr std::size_t kMarkedPoints = 400; ///< curves of more are drawn as lines only
 
 /// The two axes of a plot and the ranges along them.
 struct PlotFrame {

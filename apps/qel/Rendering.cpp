@@ -4,6 +4,7 @@
 #include <vtkNew.h>
 #include <vtkPNGWriter.h>
 #include <vtkRenderWindow.h>
+#include <vtkUnsignedCharArray.h>
 #include <vtkWindowToImageFilter.h>
 
 #include "Console.h"
@@ -12,15 +13,16 @@
 namespace program {
 
 void renderToPng(vtkRenderWindow* window, const std::filesystem::path& target) {
-    StagedOutput staged(target);
     vtkNew<vtkWindowToImageFilter> image;
     image->SetInput(window);
     image->ReadFrontBufferOff();
     vtkNew<vtkPNGWriter> writer;
     writer->SetInputConnection(image->GetOutputPort());
-    writer->SetFileName(staged.path().c_str());
+    writer->WriteToMemoryOn();
     watched(writer, "drawing " + target.string(), [&] { writer->Write(); });
-    staged.commit();
+    vtkUnsignedCharArray* bytes = writer->GetResult();
+    writeText(target, std::string(reinterpret_cast<const char*>(bytes->GetPointer(0)),
+                                  static_cast<std::size_t>(bytes->GetNumberOfValues())));
 }
 
 } // namespace program

@@ -1,6 +1,7 @@
 // Output that is whole or not there.
 #include "StagedOutput.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -23,12 +24,26 @@ fs::path folderOf(const fs::path& target) {
     return target.has_parent_path() ? target.parent_path() : fs::path(".");
 }
 
+// Where a link leads to: it is to stay a link.
+fs::path withoutLinks(const fs::path& target) {
+    std::error_code error;
+    const fs::path place = fs::is_symlink(target) ? fs::canonical(target, error) : target;
+    return error ? target : place;
+}
+
+bool isPiece(const fs::path& file, const std::string& name) {
+    const std::string stem = file.stem().string();
+    return file.extension().string().rfind(".vt", 0) == 0 && stem.rfind(name + "_", 0) == 0 &&
+           stem.find_first_not_of("0123456789", name.size() + 1) == std::string::npos;
+}
+
 // Moves one file or folder into its place; what is there gives way only when the move can follow.
 void moveOver(const fs::path& from, const fs::path& to) {
     if (!fs::is_directory(from)) {
         fs::rename(from, to);
         return;
     }
+    checkPieceFolder(to);
     const fs::path old = from.string() + ".old";
     if (fs::exists(to)) {
         fs::rename(to, old);
@@ -38,11 +53,11 @@ void moveOver(const fs::path& from, const fs::path& to) {
 
 } // namespace
 
-StagedOutput::StagedOutput(const fs::path& target) : target_(target) {
-    checkWritable(target);
-    std::string name = (folderOf(target) / ".qel-XXXXXX").string();
+StagedOutput::StagedOutput(const fs::path& target) : target_(withoutLinks(target)) {
+    checkWritable(target_);
+    std::string name = (folderOf(target_) / ".qel-XXXXXX").string();
     if (mkdtemp(name.data()) == nullptr) {
-        throw cannotWrite(target, std::strerror(errno));
+        throw cannotWrite(target_, std::strerror(errno));
     }
     folder_ = name;
 }
@@ -73,16 +88,40 @@ void StagedOutput::commit() {
     }
 }
 
-void checkWritable(const fs::path& target) {
+void checkFolder(const fs::path& target) {
     const fs::path folder = folderOf(target);
     if (!fs::is_directory(folder)) {
         throw cannotWrite(target, "there is no folder " + folder.string());
     }
-    if (!target.has_filename() || fs::is_directory(target)) {
-        throw cannotWrite(target, "it is a folder");
-    }
     if (access(folder.c_str(), W_OK) != 0) {
         throw cannotWrite(target, std::strerror(errno));
+    }
+}
+
+void checkWritable(const fs::path& target) {
+    const fs::path place = withoutLinks(target);
+    checkFolder(place);
+    if (!place.has_filename() || fs::is_directory(place)) {
+        throw cannotWrite(target, "it is a folder");
+    }
+    if (fs::exists(place) && !fs::is_regular_file(place)) {
+        throw cannotWrite(target, "it is no ordinary file");
+    }
+}
+
+void checkPieceFolder(const fs::path& folder) {
+    if (!fs::exists(folder)) {
+        return;
+    }
+    const auto holdsOnlyPieces = [&] {
+        const fs::directory_iterator entries(folder);
+        return std::all_of(begin(entries), end(entries), [&](const fs::directory_entry& entry) {
+            return isPiece(entry.path(), folder.filename().string());
+        });
+    };
+    if (!fs::is_directory(folder) || !holdsOnlyPieces()) {
+        throw UserError("cannot write blocks to the folder " + folder.string() +
+                        ": there is something else of that name");
     }
 }
 

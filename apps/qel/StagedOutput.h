@@ -16,7 +16,8 @@ namespace program {
 ///     out.commit();
 ///
 /// Without commit() nothing is left, and a file that was there before stays as it is. A writer that
-/// makes more files or folders beside path() has them moved as well.
+/// makes more files beside path(), or a folder of pieces, has them moved as well. A link is written
+/// through.
 class StagedOutput {
 public:
     /// @throws UserError  if the folder is not there or cannot be written
@@ -37,8 +38,17 @@ private:
 };
 
 /// Fails early what a StagedOutput would refuse later.
-/// @throws UserError  if no file can be made there
+/// @throws UserError  if no file can be made there, or there is something that is no file
 void checkWritable(const std::filesystem::path& target);
+
+/// The part of it that does not need the whole name of the file.
+/// @throws UserError  if the folder of the file is not there or cannot be written
+void checkFolder(const std::filesystem::path& target);
+
+/// The blocks of x.vtm are written to a folder x as x_0.vtu and so on. One of an earlier run is
+/// replaced; anything else of that name is the user's.
+/// @throws UserError  if there is anything else
+void checkPieceFolder(const std::filesystem::path& folder);
 
 /// Writes a text file whole or not at all.
 /// @throws UserError  if it cannot be written

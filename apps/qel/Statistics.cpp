@@ -2,26 +2,18 @@
 #include "Statistics.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <limits>
 
 #include <vtkFloatArray.h>
+
+#include "Text.h"
 
 namespace program {
 namespace {
 
 bool isValue(float value) {
     return std::isfinite(value) && value != std::numeric_limits<float>::max();
-}
-
-// Formats numbers like printf, for one line of a table.
-template <typename... Values>
-std::string formatted(const char* format, Values... values) {
-    std::array<char, 256> line{};
-    std::snprintf(line.data(), line.size(), format, values...);
-    return line.data();
 }
 
 } // namespace

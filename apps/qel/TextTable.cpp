@@ -2,11 +2,11 @@
 #include "TextTable.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fstream>
-#include <optional>
 
 #include "Console.h"
+#include "FileKind.h"
+#include "Text.h"
 
 namespace program {
 namespace {
@@ -39,26 +39,18 @@ std::vector<std::string> split(const std::string& line) {
     return words;
 }
 
-std::optional<double> asNumber(const std::string& word) {
-    const char* first = word.data();
-    const char* last = first + word.size();
-    if (first != last && *first == '+') {
-        ++first;
-    }
-    double value = 0.0;
-    const auto result = std::from_chars(first, last, value);
-    if (first == last || result.ptr != last) {
-        return std::nullopt;
-    }
-    return value;
-}
-
 // Words may be the names of the columns below, or a title that has as many words by chance: in a
 // file of two columns parted by spaces only names of one letter are taken for a header.
 bool canBeHeader(const std::string& line, const std::vector<std::string>& words) {
     return line.find_first_of(",;") != std::string::npos || words.size() > 2 ||
            std::all_of(words.begin(), words.end(),
                        [](const std::string& word) { return word.size() == 1; });
+}
+
+// Whether a line is meant as a row of numbers, though some word in it is none: a title may well
+// start with a number, but not be parted by commas besides.
+bool isRow(const std::string& line, const std::vector<std::string>& words) {
+    return line.find_first_of(",;") != std::string::npos && asNumber(words.front()).has_value();
 }
 
 class TableReader {
@@ -69,6 +61,9 @@ public:
         std::ifstream file(path_);
         for (std::string line; std::getline(file, line);) {
             ++lineNumber_;
+            if (lineNumber_ == 1 && line.rfind(kByteOrderMark, 0) == 0) {
+                line.erase(0, kByteOrderMark.size());
+            }
             take(trimmed(line));
         }
         endTable();
@@ -96,7 +91,7 @@ private:
         }
         if (row.size() == words.size()) {
             addRow(row);
-        } else if (row.empty() || current_.rows.empty()) {
+        } else if (row.empty() || (current_.rows.empty() && !isRow(line, words))) {
             endTable();
             current_.title = line;
             current_.header = canBeHeader(line, words) ? words : Header();

@@ -3,14 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <set>
 
 #include <vtkDataSetAttributes.h>
-#include <vtkDoubleArray.h>
-#include <vtkFloatArray.h>
 
 #include "Console.h"
+#include "Text.h"
 
 namespace program {
 namespace {
@@ -27,12 +25,6 @@ struct Candidate {
     int association;
     int components;
 };
-
-std::string lower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 bool onPoints(int association) {
     return association == vtkDataObject::FIELD_ASSOCIATION_POINTS;
@@ -160,7 +152,9 @@ vtkSmartPointer<vtkDataArray> velocityOf(vtkDataSet* data, const Velocity& veloc
     if (density == nullptr) {
         return nullptr;
     }
-    auto result = vtk::TakeSmartPointer(array->NewInstance());
+    // Whole numbers would be cut off.
+    const int type = array->GetDataType() == VTK_FLOAT ? VTK_FLOAT : VTK_DOUBLE;
+    auto result = vtk::TakeSmartPointer(vtkDataArray::CreateDataArray(type));
     result->SetName(kDerivedName);
     result->SetNumberOfComponents(array->GetNumberOfComponents());
     result->SetNumberOfTuples(array->GetNumberOfTuples());

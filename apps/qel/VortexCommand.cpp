@@ -14,6 +14,7 @@
 #include "FlowWriting.h"
 #include "Leaves.h"
 #include "StagedOutput.h"
+#include "Text.h"
 #include "VortexPicture.h"
 
 namespace program {
@@ -22,11 +23,6 @@ namespace {
 using vtkQELVortex::Field;
 
 constexpr const char* kExamples = R"(
-Fields (--fields takes these names separated by commas, or all):
-  q, q-criterion, divergence, discriminant, vorticity, helicity, lambda2, swirl,
-  real-eigenvalue, real-eigenvector, swirl-normal, swirl-stretch-rate,
-  real-eigen-helicity, normal-eigen-helicity
-
 Examples:
   qel vortex wing.vtu -o vortices.vtu --image vortices.png
   qel vortex bluntfinxyz.bin bluntfinq.bin --fields q,lambda2,swirl --stats -
@@ -46,9 +42,7 @@ public:
 
     void report(const std::string& stage, double seconds) const {
         if (wanted_) {
-            char text[64];
-            std::snprintf(text, sizeof text, "%-20s %8.2f s", stage.c_str(), seconds);
-            note(text);
+            note(formatted("%-20s %8.2f s", stage.c_str(), seconds));
         }
     }
 
@@ -57,11 +51,20 @@ private:
     std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
 
+std::string fieldHelp() {
+    std::string text = "\nFields (--fields takes these names separated by commas, or all):\n";
+    for (const vtkQELVortex::FieldInfo& info : vtkQELVortex::fields()) {
+        text += formatted("  %-22s %s\n", info.key, info.formula);
+    }
+    return text;
+}
+
 void checkOutputs(const VortexOptions& options) {
-    for (const std::string& file : {options.output, options.image}) {
-        if (!file.empty()) {
-            checkWritable(file);
-        }
+    if (!options.output.empty()) {
+        checkFolder(options.output); // its ending may depend on the data
+    }
+    if (!options.image.empty()) {
+        checkWritable(options.image);
     }
     if (!options.stats.empty() && options.stats != "-") {
         checkWritable(options.stats);
@@ -82,15 +85,14 @@ void writeStatistics(const std::string& target, const std::vector<Statistics>& s
     std::cout << asTable(statistics) << std::flush;
 }
 
-// The data without the fields that only the picture needed.
-vtkSmartPointer<vtkDataObject> without(vtkDataObject* data, const std::set<Field>& extra,
+// The data without some fields.
+vtkSmartPointer<vtkDataObject> without(vtkDataObject* data, const std::set<Field>& fields,
                                        int association) {
     return changeLeaves(data, [&](const Leaf& leaf) {
         auto copy = vtk::TakeSmartPointer(leaf.data->NewInstance());
         copy->ShallowCopy(leaf.data);
-        for (const Field field : extra) {
-            const auto index = static_cast<std::size_t>(field);
-            copy->GetAttributes(association)->RemoveArray(vtkQELVortex::fields()[index].array);
+        for (const Field field : fields) {
+            copy->GetAttributes(association)->RemoveArray(vtkQELVortex::info(field).array);
         }
         return copy;
     });
@@ -103,15 +105,40 @@ vtkSmartPointer<vtkDataObject> only(vtkDataObject* data, const std::set<Field>& 
         auto copy = vtk::TakeSmartPointer(leaf.data->NewInstance());
         copy->CopyStructure(leaf.data);
         for (const Field field : fields) {
-            const auto index = static_cast<std::size_t>(field);
-            vtkDataArray* array = leaf.data->GetAttributes(association)
-                                      ->GetArray(vtkQELVortex::fields()[index].array);
-            if (array != nullptr) {
+            const char* name = vtkQELVortex::info(field).array;
+            if (vtkDataArray* array = leaf.data->GetAttributes(association)->GetArray(name)) {
                 copy->GetAttributes(association)->AddArray(array);
             }
         }
         return copy;
     });
+}
+
+// What the picture needs beyond the fields that were asked for.
+std::set<Field> extraFields(const VortexOptions& options, const std::set<Field>& fields,
+                            const PictureChoice& choice) {
+    std::set<Field> extra;
+    if (!options.image.empty()) {
+        extra = {choice.field, choice.colour};
+    }
+    for (const Field field : fields) {
+        extra.erase(field);
+    }
+    return extra;
+}
+
+// The analysis computes the statistics of all its fields, in their order.
+std::vector<Statistics> statisticsOf(const FlowAnalysis& analysis, const std::set<Field>& computed,
+                                     const std::set<Field>& extra) {
+    std::vector<Statistics> chosen;
+    std::size_t i = 0;
+    for (const Field field : computed) {
+        if (extra.count(field) == 0) {
+            chosen.push_back(analysis.statistics[i]);
+        }
+        ++i;
+    }
+    return chosen;
 }
 
 } // namespace
@@ -129,34 +156,20 @@ void runVortex(const VortexOptions& options) {
     const Velocity velocity = findVelocity(leavesOf(flow), options.velocity);
     note("the velocity is the " + velocity.origin);
 
+    const std::set<Field> extra = extraFields(options, fields, choice);
     std::set<Field> computed = fields;
-    std::set<Field> extra;
-    if (!options.image.empty()) {
-        for (const Field field : {choice.field, choice.colour}) {
-            if (computed.insert(field).second) {
-                extra.insert(field);
-            }
-        }
-    }
+    computed.insert(extra.begin(), extra.end());
     FlowAnalysis analysis = analyse(flow, velocity, computed);
     flow = nullptr;
     stages.report("gradient", analysis.gradientTime);
     stages.report("analysis", analysis.analysisTime);
     stages.done("both and statistics");
 
-    std::vector<Statistics> statistics;
-    std::size_t i = 0;
-    for (const Field field : computed) {
-        if (extra.count(field) == 0) {
-            statistics.push_back(analysis.statistics[i]);
-        }
-        ++i;
-    }
     if (!output.empty()) {
         writeFlow(without(analysis.data, extra, velocity.association), output);
         stages.done("writing");
     }
-    writeStatistics(options.stats, statistics);
+    writeStatistics(options.stats, statisticsOf(analysis, computed, extra));
     if (!options.image.empty()) {
         analysis.data = only(analysis.data, {choice.field, choice.colour}, velocity.association);
         drawVortices(analysis.data, velocity.association, choice, options.image);
@@ -183,7 +196,7 @@ void addVortexCommand(CLI::App& program) {
                         "CSV file for the statistics; - for standard output");
     command->add_option("--time", options->time, "Time to read (default: the last)");
     command->add_flag("--timing", options->timing, "Tell how long each stage takes");
-    command->footer(kExamples);
+    command->footer(fieldHelp() + kExamples);
     command->callback([options] { runVortex(*options); });
 }
 

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <functional>
 #include <numeric>
 #include <vector>
@@ -26,6 +25,7 @@
 #include "Console.h"
 #include "Display.h"
 #include "Rendering.h"
+#include "Text.h"
 #include "VortexScene.h"
 
 namespace program {
@@ -39,22 +39,17 @@ constexpr double kVortexShare = 0.5; // of all rotation, lies inside the surface
 constexpr double kColourShare = 0.98;
 constexpr double kWallOpacity = 0.15;
 
-const FieldInfo& infoOf(Field field) {
-    return vtkQELVortex::fields()[static_cast<std::size_t>(field)];
-}
-
 bool vorticalBelowZero(Field field) {
     return field == vtkQELVortex::Lambda2;
 }
 
 std::string number(double value) {
-    char text[32];
-    std::snprintf(text, sizeof text, "%.4g", value);
-    return text;
+    return formatted("%.4g", value + 0.0); // no minus before a zero
 }
 
 std::string nameWithUnit(Field field) {
-    return infoOf(field).array + std::string(" [") + infoOf(field).unit + "]";
+    return vtkQELVortex::info(field).array + std::string(" [") + vtkQELVortex::info(field).unit +
+           "]";
 }
 
 // -- Colours ----
@@ -269,7 +264,8 @@ struct Scene {
 };
 
 Scene sceneOf(vtkDataObject* flow, int association, const PictureChoice& choice) {
-    const std::vector<std::string> names{infoOf(choice.field).array, infoOf(choice.colour).array};
+    const std::vector<std::string> names{vtkQELVortex::info(choice.field).array,
+                                         vtkQELVortex::info(choice.colour).array};
     Scene scene;
     for (const Leaf& leaf : leavesOf(flow)) {
         if (leaf.data->GetAttributes(association)->HasArray(names[0].c_str()) == 0) {
@@ -308,15 +304,15 @@ double suitableValue(const std::vector<double>& sorted, Field field) {
 
 void drawSpace(const Scene& scene, const PictureChoice& choice, const double bounds[6],
                const std::filesystem::path& target) {
-    const std::string field = infoOf(choice.field).array;
-    const std::string colour = infoOf(choice.colour).array;
+    const std::string field = vtkQELVortex::info(choice.field).array;
+    const std::string colour = vtkQELVortex::info(choice.colour).array;
     const double value = choice.value.has_value()
                              ? *choice.value
                              : suitableValue(sortedSample(scene.pieces, field), choice.field);
     std::vector<vtkSmartPointer<vtkDataSet>> surfaces;
     vtkIdType points = 0;
     for (const auto& piece : scene.pieces) {
-        surfaces.push_back(isoSurface(piece, field, value));
+        surfaces.emplace_back(isoSurface(piece, field, value));
         points += surfaces.back()->GetNumberOfPoints();
     }
     if (points == 0) {
@@ -341,13 +337,13 @@ void drawSpace(const Scene& scene, const PictureChoice& choice, const double bou
     }
     picture.addColourBar(colours, nameWithUnit(choice.colour));
     picture.addTitle("Iso-surface " + field + " = " + number(value) + " " +
-                     infoOf(choice.field).unit + ", coloured by " + colour);
+                     vtkQELVortex::info(choice.field).unit + ", coloured by " + colour);
     picture.drawSpace(target);
 }
 
 void drawPlane(const Scene& scene, const PictureChoice& choice, const double bounds[6],
                const std::filesystem::path& target) {
-    const std::string field = infoOf(choice.field).array;
+    const std::string field = vtkQELVortex::info(choice.field).array;
     const std::vector<double> values = sortedSample(scene.pieces, field);
     const double most = std::max(std::abs(quantile(values, kColourShare)),
                                  std::abs(quantile(values, 1.0 - kColourShare)));
@@ -365,7 +361,7 @@ void drawPlane(const Scene& scene, const PictureChoice& choice, const double bou
         picture.addLines(surfaceOf(leaf.data));
     }
     picture.addColourBar(colours, nameWithUnit(choice.field));
-    picture.addTitle("Contours of " + field + ", " + infoOf(choice.field).formula);
+    picture.addTitle("Contours of " + field + ", " + vtkQELVortex::info(choice.field).formula);
     picture.drawPlane(target);
 }
 
@@ -383,13 +379,8 @@ PictureChoice parsePictureChoice(const std::string& text) {
     }
     choice.field = info->field;
     if (equals != std::string::npos) {
-        try {
-            std::size_t end = 0;
-            choice.value = std::stod(text.substr(equals + 1), &end);
-            if (end != text.size() - equals - 1) {
-                throw std::invalid_argument(text);
-            }
-        } catch (const std::logic_error&) {
+        choice.value = asNumber(text.substr(equals + 1));
+        if (!choice.value.has_value() || !std::isfinite(*choice.value)) {
             throw UserError("\"" + text.substr(equals + 1) + "\" is no value of an iso-surface");
         }
     }

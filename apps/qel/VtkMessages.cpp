@@ -1,6 +1,8 @@
 // VTK's errors and warnings, kept instead of shown.
 #include "VtkMessages.h"
 
+#include <algorithm>
+#include <cctype>
 #include <sstream>
 
 #include <vtkLogger.h>
@@ -17,9 +19,7 @@ public:
     static KeepingWindow* New();
     vtkTypeMacro(KeepingWindow, vtkOutputWindow)
 
-        void DisplayErrorText(const char* text) override {
-        VtkMessages::instance().addError(text);
-    }
+    void DisplayErrorText(const char* text) override { VtkMessages::instance().addError(text); }
     void DisplayWarningText(const char* text) override { VtkMessages::instance().addWarning(text); }
     void DisplayGenericWarningText(const char* text) override {
         VtkMessages::instance().addWarning(text);
@@ -38,7 +38,14 @@ std::string without(std::string text, const char* pattern) {
     return text;
 }
 
-std::string wordsInOneLine(const std::string& text) {
+// Bytes of a damaged file may be quoted in a message.
+bool isNoText(char c) {
+    const auto u = static_cast<unsigned char>(c);
+    return (u < 0x20 && std::isspace(u) == 0) || u == 0x7F || u >= 0xF5; // never in UTF-8
+}
+
+std::string wordsInOneLine(std::string text) {
+    std::replace_if(text.begin(), text.end(), isNoText, '?');
     std::istringstream words(text);
     std::string line;
     for (std::string word; words >> word;) {
@@ -73,7 +80,9 @@ void VtkMessages::clear() {
 }
 
 void VtkMessages::addError(const char* text) {
-    errors_.push_back(oneLine(text));
+    // A whole dump of VTK's state, which comes after the message that says why, if there is one.
+    const bool dump = vtksys::RegularExpression("returned failure for request").find(text);
+    errors_.push_back(dump ? "VTK fails without a reason" : oneLine(text));
 }
 
 void VtkMessages::addWarning(const char* text) {

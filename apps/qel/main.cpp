@@ -1,6 +1,7 @@
 // The qel program: command line, and what ends it.
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
 
 #include <CLI/CLI.hpp>
@@ -48,6 +49,9 @@ int parseAndRun(int argc, char** argv) {
         }
         throw program::UserError(error.what() + more);
     }
+    if (!std::cout.flush()) {
+        throw program::UserError("cannot write to standard output");
+    }
     return 0;
 }
 
@@ -67,6 +71,9 @@ int main(int argc, char** argv) {
     } catch (const qel::Error& error) {
         program::fail(error.getMessage());
         return program::kExitBadInput;
+    } catch (const std::bad_alloc&) {
+        program::fail("there is not enough memory");
+        return 1;
     } catch (const std::exception& error) {
         program::fail(error.what());
         return 1;

@@ -23,6 +23,8 @@ bool allFinite(const std::array<float, 9>& t) {
     return std::all_of(t.begin(), t.end(), [](float value) { return std::isfinite(value); });
 }
 
+static_assert(sizeof(qel::TripletBase<float>) == 3 * sizeof(float), "triplets without gaps");
+
 const float* firstFloat(const qel::TripletQELVector& values) {
     return values.empty() ? nullptr : &values.getInternals().data()->x;
 }
@@ -196,16 +198,15 @@ void VortexBlock::put(Field field, const qel::TripletQELVector& values, vtkIdTyp
 }
 
 void VortexBlock::put(Field field, const float* values, std::size_t count, vtkIdType first) {
-    const FieldInfo& info = fields()[static_cast<std::size_t>(field)];
     if (!wants(field)) {
         return;
     }
-    float* target = outputs_[field]->GetPointer(first * info.components);
+    float* target = outputs_[field]->GetPointer(first * info(field).components);
     if (exponent_ == 0) {
         std::copy(values, values + count, target);
         return;
     }
-    const double factor = std::ldexp(1.0, -exponent_ * info.degree);
+    const double factor = std::ldexp(1.0, -exponent_ * info(field).degree);
     std::transform(values, values + count, target, [factor](float value) {
         return static_cast<float>(static_cast<double>(value) * factor);
     });

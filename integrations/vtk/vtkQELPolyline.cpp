@@ -162,18 +162,22 @@ vtkSmartPointer<vtkPolyData> vtkQELPolyline::ToPolyData(const std::vector<Curve>
     vtkNew<vtkCellArray> cells;
     auto result = vtkSmartPointer<vtkPolyData>::New();
     vtkPointData* data = result->GetPointData();
-    if (!curves.empty()) {
-        data->CopyAllOn();
-        data->CopyAllocate(curves.front().data, static_cast<vtkIdType>(size));
+    vtkDataSetAttributes::FieldList common;
+    for (const Curve& curve : curves) {
+        common.IntersectFieldList(curve.data);
     }
+    data->CopyAllOn();
+    data->CopyAllocate(common, static_cast<vtkIdType>(size));
+    int input = 0;
     for (const Curve& curve : curves) {
         cells->InsertNextCell(static_cast<int>(curve.curve.getSize()));
         vtkIdType id = 0;
         for (const auto& p : curve.curve.getCurve()) {
             const vtkIdType to = points->InsertNextPoint(p.x, p.y, p.z);
             cells->InsertCellPoint(to);
-            data->CopyData(curve.data, id++, to);
+            data->CopyData(common, curve.data, input, id++, to);
         }
+        ++input;
         for (const double s : curve.curve.getSvalues()) {
             svalues->InsertNextValue(s);
         }

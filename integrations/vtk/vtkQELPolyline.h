@@ -26,7 +26,7 @@ public:
     static vtkQELPolyline* New();
     vtkTypeMacro(vtkQELPolyline, vtkObject)
 
-        vtkQELPolyline(const vtkQELPolyline&) = delete;
+    vtkQELPolyline(const vtkQELPolyline&) = delete;
     vtkQELPolyline& operator=(const vtkQELPolyline&) = delete;
 
     /// A curve, and the data of its points: as many tuples as the curve has points, or no array.
@@ -42,7 +42,7 @@ public:
                  qel::ParametricCurve::dim dimension = qel::ParametricCurve::dim3D);
 
     /// One polyline for each curve, with the point data and the s-values in an array named "s".
-    /// Only arrays that the first curve has are kept. Points are in double precision.
+    /// Only arrays that every curve has are kept. Points are in double precision.
     static vtkSmartPointer<vtkPolyData> ToPolyData(const std::vector<Curve>& curves);
 
     /// Lines joined where exactly two of them meet, in whatever order and direction they come:

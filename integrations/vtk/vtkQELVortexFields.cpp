@@ -28,10 +28,14 @@ const std::array<FieldInfo, kFieldCount>& fields() {
     return table;
 }
 
+const FieldInfo& info(Field field) {
+    return fields()[static_cast<std::size_t>(field)];
+}
+
 const FieldInfo* findField(const std::string& name) {
-    for (const FieldInfo& info : fields()) {
-        if (name == info.key || name == info.array) {
-            return &info;
+    for (const FieldInfo& candidate : fields()) {
+        if (name == candidate.key || name == candidate.array) {
+            return &candidate;
         }
     }
     return nullptr;

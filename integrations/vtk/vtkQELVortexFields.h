@@ -44,6 +44,9 @@ struct FieldInfo {
 /// All fields, in the order of the enumeration.
 const std::array<FieldInfo, kFieldCount>& fields();
 
+/// The entry of a field.
+const FieldInfo& info(Field field);
+
 /// The field with this key or array name, null if there is none.
 const FieldInfo* findField(const std::string& name);
 

@@ -36,8 +36,9 @@ class vtkDataArray;
 class vtkQELVortexFilter : public vtkDataSetAlgorithm {
 public:
     static vtkQELVortexFilter* New();
-    vtkTypeMacro(vtkQELVortexFilter, vtkDataSetAlgorithm) void PrintSelf(ostream& os,
-                                                                         vtkIndent indent) override;
+    vtkTypeMacro(vtkQELVortexFilter, vtkDataSetAlgorithm)
+
+    void PrintSelf(ostream& os, vtkIndent indent) override;
 
     vtkQELVortexFilter(const vtkQELVortexFilter&) = delete;
     vtkQELVortexFilter& operator=(const vtkQELVortexFilter&) = delete;

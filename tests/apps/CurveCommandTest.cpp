@@ -40,9 +40,15 @@ constexpr const char* kCorner = "x,y,t\n0,0,0\n2,0,20\n2,2,40\n";
 // -- Reading ----
 
 TEST_F(CurveCommand, ReadsColumnsWithAndWithoutHeaderAndTitle) {
-    for (const char* content : {"0 0\n3 0\n3 1\n", "A Title\n0\t0\n3\t0\n3\t1\n",
-                                "x;y\n0;0\n3;0\n3;1\n", "# note\r\n0,0\r\n3,0\r\n3,1\r\n",
-                                "NACA 0012\n 0 0\n 3. +0\n 3e0 1\n\n", "y,x\n0,0\n0,3\n1,3\n"}) {
+    for (const char* content :
+         {"0 0\n3 0\n3 1\n", "A Title\n0\t0\n3\t0\n3\t1\n", "x;y\n0;0\n3;0\n3;1\n",
+          "# note\r\n0,0\r\n3,0\r\n3,1\r\n", "NACA 0012\n 0 0\n 3. +0\n 3e0 1\n\n",
+          "y,x\n0,0\n0,3\n1,3\n",
+          "\xEF\xBB\xBF"
+          "0,0\n3,0\n3,1\n",
+          "\xEF\xBB\xBF"
+          "y;x\r\n0;0\r\n0;3\r\n1;3\r\n",
+          "0.D0 0.0d+00\n0.3D+01 0.\n30.0D-1 1.0E0\n", "% note\n\t0\t0\n#\n\t3 \t 0\n  3\t1  \n"}) {
         SCOPED_TRACE(content);
         const Rows rows = resultOf(content, "");
         ASSERT_EQ(rows.size(), 3U);
@@ -63,6 +69,38 @@ TEST_F(CurveCommand, BlankLinesPartCurvesAndSomeCanBeChosen) {
     const Rows second = resultOf(two, "--curve 2");
     ASSERT_EQ(second.size(), 3U);
     EXPECT_EQ(second[0][x], 5.0);
+}
+
+// Writers need the same columns for all.
+TEST_F(CurveCommand, KeepsThePointDataThatAllCurvesHave) {
+    for (const char* content : {"x,y,t,p\n0,0,1,7\n1,0,2,7\n\nx,y,t\n5,5,3\n6,5,4\n",
+                                "x,y,t\n0,0,1\n1,0,2\n\nx,y,p,t\n5,5,7,3\n6,5,7,4\n"}) {
+        write("in.csv", content);
+        for (const char* output : {"out.csv", "out.vtp", "out.vtk", "out.txt"}) {
+            const auto run = qel("curve in.csv --resample 3 -o " + std::string(output));
+            EXPECT_EQ(run.status, 0) << run.err;
+            EXPECT_NE(run.err.find("the point data p are not on all curves"), std::string::npos);
+        }
+        EXPECT_EQ(text("out.csv").substr(0, 16), "curve,x,y,z,s,t\n");
+        EXPECT_EQ(rows(text("out.csv"))[5], (std::vector<double>{2, 6, 5, 0, 1, 4}));
+        EXPECT_EQ(result("out.vtp")[4][firstData], 3.5);
+        // A curve alone keeps all of its own.
+        EXPECT_EQ(qel("curve in.csv --curve 2 -o out.csv").err, "");
+    }
+}
+
+TEST_F(CurveCommand, DataMayBeUndefinedWhereCoordinatesAreNot) {
+    const Rows rows = resultOf("x y t\n0 0 1\n1 0 nan\n2 0 3\n3 0 1e400\n4 0 1e-400\n", "");
+    EXPECT_EQ(rows[0][firstData], 1.0);
+    EXPECT_TRUE(std::isnan(rows[1][firstData]));
+    EXPECT_TRUE(std::isinf(rows[3][firstData]));
+    EXPECT_EQ(rows[4][firstData], 0.0);
+}
+
+TEST_F(CurveCommand, TakesNumbersBelowZero) {
+    const Rows rows = resultOf(kCorner, "--rotate -1,0,-5 0,0,1 -90 --extend -0.25");
+    EXPECT_NEAR(rows[0][x], -1.0, 1e-12);
+    EXPECT_NEAR(rows[0][y], -2.0, 1e-12);
 }
 
 TEST_F(CurveCommand, ReadsItsOwnTablesBack) {

@@ -3,8 +3,12 @@
 #include "Pictures.h"
 #include "Program.h"
 
+#include <cmath>
+
 #include <vtkDataSetWriter.h>
+#include <vtkIntArray.h>
 #include <vtkMultiBlockDataSet.h>
+#include <vtkPointDataToCellData.h>
 #include <vtkUnsignedCharArray.h>
 #include <vtkXMLImageDataReader.h>
 #include <vtkXMLImageDataWriter.h>
@@ -47,7 +51,7 @@ TEST_F(VortexCommand, WritesFieldsStatisticsAndAPicture) {
 
 TEST_F(VortexCommand, WritesOnlyTheFieldsAskedFor) {
     writeXml("in.vti", qel_test::rotation(5, 5, 5));
-    const auto run = qel("vortex in.vti --fields q,Divergence -o out --image p.png --stats -");
+    const auto run = qel("vortex in.vti --fields 'q, Divergence' -o out --image p.png --stats -");
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(statistics(run.out).size(), 2U);
     vtkNew<vtkXMLImageDataReader> reader;
@@ -112,6 +116,74 @@ TEST_F(VortexCommand, TurnsMomentumAndDensityIntoVelocity) {
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.err.find("Momentum divided by Density"), std::string::npos);
     EXPECT_NEAR(statistics(run.out).at("Vorticity magnitude").mean, 0.5, 1e-5);
+}
+
+// Whole numbers divided by a density are none.
+TEST_F(VortexCommand, TurnsMomentumInWholeNumbersIntoVelocity) {
+    auto image = qel_test::rotation(5, 5, 5);
+    vtkNew<vtkIntArray> momentum;
+    momentum->SetName("Momentum");
+    momentum->SetNumberOfComponents(3);
+    for (int i = 0; i < 125; ++i) {
+        momentum->InsertNextTuple3(-(i / 5 % 5), i % 5, 0);
+    }
+    image->GetPointData()->RemoveArray("velocity");
+    image->GetPointData()->AddArray(momentum);
+    qel_test::addArray(image, "Density", 1, 4.0);
+    writeXml("in.vti", image);
+    const auto run = qel("vortex in.vti --fields vorticity --stats -");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NEAR(statistics(run.out).at("Vorticity magnitude").minimum, 2.0, 1e-5);
+    EXPECT_NEAR(statistics(run.out).at("Vorticity magnitude").maximum, 2.0, 1e-5);
+}
+
+TEST_F(VortexCommand, TakesVelocitiesOnCells) {
+    vtkNew<vtkPointDataToCellData> cells;
+    cells->SetInputData(qel_test::rotation(6, 6, 6));
+    cells->Update();
+    writeXml("in.vti", vtkImageData::SafeDownCast(cells->GetOutput()));
+    const auto run = qel("vortex in.vti -o out.vti --stats - --image p.png");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("cell array velocity"), std::string::npos);
+    EXPECT_EQ(statistics(run.out).at("Q").valid, 125);
+    EXPECT_NEAR(statistics(run.out).at("Q").mean, 1.0, 1e-5);
+}
+
+TEST_F(VortexCommand, TakesVelocitiesOfTwoComponentsInAnyPlane) {
+    for (const int normal : {0, 1, 2}) {
+        SCOPED_TRACE(normal);
+        vtkNew<vtkImageData> image;
+        int size[3] = {8, 8, 8};
+        size[normal] = 1;
+        image->SetDimensions(size);
+        vtkNew<vtkFloatArray> velocity;
+        velocity->SetName("U");
+        velocity->SetNumberOfComponents(normal == 2 ? 2 : 3);
+        for (vtkIdType i = 0; i < 64; ++i) {
+            const double* p = image->GetPoint(i);
+            const double u[3] = {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
+            velocity->InsertNextTuple(u);
+        }
+        image->GetPointData()->AddArray(velocity);
+        writeXml("in.vti", image);
+        const auto run = qel("vortex in.vti --stats - --image p.png");
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_NEAR(statistics(run.out).at("Q").minimum, 1.0, 1e-5);
+        EXPECT_NEAR(statistics(run.out).at("SwirlStrength").maximum, 1.0, 1e-5);
+        qel_test::expectPicture((folder / "p.png").string());
+    }
+}
+
+TEST_F(VortexCommand, NamesPointsWhoseGradientIsNotFinite) {
+    auto image = qel_test::rotation(5, 5, 5);
+    image->GetPointData()->GetArray("velocity")->SetComponent(62, 1, std::nan(""));
+    writeXml("in.vti", image);
+    const auto run = qel("vortex in.vti --fields q --stats - --image p.png");
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_NE(run.err.find("warning: 6 gradients are not finite and their points undefined: 37 57"),
+              std::string::npos)
+        << run.err;
+    EXPECT_EQ(statistics(run.out).at("Q").valid, 125 - 6);
 }
 
 TEST_F(VortexCommand, TakesTheOnlyVector) {

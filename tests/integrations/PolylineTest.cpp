@@ -69,6 +69,32 @@ TEST(Polyline, ThereAndBackKeepsPointsAndData) {
     }
 }
 
+TEST(Polyline, ToLinesGoTheDataThatAllCurvesHave) {
+    auto curves = vtkQELPolyline::FromPolyData(
+        makeLines({{0, 0, 0}, {1, 0, 0}, {3, 0, 7}, {3, 5, 0}}, {{0, 1, 2}, {2, 3}}));
+    for (const std::size_t owner : {0U, 1U}) {
+        auto some = curves;
+        // In front, so that the arrays of the two curves stand at different places.
+        vtkNew<vtkPointData> data;
+        vtkNew<vtkDoubleArray> own;
+        own->SetName("own");
+        own->SetNumberOfTuples(static_cast<vtkIdType>(some[owner].curve.getSize()));
+        own->Fill(-1.0);
+        data->AddArray(own);
+        data->AddArray(some[owner].data->GetArray("height"));
+        some[owner].data = data;
+        const auto lines = vtkQELPolyline::ToPolyData(some);
+        EXPECT_EQ(lines->GetPointData()->GetArray("own"), nullptr);
+        vtkDataArray* height = lines->GetPointData()->GetArray("height");
+        ASSERT_EQ(height->GetNumberOfTuples(), 5);
+        EXPECT_EQ(height->GetComponent(1, 0), 10.0);
+        EXPECT_EQ(height->GetComponent(4, 0), 35.0);
+    }
+    curves[1].data = vtkSmartPointer<vtkPointData>::New();
+    EXPECT_EQ(vtkQELPolyline::ToPolyData(curves)->GetPointData()->GetNumberOfArrays(), 1);
+    EXPECT_EQ(vtkQELPolyline::ToPolyData({})->GetNumberOfPoints(), 0);
+}
+
 TEST(Polyline, ShuffledSegmentsAreJoined) {
     Points points;
     for (int i = 0; i < 60; ++i) {

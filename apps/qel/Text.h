@@ -1,0 +1,30 @@
+#ifndef QEL_PROGRAM_TEXT_H
+#define QEL_PROGRAM_TEXT_H
+
+/// @file
+/// Words and numbers in text.
+
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+namespace program {
+
+std::string lower(std::string text);
+
+/// What printf would print, up to some hundred letters.
+template <typename... Values>
+std::string formatted(const char* format, Values... values) {
+    std::array<char, 256> text{};
+    std::snprintf(text.data(), text.size(), format, values...);
+    return text.data();
+}
+
+/// The number that a word is, as programs write it: with an exponent after E or, as Fortran has it,
+/// D; infinite and undefined ones as well. None if the word is anything else.
+std::optional<double> asNumber(const std::string& word);
+
+} // namespace program
+
+#endif
