@@ -515,7 +515,7 @@ private:
     Point projectToEdge(int i, int j, double d2i, double d2j, double& s) const;
     void calculateDistanceFromTwoPoints(int i, int j, double& distance, int& index,
                                         bool& done) const;
-    void measureChord(tEdge& chord, const RunSegments* runs) const;
+    void measureChord(tEdge& edge, const RunSegments* runs) const;
 
     // -- Cleaning and extrapolation ----
     void eliminateDoublePoints(int exponent, const std::vector<Point>& points,
