@@ -5,6 +5,9 @@
 /// lambda-2 and swirl strength over many points: both ends of the bracketed roots in vector lanes,
 /// and the plain formula where the ends do not round to the same float.
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -81,24 +84,24 @@ QEL_KERNEL SwirlBracket swirlBracket(const Gradient& t) {
     const double s = std::sqrt(cubic.discriminant);
     const double x1 = complexPair ? s - cubic.h : cubic.h;
     const double x2 = s + cubic.h;
-    const Bracket a = cubeRootBracket(x1);
-    const Bracket b = cubeRootBracket(x2);
+    const RootBracket root1 = cubeRootBracket(x1);
+    const RootBracket root2 = cubeRootBracket(x2);
 
     // Where the difference of the roots may have either sign, its square has no lower end.
-    const double low = a.low - b.high;
-    const double high = a.high - b.low;
-    const double near = low >= 0.0 ? low : (high <= 0.0 ? high : kNone);
-    const double far = low >= 0.0 ? high : low;
-    const double leastSquare = 0.75 * near * near + cubic.p;
-    const double mostSquare = 0.75 * far * far + cubic.p;
+    const double low = root1.low - root2.high;
+    const double high = root1.high - root2.low;
+    const double nearestTo0 = low >= 0.0 ? low : (high <= 0.0 ? high : kNone);
+    const double farthestFrom0 = low >= 0.0 ? high : low;
+    const double leastSquare = 0.75 * nearestTo0 * nearestTo0 + cubic.p;
+    const double mostSquare = 0.75 * farthestFrom0 * farthestFrom0 + cubic.p;
 
     // The roots of equal numbers cancel exactly.
     const bool cancel = x1 == x2;
     const double leastStrength = std::sqrt(cancel ? cubic.p : leastSquare);
     const double mostStrength = std::sqrt(cancel ? cubic.p : mostSquare);
     const double shift = cubic.a / 3.0;
-    const double least = complexPair ? (cancel ? 0.0 : low) - shift : -2.0 * a.high - shift;
-    const double most = complexPair ? (cancel ? 0.0 : high) - shift : -2.0 * a.low - shift;
+    const double least = complexPair ? (cancel ? 0.0 : low) - shift : -2.0 * root1.high - shift;
+    const double most = complexPair ? (cancel ? 0.0 : high) - shift : -2.0 * root1.low - shift;
     return {static_cast<float>(complexPair ? leastStrength : 0.0),
             static_cast<float>(complexPair ? mostStrength : 0.0), static_cast<float>(least),
             static_cast<float>(most)};
