@@ -24,6 +24,7 @@ namespace qel {
 // -- Blocks ----
 
 constexpr std::size_t kBlock = 256;
+constexpr std::size_t kLine = 64; // bytes: no vector of a block lies across lines of the cache
 
 /// Calls work(from, count) for one block of the n points after the other.
 template <typename Work>
@@ -39,7 +40,7 @@ struct Block;
 
 template <>
 struct Block<FloatRun> {
-    float values[kBlock];
+    alignas(kLine) float values[kBlock];
 
     QEL_KERNEL void set(std::size_t k, float value) { values[k] = value; }
 
@@ -66,9 +67,9 @@ struct Block<FloatRun> {
 
 template <>
 struct Block<TripletRun> {
-    float x[kBlock];
-    float y[kBlock];
-    float z[kBlock];
+    alignas(kLine) float x[kBlock];
+    alignas(kLine) float y[kBlock];
+    alignas(kLine) float z[kBlock];
 
     QEL_KERNEL void set(std::size_t k, const Triple& t) {
         x[k] = t.x;

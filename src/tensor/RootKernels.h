@@ -101,7 +101,7 @@ struct Block<SwirlRuns> {
 
 /// Marks of the points of a block that the plain formula must do.
 struct Doubts {
-    std::int32_t at[kBlock];
+    alignas(kLine) std::int32_t at[kBlock];
 
     QEL_KERNEL bool any(std::size_t count) const {
         std::int32_t found = 0;
