@@ -16,6 +16,8 @@
 ///     QEL_AVX512 void stepsAvx512(...) { steps(...); }
 ///     #endif
 ///
+/// A lambda of such a loop is marked QEL_KERNEL_LAMBDA, behind its parameters.
+///
 /// Lanes compute what the scalar loop computes, in the same order and without contraction, so the
 /// bits do not depend on the unit. Without the compiler's support the portable function remains.
 
@@ -24,6 +26,7 @@ namespace qel {
 #if (defined(__GNUC__) || defined(__clang__)) && defined(__x86_64__)
 #define QEL_VECTOR_UNITS 1
 #define QEL_KERNEL __attribute__((always_inline)) inline
+#define QEL_KERNEL_LAMBDA __attribute__((always_inline))
 #define QEL_AVX2 __attribute__((target("avx2,fma")))
 #define QEL_AVX512_SET "avx2,fma,avx512f,avx512dq,avx512bw,avx512vl"
 #if defined(__clang__) // takes the full width by itself and does not know the option
@@ -33,6 +36,7 @@ namespace qel {
 #endif
 #else
 #define QEL_KERNEL inline
+#define QEL_KERNEL_LAMBDA
 #endif
 
 enum class VectorUnit { portable = 0, avx2 = 1, avx512 = 2 };

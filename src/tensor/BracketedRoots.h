@@ -20,7 +20,7 @@
 
 namespace qel {
 
-struct Bracket {
+struct RootBracket {
     double low;
     double high;
 };
@@ -118,7 +118,7 @@ QEL_KERNEL double cubeRoot(double x) {
 
 /// The signed cube root of the plain formula; exact for 0. Both ends are NaN where the bound does
 /// not hold: beyond the range, and for NaN.
-QEL_KERNEL Bracket cubeRootBracket(double x) {
+QEL_KERNEL RootBracket cubeRootBracket(double x) {
     const double size = std::fabs(x);
     const bool within = (size >= kSmallestRadicand) & (size <= kLargestRadicand);
     const double bounded = within ? cubeRoot(size) : std::numeric_limits<double>::quiet_NaN();

@@ -18,13 +18,19 @@
 #include <qel/FloatQELVectorConcrete.h>
 #include <qel/TripletQELVector.h>
 
-#include "tensor/FieldKernels.h"
+#include "tensor/Runs.h"
 
 namespace qel {
 
 inline bool isOwnKind(const FloatQELVector& array) {
     return typeid(array) == typeid(FloatQELVectorConcrete) ||
            typeid(array) == typeid(FloatQELVectorComponent);
+}
+
+/// Always: element access of triplet arrays is not virtual, so none has another way to its
+/// elements.
+inline bool isOwnKind(const TripletQELVector&) {
+    return true;
 }
 
 /// The first n values; the array is of an own kind and n is positive.
@@ -35,14 +41,14 @@ inline FloatRun runOf(FloatQELVector& array, std::size_t n) {
     return {first, owning ? std::size_t{1} : std::size_t{3}};
 }
 
-inline TripletBase<float>* runOf(TripletQELVector& array, std::size_t n) {
+inline TripletRun runOf(TripletQELVector& array, std::size_t n) {
     static_cast<void>(array[n - 1]);
-    return &array[0];
+    return {&array[0]};
 }
 
-inline const TripletBase<float>* runOf(const TripletQELVector& array, std::size_t n) {
+inline ConstTripletRun runOf(const TripletQELVector& array, std::size_t n) {
     static_cast<void>(array[n - 1]);
-    return &array[0];
+    return {&array[0]};
 }
 
 /// The floats that an array of n points takes up, and every how many of them are its own.
@@ -53,8 +59,9 @@ struct Footprint {
 
     Footprint(const FloatRun& run, std::size_t n)
         : first(run.first), last(run.first + (n - 1) * run.stride), stride(run.stride) {}
-    Footprint(const TripletBase<float>* triplets, std::size_t n)
-        : first(&triplets[0].x), last(&triplets[n - 1].z), stride(1) {}
+    template <typename Element>
+    Footprint(const BasicTripletRun<Element>& run, std::size_t n)
+        : first(&run.first[0].x), last(&run.first[n - 1].z), stride(1) {}
 
     bool meets(const Footprint& other) const {
         const std::less<> before;
@@ -66,10 +73,18 @@ struct Footprint {
     }
 };
 
-/// True if the output meets none of the inputs.
-template <typename... Inputs>
-bool standsApart(const Footprint& output, const Inputs&... inputs) {
-    return !(output.meets(inputs) || ...);
+/// True if the output, of n points, meets none of the inputs.
+template <typename Output, typename... Inputs>
+bool standsApart(std::size_t n, const Output& output, const Rows& rows, const Inputs&... inputs) {
+    const Footprint written(output, n);
+    const auto meets = [&](const auto& input) { return written.meets(Footprint(input, n)); };
+    return !(meets(rows.row1) || meets(rows.row2) || meets(rows.row3) || (meets(inputs) || ...));
+}
+
+/// True if the outputs meet neither the rows nor each other.
+inline bool standsApart(std::size_t n, const SwirlRuns& outputs, const Rows& rows) {
+    return standsApart(n, outputs.strength, rows) &&
+           standsApart(n, outputs.eigenvalue, rows, outputs.strength);
 }
 
 } // namespace qel

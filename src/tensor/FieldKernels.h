@@ -7,7 +7,8 @@
 /// Points go through in blocks: the formula fills small local arrays, which nothing else can
 /// share memory with, so the compiler computes as many points at once as the unit has lanes; the
 /// block is then stored. Lanes do what the formula says, so the bits are those of the point by
-/// point loop, provided that no output shares memory with an input.
+/// point loop, but for the sign of a NaN (of two NaNs added or multiplied, which one is passed on
+/// depends on how the compiler orders them), provided that no output shares memory with an input.
 
 #include <algorithm>
 #include <cstddef>
@@ -16,167 +17,151 @@
 
 #include "platform/VectorUnit.h"
 #include "tensor/PointFormulas.h"
+#include "tensor/Runs.h"
 
 namespace qel {
 
+// -- Blocks ----
+
 constexpr std::size_t kBlock = 256;
+constexpr std::size_t kLine = 64; // bytes: no vector of a block lies across lines of the cache
 
-/// The rows of T, as memory.
-struct Rows {
-    const TripletBase<float>* row1;
-    const TripletBase<float>* row2;
-    const TripletBase<float>* row3;
-
-    QEL_KERNEL Gradient at(std::size_t k) const { return gradientOf(row1[k], row2[k], row3[k]); }
-    QEL_KERNEL Rows after(std::size_t n) const { return {row1 + n, row2 + n, row3 + n}; }
-};
-
-/// Floats in memory, each `stride` behind the one before: 1 or 3.
-struct FloatRun {
-    float* first;
-    std::size_t stride;
-
-    QEL_KERNEL FloatRun after(std::size_t n) const { return {first + n * stride, stride}; }
-};
-
-QEL_KERNEL void load(const FloatRun& run, std::size_t from, std::size_t count, float* block) {
-    if (run.stride == 1) {
-        std::copy_n(run.first + from, count, block);
-        return;
-    }
-    for (std::size_t k = 0; k < count; ++k) {
-        block[k] = run.first[3 * (from + k)];
+/// Calls work(from, count) for one block of the n points after the other.
+template <typename Work>
+QEL_KERNEL void forEachBlock(std::size_t n, const Work& work) {
+    for (std::size_t from = 0; from < n; from += kBlock) {
+        work(from, std::min(kBlock, n - from));
     }
 }
 
-QEL_KERNEL void store(const float* block, std::size_t from, std::size_t count,
-                      const FloatRun& run) {
-    if (run.stride == 1) {
-        std::copy_n(block, count, run.first + from);
-        return;
-    }
-    for (std::size_t k = 0; k < count; ++k) {
-        run.first[3 * (from + k)] = block[k];
-    }
-}
+/// A block of what a run holds, component by component.
+template <typename Run>
+struct Block;
 
-/// A block of triplets, component by component.
-struct TripletBlock {
-    float x[kBlock];
-    float y[kBlock];
-    float z[kBlock];
+template <>
+struct Block<FloatRun> {
+    alignas(kLine) float values[kBlock];
 
-    QEL_KERNEL void set(std::size_t k, const TripletBase<float>& t) {
+    QEL_KERNEL void set(std::size_t k, float value) { values[k] = value; }
+
+    QEL_KERNEL void load(const FloatRun& run, std::size_t from, std::size_t count) {
+        if (run.stride == 1) {
+            std::copy_n(run.first + from, count, values);
+            return;
+        }
+        for (std::size_t k = 0; k < count; ++k) {
+            values[k] = run.first[3 * (from + k)];
+        }
+    }
+
+    QEL_KERNEL void store(std::size_t from, std::size_t count, const FloatRun& run) const {
+        if (run.stride == 1) {
+            std::copy_n(values, count, run.first + from);
+            return;
+        }
+        for (std::size_t k = 0; k < count; ++k) {
+            run.first[3 * (from + k)] = values[k];
+        }
+    }
+};
+
+template <>
+struct Block<TripletRun> {
+    alignas(kLine) float x[kBlock];
+    alignas(kLine) float y[kBlock];
+    alignas(kLine) float z[kBlock];
+
+    QEL_KERNEL void set(std::size_t k, const Triple& t) {
         x[k] = t.x;
         y[k] = t.y;
         z[k] = t.z;
     }
+
+    QEL_KERNEL void store(std::size_t from, std::size_t count, const TripletRun& run) const {
+        for (std::size_t k = 0; k < count; ++k) {
+            run.first[from + k] = {x[k], y[k], z[k]};
+        }
+    }
 };
 
-QEL_KERNEL void store(const TripletBlock& block, std::size_t from, std::size_t count,
-                      TripletBase<float>* out) {
-    for (std::size_t k = 0; k < count; ++k) {
-        out[from + k] = {block.x[k], block.y[k], block.z[k]};
+// -- Formulas as types: of one point, or of several at once ----
+
+struct InvariantQ {
+    template <typename Number>
+    QEL_KERNEL static Number at(const BasicGradient<Number>& t) {
+        return invariantQ(t);
     }
+};
+
+struct Divergence {
+    template <typename Number>
+    QEL_KERNEL static Number at(const BasicGradient<Number>& t) {
+        return divergence(t);
+    }
+};
+
+struct Discriminant {
+    QEL_KERNEL static float at(const Gradient& t) { return discriminant(t); }
+};
+
+struct Vorticity {
+    template <typename Number>
+    QEL_KERNEL static BasicTriple<Number> at(const BasicGradient<Number>& t) {
+        return vorticity(t);
+    }
+};
+
+struct Helicity {
+    template <typename Number>
+    QEL_KERNEL static Number at(const BasicGradient<Number>& t, const BasicTriple<Number>& u) {
+        return helicity(t, u);
+    }
+};
+
+// -- Kernels ----
+
+/// out = the formula of the inputs, point by point.
+template <typename Formula>
+struct PointKernel {
+    template <typename Output, typename... Inputs>
+    QEL_KERNEL static void run(std::size_t n, Output out, Inputs... inputs) {
+        forEachBlock(n, [&](std::size_t from, std::size_t count) QEL_KERNEL_LAMBDA {
+            Block<Output> block;
+            for (std::size_t k = 0; k < count; ++k) {
+                block.set(k, Formula::at(inputs.at(from + k)...));
+            }
+            block.store(from, count, out);
+        });
+    }
+};
+
+QEL_KERNEL float zeroUnless(bool condition, float value) {
+    return condition ? value : 0.0f;
 }
 
-/// out = Formula(T), a float.
-template <float (*Formula)(const Gradient&)>
-struct FloatKernel {
-    QEL_KERNEL static void run(Rows rows, std::size_t n, FloatRun out) {
-        for (std::size_t from = 0; from < n; from += kBlock) {
-            const std::size_t count = std::min(kBlock, n - from);
-            float values[kBlock];
+QEL_KERNEL Triple zeroUnless(bool condition, const Triple& t) {
+    return {condition ? t.x : 0.0f, condition ? t.y : 0.0f, condition ? t.z : 0.0f};
+}
+
+/// out = formula(T, eigenvalue, strength) where it swirls, else 0. The formula is computed at
+/// every point, so that no lane has a way of its own.
+template <auto formula>
+struct SwirlPointKernel {
+    template <typename Output>
+    QEL_KERNEL static void run(std::size_t n, Output out, Rows rows, FloatRun strength,
+                               FloatRun eigenvalue) {
+        forEachBlock(n, [&](std::size_t from, std::size_t count) QEL_KERNEL_LAMBDA {
+            Block<FloatRun> strengths, eigenvalues;
+            strengths.load(strength, from, count);
+            eigenvalues.load(eigenvalue, from, count);
+            Block<Output> block;
             for (std::size_t k = 0; k < count; ++k) {
-                values[k] = Formula(rows.at(from + k));
+                const float s = strengths.values[k];
+                const auto value = formula(rows.at(from + k), eigenvalues.values[k], s);
+                block.set(k, zeroUnless(s > 0.0f, value));
             }
-            store(values, from, count, out);
-        }
-    }
-};
-
-struct VorticityKernel {
-    QEL_KERNEL static void run(Rows rows, std::size_t n, TripletBase<float>* out) {
-        for (std::size_t from = 0; from < n; from += kBlock) {
-            const std::size_t count = std::min(kBlock, n - from);
-            TripletBlock values;
-            for (std::size_t k = 0; k < count; ++k) {
-                values.set(k, vorticity(rows.at(from + k)));
-            }
-            store(values, from, count, out);
-        }
-    }
-};
-
-struct HelicityKernel {
-    QEL_KERNEL static void run(Rows rows, std::size_t n, const TripletBase<float>* velocity,
-                               FloatRun out) {
-        for (std::size_t from = 0; from < n; from += kBlock) {
-            const std::size_t count = std::min(kBlock, n - from);
-            float values[kBlock];
-            for (std::size_t k = 0; k < count; ++k) {
-                values[k] = helicity(rows.at(from + k), velocity[from + k]);
-            }
-            store(values, from, count, out);
-        }
-    }
-};
-
-/// The two outputs of the swirl analysis, as inputs.
-struct SwirlRuns {
-    FloatRun strength;
-    FloatRun eigenvalue;
-};
-
-/// One block of them.
-struct SwirlBlock {
-    float strength[kBlock];
-    float eigenvalue[kBlock];
-
-    QEL_KERNEL void load(const SwirlRuns& runs, std::size_t from, std::size_t count) {
-        qel::load(runs.strength, from, count, strength);
-        qel::load(runs.eigenvalue, from, count, eigenvalue);
-    }
-};
-
-/// out = Formula(T, eigenvalue, strength) where it swirls, else 0; a float.
-template <float (*Formula)(const Gradient&, float, float)>
-struct SwirlFloatKernel {
-    QEL_KERNEL static void run(Rows rows, std::size_t n, SwirlRuns swirl, FloatRun out) {
-        for (std::size_t from = 0; from < n; from += kBlock) {
-            const std::size_t count = std::min(kBlock, n - from);
-            SwirlBlock block;
-            block.load(swirl, from, count);
-            float values[kBlock];
-            for (std::size_t k = 0; k < count; ++k) {
-                const float value =
-                    Formula(rows.at(from + k), block.eigenvalue[k], block.strength[k]);
-                values[k] = block.strength[k] > 0.0f ? value : 0.0f;
-            }
-            store(values, from, count, out);
-        }
-    }
-};
-
-/// The same, a triplet.
-template <TripletBase<float> (*Formula)(const Gradient&, float, float)>
-struct SwirlTripletKernel {
-    QEL_KERNEL static void run(Rows rows, std::size_t n, SwirlRuns swirl, TripletBase<float>* out) {
-        for (std::size_t from = 0; from < n; from += kBlock) {
-            const std::size_t count = std::min(kBlock, n - from);
-            SwirlBlock block;
-            block.load(swirl, from, count);
-            TripletBlock values;
-            for (std::size_t k = 0; k < count; ++k) {
-                const bool swirls = block.strength[k] > 0.0f;
-                const TripletBase<float> value =
-                    Formula(rows.at(from + k), block.eigenvalue[k], block.strength[k]);
-                values.x[k] = swirls ? value.x : 0.0f;
-                values.y[k] = swirls ? value.y : 0.0f;
-                values.z[k] = swirls ? value.z : 0.0f;
-            }
-            store(values, from, count, out);
-        }
+            block.store(from, count, out);
+        });
     }
 };
 

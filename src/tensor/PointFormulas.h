@@ -17,26 +17,36 @@
 namespace qel {
 
 /// The velocity-gradient tensor at one point, row by row: t12 = du/dy.
-struct Gradient {
-    float t11, t12, t13;
-    float t21, t22, t23;
-    float t31, t32, t33;
+template <typename Number>
+struct BasicGradient {
+    Number t11, t12, t13;
+    Number t21, t22, t23;
+    Number t31, t32, t33;
 };
 
-/// The same, widened.
-struct WideGradient {
-    double t11, t12, t13;
-    double t21, t22, t23;
-    double t31, t32, t33;
+using Gradient = BasicGradient<float>;
+using WideGradient = BasicGradient<double>;
+
+/// A vector that a formula computes with: of the types that TripletBase is not for as well.
+template <typename Number>
+struct BasicTriple {
+    Number x, y, z;
 };
 
-struct WideTriplet {
-    double x, y, z;
-};
+using Triple = BasicTriple<float>;
+using WideTriple = BasicTriple<double>;
 
 QEL_KERNEL Gradient gradientOf(const TripletBase<float>& row1, const TripletBase<float>& row2,
                                const TripletBase<float>& row3) {
     return {row1.x, row1.y, row1.z, row2.x, row2.y, row2.z, row3.x, row3.y, row3.z};
+}
+
+QEL_KERNEL Triple tripleOf(const TripletBase<float>& t) {
+    return {t.x, t.y, t.z};
+}
+
+QEL_KERNEL TripletBase<float> tripletOf(const Triple& t) {
+    return {t.x, t.y, t.z};
 }
 
 QEL_KERNEL WideGradient widened(const Gradient& t) {
@@ -45,30 +55,36 @@ QEL_KERNEL WideGradient widened(const Gradient& t) {
             static_cast<double>(t.t31), static_cast<double>(t.t32), static_cast<double>(t.t33)};
 }
 
-// -- Single precision ----
+// -- Single precision, also of several points at once: Number is float, or Lanes of them ----
 
-QEL_KERNEL float invariantQ(const Gradient& t) {
+template <typename Number>
+QEL_KERNEL Number invariantQ(const BasicGradient<Number>& t) {
     return (t.t33 + t.t22) * t.t11 - t.t21 * t.t12 - t.t31 * t.t13 - t.t32 * t.t23 + t.t33 * t.t22;
 }
 
-QEL_KERNEL float divergence(const Gradient& t) {
+template <typename Number>
+QEL_KERNEL Number divergence(const BasicGradient<Number>& t) {
     return (t.t22 + t.t11) + t.t33;
 }
 
-QEL_KERNEL TripletBase<float> vorticity(const Gradient& t) {
+template <typename Number>
+QEL_KERNEL BasicTriple<Number> vorticity(const BasicGradient<Number>& t) {
     return {t.t32 - t.t23, t.t13 - t.t31, t.t21 - t.t12};
 }
 
 /// a times the vorticity, in the order y, x, z.
-QEL_KERNEL float timesVorticity(const TripletBase<float>& a, const TripletBase<float>& vorticity) {
+template <typename Number>
+QEL_KERNEL Number timesVorticity(const BasicTriple<Number>& a,
+                                 const BasicTriple<Number>& vorticity) {
     return vorticity.y * a.y + vorticity.x * a.x + vorticity.z * a.z;
 }
 
-QEL_KERNEL float helicity(const Gradient& t, const TripletBase<float>& velocity) {
+template <typename Number>
+QEL_KERNEL Number helicity(const BasicGradient<Number>& t, const BasicTriple<Number>& velocity) {
     return timesVorticity(velocity, vorticity(t));
 }
 
-QEL_KERNEL TripletBase<float> scaled(const TripletBase<float>& t, float factor) {
+QEL_KERNEL Triple scaled(const Triple& t, float factor) {
     return {t.x * factor, t.y * factor, t.z * factor};
 }
 
@@ -103,82 +119,81 @@ QEL_KERNEL float discriminant(const Gradient& t) {
 /// Below this squared length a direction is undetermined.
 constexpr double kSmallestSquare = 1e-36;
 
-QEL_KERNEL WideTriplet cross(const WideTriplet& a, const WideTriplet& b) {
+QEL_KERNEL WideTriple cross(const WideTriple& a, const WideTriple& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-QEL_KERNEL double square(const WideTriplet& a) {
+QEL_KERNEL double square(const WideTriple& a) {
     return a.x * a.x + a.y * a.y + a.z * a.z;
 }
 
-QEL_KERNEL WideTriplet selected(bool first, const WideTriplet& a, const WideTriplet& b) {
+QEL_KERNEL WideTriple selected(bool first, const WideTriple& a, const WideTriple& b) {
     return {first ? a.x : b.x, first ? a.y : b.y, first ? a.z : b.z};
 }
 
 /// The longest of three candidates, the earliest among equals, as a unit vector that does not point
 /// against the vorticity; zero if it is too short.
-QEL_KERNEL TripletBase<float> directionOfLongest(const WideTriplet& c1, const WideTriplet& c2,
-                                                 const WideTriplet& c3, const WideGradient& t) {
+QEL_KERNEL Triple directionOfLongest(const WideTriple& c1, const WideTriple& c2,
+                                     const WideTriple& c3, const WideGradient& t) {
     const double x1 = square(c1);
     const double x2 = square(c2);
     const double x3 = square(c3);
     const bool first = (x1 >= x2) & (x1 >= x3);
     const bool second = (x2 >= x3) & (x2 >= x1);
-    const WideTriplet longest = selected(first, c1, selected(second, c2, c3));
+    const WideTriple longest = selected(first, c1, selected(second, c2, c3));
     const double length2 = first ? x1 : (second ? x2 : x3);
 
     const double scale = 1.0 / std::sqrt(length2);
     const bool determined = length2 > kSmallestSquare;
-    const WideTriplet e = selected(
+    const WideTriple e = selected(
         determined, {longest.x * scale, longest.y * scale, longest.z * scale}, {0.0, 0.0, 0.0});
 
     const double along = (t.t32 - t.t23) * e.x + (t.t13 - t.t31) * e.y + (t.t21 - t.t12) * e.z;
-    const WideTriplet oriented = selected(along < 0.0, {-e.x, -e.y, -e.z}, e);
+    const WideTriple oriented = selected(along < 0.0, {-e.x, -e.y, -e.z}, e);
     return {static_cast<float>(oriented.x), static_cast<float>(oriented.y),
             static_cast<float>(oriented.z)};
 }
 
 /// Unit eigenvector for the real eigenvalue: the rows of A = T - l I are normal to it, so the cross
 /// product of two of them is along it.
-QEL_KERNEL TripletBase<float> realEigenvector(const Gradient& t, float eigenvalue) {
+QEL_KERNEL Triple realEigenvector(const Gradient& t, float eigenvalue) {
     const Gradient shifted = {t.t11 - eigenvalue, t.t12, t.t13, t.t21,
                               t.t22 - eigenvalue, t.t23, t.t31, t.t32,
                               t.t33 - eigenvalue};
     const WideGradient a = widened(shifted);
-    const WideTriplet a1 = {a.t11, a.t12, a.t13};
-    const WideTriplet a2 = {a.t21, a.t22, a.t23};
-    const WideTriplet a3 = {a.t31, a.t32, a.t33};
+    const WideTriple a1 = {a.t11, a.t12, a.t13};
+    const WideTriple a2 = {a.t21, a.t22, a.t23};
+    const WideTriple a3 = {a.t31, a.t32, a.t33};
     return directionOfLongest(cross(a1, a2), cross(a1, a3), cross(a2, a3), widened(t));
 }
 
 /// Unit normal of the swirl plane: that plane is the null space of
 /// B = T T - 2 lcr T + (lci^2 + lcr^2) I, so every row of B is along the normal.
-QEL_KERNEL TripletBase<float> swirlPlaneNormal(const Gradient& gradient, float realEigenvalue,
-                                               float swirlStrength) {
+QEL_KERNEL Triple swirlPlaneNormal(const Gradient& gradient, float realEigenvalue,
+                                   float swirlStrength) {
     const WideGradient t = widened(gradient);
     const double realPart = (t.t22 + t.t11 + t.t33 - static_cast<double>(realEigenvalue)) * 0.5;
     const double twice = 2.0 * realPart;
     const double m = static_cast<double>(swirlStrength * swirlStrength) + realPart * realPart;
-    const WideTriplet b1 = {t.t11 * t.t11 + t.t12 * t.t21 + t.t13 * t.t31 - twice * t.t11 + m,
-                            t.t11 * t.t12 + t.t12 * t.t22 + t.t13 * t.t32 - twice * t.t12,
-                            t.t11 * t.t13 + t.t12 * t.t23 + t.t13 * t.t33 - twice * t.t13};
-    const WideTriplet b2 = {t.t21 * t.t11 + t.t22 * t.t21 + t.t23 * t.t31 - twice * t.t21,
-                            t.t21 * t.t12 + t.t22 * t.t22 + t.t23 * t.t32 - twice * t.t22 + m,
-                            t.t21 * t.t13 + t.t22 * t.t23 + t.t23 * t.t33 - twice * t.t23};
-    const WideTriplet b3 = {t.t31 * t.t11 + t.t32 * t.t21 + t.t33 * t.t31 - twice * t.t31,
-                            t.t31 * t.t12 + t.t32 * t.t22 + t.t33 * t.t32 - twice * t.t32,
-                            t.t31 * t.t13 + t.t32 * t.t23 + t.t33 * t.t33 - twice * t.t33 + m};
+    const WideTriple b1 = {t.t11 * t.t11 + t.t12 * t.t21 + t.t13 * t.t31 - twice * t.t11 + m,
+                           t.t11 * t.t12 + t.t12 * t.t22 + t.t13 * t.t32 - twice * t.t12,
+                           t.t11 * t.t13 + t.t12 * t.t23 + t.t13 * t.t33 - twice * t.t13};
+    const WideTriple b2 = {t.t21 * t.t11 + t.t22 * t.t21 + t.t23 * t.t31 - twice * t.t21,
+                           t.t21 * t.t12 + t.t22 * t.t22 + t.t23 * t.t32 - twice * t.t22 + m,
+                           t.t21 * t.t13 + t.t22 * t.t23 + t.t23 * t.t33 - twice * t.t23};
+    const WideTriple b3 = {t.t31 * t.t11 + t.t32 * t.t21 + t.t33 * t.t31 - twice * t.t31,
+                           t.t31 * t.t12 + t.t32 * t.t22 + t.t33 * t.t32 - twice * t.t32,
+                           t.t31 * t.t13 + t.t32 * t.t23 + t.t33 * t.t33 - twice * t.t33 + m};
     return directionOfLongest(b1, b2, b3, t);
 }
 
 // -- What is built on them, where the swirl strength is positive ----
 
-QEL_KERNEL TripletBase<float> scaledEigenvector(const Gradient& t, float eigenvalue,
-                                                float strength) {
+QEL_KERNEL Triple scaledEigenvector(const Gradient& t, float eigenvalue, float strength) {
     return scaled(realEigenvector(t, eigenvalue), strength);
 }
 
-QEL_KERNEL TripletBase<float> scaledNormal(const Gradient& t, float eigenvalue, float strength) {
+QEL_KERNEL Triple scaledNormal(const Gradient& t, float eigenvalue, float strength) {
     return scaled(swirlPlaneNormal(t, eigenvalue, strength), strength);
 }
 
@@ -191,8 +206,8 @@ QEL_KERNEL float normalHelicity(const Gradient& t, float eigenvalue, float stren
 }
 
 QEL_KERNEL float stretchRate(const Gradient& t, float eigenvalue, float strength) {
-    const TripletBase<float> e = realEigenvector(t, eigenvalue);
-    const TripletBase<float> n = swirlPlaneNormal(t, eigenvalue, strength);
+    const Triple e = realEigenvector(t, eigenvalue);
+    const Triple n = swirlPlaneNormal(t, eigenvalue, strength);
     return (e.x * n.x + e.y * n.y + e.z * n.z) * strength;
 }
 

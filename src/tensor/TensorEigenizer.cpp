@@ -7,12 +7,16 @@
 
 #include <qel/TensorEigenizer.h>
 
+#include <cstddef>
+#include <tuple>
+
 #include "platform/VectorDispatch.h"
 #include "tensor/FieldAccess.h"
 #include "tensor/FieldKernels.h"
 #include "tensor/PointFormulas.h"
 #include "tensor/RootFormulas.h"
 #include "tensor/RootKernels.h"
+#include "tensor/Runs.h"
 #include "tensor/SplitRows.h"
 
 namespace qel {
@@ -32,97 +36,111 @@ struct Field {
     Rows rows() const { return {runOf(row1, n), runOf(row2, n), runOf(row3, n)}; }
 };
 
-bool standsApartFromRows(const Footprint& output, const Rows& rows, std::size_t n) {
-    return standsApart(output, Footprint(rows.row1, n), Footprint(rows.row2, n),
-                       Footprint(rows.row3, n));
+// -- Outputs ----
+
+// Both outputs of the swirl analysis, as one.
+struct SwirlArrays {
+    FloatQELVector& strength;
+    FloatQELVector& eigenvalue;
+
+    void resize(std::size_t n) {
+        strength.resize(n);
+        eigenvalue.resize(n);
+    }
+};
+
+bool isOwnKind(const SwirlArrays& arrays) {
+    return isOwnKind(arrays.strength) && isOwnKind(arrays.eigenvalue);
 }
 
-bool isOwnKind(const TripletQELVector&) {
-    return true;
+SwirlRuns runOf(SwirlArrays& arrays, std::size_t n) {
+    return {runOf(arrays.strength, n), runOf(arrays.eigenvalue, n)};
 }
 
-// Bracketing a root costs more than the C library's function, unless many are done at once.
-bool bracketingPays() {
-    return vectorUnit() != VectorUnit::portable;
+void store(float value, FloatQELVector& out, std::size_t k) {
+    out[k] = value;
 }
 
-// -- Point by point, through the arrays' operations ----
+void store(const Triple& value, TripletQELVector& out, std::size_t k) {
+    out[k] = tripletOf(value);
+}
 
-// Stores formula(point) in out[point] for every point.
-template <typename Output, typename Formula>
-void storeEach(std::size_t n, Output& out, const Formula& formula) {
+void store(const Swirl& value, SwirlArrays& out, std::size_t k) {
+    out.strength[k] = value.strength;
+    out.eigenvalue[k] = value.realEigenvalue;
+}
+
+// -- An operation over the field ----
+
+// out = atPoint(k) for every point k in order, through the arrays' operations; or the same by
+// onMemory(n, memory of out, rows, memory of the inputs...) where that may stand for it.
+template <typename OnMemory, typename AtPoint, typename Output, typename... Inputs>
+void evaluate(const Field& field, const OnMemory& onMemory, const AtPoint& atPoint, Output& out,
+              Inputs&... inputs) {
+    const std::size_t n = field.n;
+    out.resize(n);
+    if (n == 0) {
+        return;
+    }
+    if (isOwnKind(out) && (isOwnKind(inputs) && ...)) {
+        const std::tuple memory{runOf(inputs, n)...};
+        const auto output = runOf(out, n);
+        const Rows rows = field.rows();
+        const auto run = [&](const auto&... input) {
+            const bool apart = standsApart(n, output, rows, input...);
+            if (apart) {
+                onMemory(n, output, rows, input...);
+            }
+            return apart;
+        };
+        if (std::apply(run, memory)) {
+            return;
+        }
+    }
     for (std::size_t k = 0; k < n; ++k) {
-        const auto value = formula(k);
-        out[k] = value;
+        store(atPoint(k), out, k);
     }
 }
 
-// -- A formula of the tensor alone ----
+// A formula of the tensor, the memory read by groups and their components put apart.
+template <typename Formula, template <typename, std::size_t> class Split = SplitKernel,
+          typename Output>
+void evaluateSplit(const Field& field, Output& out) {
+    evaluate(
+        field, [](auto... memory) { onVectorUnitSplit<Formula, Split>(memory...); },
+        [&](std::size_t k) { return Formula::at(field.at(k)); }, out);
+}
 
-template <float (*Formula)(const Gradient&), typename Kernel = FloatKernel<Formula>,
-          typename Split = Kernel>
-void evaluate(const Field& field, FloatQELVector& out) {
-    out.resize(field.n);
-    if (field.n == 0) {
-        return;
-    }
-    if (isOwnKind(out)) {
-        const FloatRun run = runOf(out, field.n);
-        const Rows rows = field.rows();
-        if (standsApartFromRows(Footprint(run, field.n), rows, field.n)) {
-            onVectorUnitSplit<Kernel, Split>(rows, field.n, run);
-            return;
+// A root, bracketed in vector lanes: that costs more than the C library's function, unless many are
+// done at once.
+template <typename Root, typename Output>
+void evaluateRoot(const Field& field, Output& out) {
+    const auto onMemory = [](auto... memory) {
+        if (vectorUnit() == VectorUnit::portable) {
+            runPortable<PointKernel<Root>>(memory...);
+        } else {
+            onVectorUnit<BracketedKernel<Root>>(memory...);
         }
-    }
-    storeEach(field.n, out, [&](std::size_t k) { return Formula(field.at(k)); });
+    };
+    evaluate(
+        field, onMemory, [&](std::size_t k) { return Root::at(field.at(k)); }, out);
 }
 
-template <float (*Formula)(const Gradient&)>
-void evaluateSplit(const Field& field, FloatQELVector& out) {
-    evaluate<Formula, FloatKernel<Formula>, SplitFloatKernel<Formula>>(field, out);
-}
-
-// -- A formula of the tensor, the real eigenvalue and the swirl strength ----
-
-// Both are read at every point, also where the second is not needed: inputs that are too short
-// are fatal, whatever their values.
-template <typename Kernel, typename Output, typename Formula>
-void evaluateWhereItSwirls(const Field& field, FloatQELVector& swirl,
-                           FloatQELVector& realEigenvalue, Output& out, const Formula& formula) {
-    out.resize(field.n);
-    if (field.n == 0) {
-        return;
-    }
-    if (isOwnKind(out) && isOwnKind(swirl) && isOwnKind(realEigenvalue)) {
-        const SwirlRuns inputs = {runOf(swirl, field.n), runOf(realEigenvalue, field.n)};
-        const auto run = runOf(out, field.n);
-        const Rows rows = field.rows();
-        const Footprint output(run, field.n);
-        if (standsApartFromRows(output, rows, field.n) &&
-            standsApart(output, Footprint(inputs.strength, field.n),
-                        Footprint(inputs.eigenvalue, field.n))) {
-            onVectorUnit<Kernel>(rows, field.n, inputs, run);
-            return;
-        }
-    }
-    storeEach(field.n, out, [&](std::size_t k) {
+// A formula of the tensor, the real eigenvalue and the swirl strength, where it swirls. Both are
+// read at every point, also where the second is not needed: inputs that are too short are fatal,
+// whatever their values.
+template <auto formula, typename Output>
+void evaluateSwirl(const Field& field, FloatQELVector& swirl, FloatQELVector& realEigenvalue,
+                   Output& out) {
+    using Value = decltype(formula(Gradient(), 0.0f, 0.0f));
+    const auto atPoint = [&](std::size_t k) {
         const float strength = swirl[k];
         const float eigenvalue = realEigenvalue[k];
-        return strength > 0.0f ? formula(field.at(k), eigenvalue, strength)
-                               : decltype(formula(field.at(k), eigenvalue, strength)){};
-    });
-}
-
-template <float (*Formula)(const Gradient&, float, float)>
-void evaluateSwirl(const Field& field, FloatQELVector& swirl, FloatQELVector& realEigenvalue,
-                   FloatQELVector& out) {
-    evaluateWhereItSwirls<SwirlFloatKernel<Formula>>(field, swirl, realEigenvalue, out, Formula);
-}
-
-template <Triplet (*Formula)(const Gradient&, float, float)>
-void evaluateSwirl(const Field& field, FloatQELVector& swirl, FloatQELVector& realEigenvalue,
-                   TripletQELVector& out) {
-    evaluateWhereItSwirls<SwirlTripletKernel<Formula>>(field, swirl, realEigenvalue, out, Formula);
+        return strength > 0.0f ? formula(field.at(k), eigenvalue, strength) : Value{};
+    };
+    evaluate(
+        field, [](auto... memory) { onVectorUnit<SwirlPointKernel<formula>>(memory...); }, atPoint,
+        out, swirl, realEigenvalue);
 }
 
 } // namespace
@@ -137,86 +155,39 @@ TensorEigenizer::~TensorEigenizer() = default;
 // -- Invariants and products ----
 
 void TensorEigenizer::getInvariantQ(FloatQELVector& out) const {
-    evaluateSplit<invariantQ>({n_, *row1_, *row2_, *row3_}, out);
+    evaluateSplit<InvariantQ>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDivergence(FloatQELVector& out) const {
-    evaluateSplit<divergence>({n_, *row1_, *row2_, *row3_}, out);
+    evaluateSplit<Divergence>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDiscrim(FloatQELVector& out) const {
-    evaluateSplit<discriminant>({n_, *row1_, *row2_, *row3_}, out);
+    evaluateSplit<Discriminant, SplitLoopKernel>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getVorticity(TripletQELVector& out) const {
-    const Field field = {n_, *row1_, *row2_, *row3_};
-    out.resize(n_);
-    if (n_ == 0) {
-        return;
-    }
-    Triplet* const run = runOf(out, n_);
-    const Rows rows = field.rows();
-    if (standsApartFromRows(Footprint(run, n_), rows, n_)) {
-        onVectorUnitSplit<VorticityKernel, SplitVorticityKernel>(rows, n_, run);
-    } else {
-        storeEach(n_, out, [&](std::size_t k) { return vorticity(field.at(k)); });
-    }
+    evaluateSplit<Vorticity>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getHelicity(TripletQELVector& velocity, FloatQELVector& out) const {
     const Field field = {n_, *row1_, *row2_, *row3_};
-    out.resize(n_);
-    if (n_ == 0) {
-        return;
-    }
-    if (isOwnKind(out)) {
-        const Triplet* const input = runOf(velocity, n_);
-        const FloatRun run = runOf(out, n_);
-        const Rows rows = field.rows();
-        const Footprint output(run, n_);
-        if (standsApartFromRows(output, rows, n_) && standsApart(output, Footprint(input, n_))) {
-            onVectorUnitSplit<HelicityKernel, SplitHelicityKernel>(rows, n_, input, run);
-            return;
-        }
-    }
-    storeEach(n_, out, [&](std::size_t k) { return helicity(field.at(k), velocity[k]); });
+    evaluate(
+        field, [](auto... memory) { onVectorUnitSplit<Helicity, SplitKernel>(memory...); },
+        [&](std::size_t k) { return Helicity::at(field.at(k), tripleOf(velocity[k])); }, out,
+        velocity);
 }
 
 void TensorEigenizer::get2ndEValSymmTT(FloatQELVector& out) const {
-    const Field field = {n_, *row1_, *row2_, *row3_};
-    if (bracketingPays()) {
-        evaluate<secondEigenvalue, SecondEigenvalueKernel>(field, out);
-    } else {
-        evaluate<secondEigenvalue>(field, out);
-    }
+    evaluateRoot<SecondEigenvalue>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 // -- Eigenvalues and what is built on them ----
 
 void TensorEigenizer::getSwirlStrength(FloatQELVector& swirl,
                                        FloatQELVector& realEigenvalue) const {
-    const Field field = {n_, *row1_, *row2_, *row3_};
-    swirl.resize(n_);
-    realEigenvalue.resize(n_);
-    if (n_ == 0) {
-        return;
-    }
-    if (bracketingPays() && isOwnKind(swirl) && isOwnKind(realEigenvalue)) {
-        const FloatRun first = runOf(swirl, n_);
-        const FloatRun second = runOf(realEigenvalue, n_);
-        const Rows rows = field.rows();
-        const Footprint output(second, n_);
-        if (standsApartFromRows(Footprint(first, n_), rows, n_) &&
-            standsApartFromRows(output, rows, n_) && standsApart(output, Footprint(first, n_))) {
-            onVectorUnit<SwirlKernel>(rows, n_, first, second);
-            return;
-        }
-    }
-    for (std::size_t k = 0; k < n_; ++k) {
-        const Swirl value = swirlOf(field.at(k));
-        swirl[k] = value.strength;
-        realEigenvalue[k] = value.realEigenvalue;
-    }
+    SwirlArrays out = {swirl, realEigenvalue};
+    evaluateRoot<SwirlAnalysis>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getSwirlStretchRate(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
@@ -248,12 +219,12 @@ void TensorEigenizer::getEVecReal(FloatQELVector& swirl, FloatQELVector& realEig
 
 Triplet TensorEigenizer::realeigenvec(const Triplet& row1, const Triplet& row2, const Triplet& row3,
                                       float realEigenvalue) const {
-    return realEigenvector(gradientOf(row1, row2, row3), realEigenvalue);
+    return tripletOf(realEigenvector(gradientOf(row1, row2, row3), realEigenvalue));
 }
 
 Triplet TensorEigenizer::swirlnormal(const Triplet& row1, const Triplet& row2, const Triplet& row3,
                                      float realEigenvalue, float swirlStrength) const {
-    return swirlPlaneNormal(gradientOf(row1, row2, row3), realEigenvalue, swirlStrength);
+    return tripletOf(swirlPlaneNormal(gradientOf(row1, row2, row3), realEigenvalue, swirlStrength));
 }
 
 } // namespace qel

@@ -142,6 +142,24 @@ TEST(EigenAnalysis, DegenerateSystemsGiveTheZeroVector) {
     EXPECT_EQ(a.vector[0], Triplet(0, 0, 0));
 }
 
+TEST(EigenAnalysis, ASquaredLengthAtTheThresholdIsTooShort) {
+    // The only candidate is a1 x a2 = (pq - rs, -aq, as), of a squared length that rounds to the
+    // threshold; with a greater a it is beyond.
+    const float p = 0x1.6148a8p-30f, q = 0x1.abbef8p-31f, r = 0x1.e44c5p-43f, s = 0x1.58fcbcp-46f;
+    const auto squaredLength = [&](double a) {
+        const double x = double{p} * double{q} - double{r} * double{s};
+        const double y = -a * double{q}, z = a * double{s};
+        return x * x + y * y + z * z;
+    };
+    const float at = 0x1p-56f, beyond = 0x1p-55f;
+    ASSERT_EQ(squaredLength(double{at}), 1e-36);
+    ASSERT_GT(squaredLength(double{beyond}), 1e-36);
+    const Field field({Tensor{}});
+    const TensorEigenizer t = field.eigenizer();
+    EXPECT_EQ(t.realeigenvec({at, p, r}, {0, s, q}, {}, 0.0f), Triplet(0, 0, 0));
+    EXPECT_NEAR(t.realeigenvec({beyond, p, r}, {0, s, q}, {}, 0.0f).length(), 1.0, 1e-6);
+}
+
 TEST(EigenAnalysis, TiesGoToTheEarlierCandidate) {
     // Rows of A = T: c1 = c2 = c3 in length, in different directions.
     const Field field({Tensor{}});

@@ -98,7 +98,7 @@ TEST(RootBounds, CubeRootIsWithinATenthOfItsBound) {
 TEST(RootBounds, CubeRootBracketsThePlainFormula) {
     forEachRadicand([](double x) {
         for (const double signedX : {x, -x}) {
-            const qel::Bracket b = qel::cubeRootBracket(signedX);
+            const qel::RootBracket b = qel::cubeRootBracket(signedX);
             ASSERT_LE(b.low, qel::signedCubeRoot(signedX)) << signedX;
             ASSERT_GE(b.high, qel::signedCubeRoot(signedX)) << signedX;
             ASSERT_LT(b.high - b.low, 3e-12 * std::cbrt(x));
@@ -108,7 +108,7 @@ TEST(RootBounds, CubeRootBracketsThePlainFormula) {
 
 TEST(RootBounds, CubeRootOfZeroIsPositiveZero) {
     for (const double zero : {0.0, -0.0}) {
-        const qel::Bracket b = qel::cubeRootBracket(zero);
+        const qel::RootBracket b = qel::cubeRootBracket(zero);
         EXPECT_EQ(b.low, 0.0);
         EXPECT_EQ(b.high, 0.0);
         EXPECT_FALSE(std::signbit(b.low) || std::signbit(b.high));

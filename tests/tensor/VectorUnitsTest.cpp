@@ -135,6 +135,22 @@ TEST_P(VectorUnits, FlowsInOnePlane) {
     checkAll(tensors);
 }
 
+// Eigenvalues about as small as a float can be: the ends of the real one, which is near 0, round to
+// zeros of both signs, or to the least float and zero.
+TEST_P(VectorUnits, EigenvaluesThatVanish) {
+    std::mt19937 random(68);
+    std::uniform_real_distribution<float> mantissa(1.0f, 2.0f);
+    std::vector<Tensor> tensors;
+    for (int exponent = -149; exponent < -90; ++exponent) {
+        for (int k = 0; k < 20; ++k) {
+            const float x = std::ldexp(mantissa(random), exponent);
+            tensors.push_back({x, -x, 0, x, x, 0, 0, 0, 0});
+            tensors.push_back({-x, -x, 0, x, -x, 0, 0, 0, 0});
+        }
+    }
+    checkAll(tensors);
+}
+
 // Lengths around those of lanes and blocks.
 TEST_P(VectorUnits, EveryLength) {
     const std::size_t lengths[] = {1, 2, 3, 7, 8, 9, 15, 16, 17, 31, 33, 255, 256, 257, 511, 513};
