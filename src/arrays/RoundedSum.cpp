@@ -30,6 +30,7 @@ namespace {
 
 constexpr std::size_t kLanes = 8;
 constexpr __mmask8 kAllLanes = 0xff;
+constexpr __mmask8 kHalfOfLanes = 0xf;
 constexpr std::size_t kRun = 32; // longer ones meet more halfway values and leave more often
 
 QEL_KERNEL std::uint64_t bitsOf(double value) {
@@ -73,11 +74,15 @@ struct Steps {
     std::uint32_t tied; // which lie halfway; their R is an even multiple
 };
 
-QEL_AVX512 double sumOf(__m512d lanes) {
-    double parts[kLanes];
-    _mm512_storeu_pd(parts, lanes);
-    return ((parts[0] + parts[1]) + (parts[2] + parts[3])) +
-           ((parts[4] + parts[5]) + (parts[6] + parts[7]));
+QEL_AVX512 __m256d addHalves(__m512d lanes) {
+    return _mm256_add_pd(_mm512_maskz_extractf64x4_pd(kHalfOfLanes, lanes, 0),
+                         _mm512_maskz_extractf64x4_pd(kHalfOfLanes, lanes, 1));
+}
+
+// The sums of the lanes of both.
+QEL_AVX512 __m128d sumsOf(__m512d first, __m512d second) {
+    const __m256d pairs = _mm256_hadd_pd(addHalves(first), addHalves(second));
+    return _mm_add_pd(_mm256_castpd256_pd128(pairs), _mm256_extractf128_pd(pairs, 1));
 }
 
 QEL_AVX512 Steps stepsOf(const float* values, const Binade& binade) {
@@ -99,8 +104,9 @@ QEL_AVX512 Steps stepsOf(const float* values, const Binade& binade) {
         steps.odd |= odd << k;
         steps.tied |= tied << k;
     }
-    steps.sum = sumOf(sum);
-    steps.magnitude = sumOf(magnitude);
+    const __m128d sums = sumsOf(sum, magnitude);
+    steps.sum = _mm_cvtsd_f64(sums);
+    steps.magnitude = _mm_cvtsd_f64(_mm_unpackhi_pd(sums, sums));
     return steps;
 }
 
@@ -133,7 +139,7 @@ QEL_AVX512 double correctionOfTies(double sum, const float* values, const Binade
 }
 
 QEL_AVX512 double sumInSteps(double sum, const float* values, std::size_t n) {
-    constexpr std::size_t kLongestPause = 32;
+    constexpr std::size_t kLongestPause = 4;
     std::size_t pause = 1; // runs to take the plain loop for, where few keep to an interval
     Binade binade = Binade::of(sum);
     std::size_t i = 0;
