@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/VectorUnit.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
@@ -42,61 +42,28 @@ QEL_KERNEL void cumulate(const Point* points, std::size_t count, double* distanc
     }
 }
 
-QEL_KERNEL void divide(double* values, std::size_t count, double divisor) {
-    for (std::size_t i = 0; i < count; ++i) {
-        values[i] /= divisor;
+struct DivideKernel {
+    QEL_KERNEL static void run(double* values, std::size_t count, double divisor) {
+        for (std::size_t i = 0; i < count; ++i) {
+            values[i] /= divisor;
+        }
     }
-}
+};
 
-void cumulatePortable(const Point* points, std::size_t count, double* distances) {
-    cumulate(points, count, distances);
-}
-void dividePortable(double* values, std::size_t count, double divisor) {
-    divide(values, count, divisor);
-}
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 void cumulateAvx2(const Point* points, std::size_t count, double* distances) {
-    cumulate(points, count, distances);
-}
-QEL_AVX512 void cumulateAvx512(const Point* points, std::size_t count, double* distances) {
-    cumulate(points, count, distances);
-}
-QEL_AVX2 void divideAvx2(double* values, std::size_t count, double divisor) {
-    divide(values, count, divisor);
-}
-QEL_AVX512 void divideAvx512(double* values, std::size_t count, double divisor) {
-    divide(values, count, divisor);
-}
-#endif
+struct CumulateKernel {
+    QEL_KERNEL static void run(const Point* points, std::size_t count, double* distances) {
+        cumulate(points, count, distances);
+    }
+};
 
 } // namespace
 
 void cumulateSteps(const Points& points, double* distances) {
-#if defined(QEL_VECTOR_UNITS)
-    switch (vectorUnit()) {
-    case VectorUnit::avx512:
-        return cumulateAvx512(points.data(), points.size(), distances);
-    case VectorUnit::avx2:
-        return cumulateAvx2(points.data(), points.size(), distances);
-    case VectorUnit::portable:
-        break;
-    }
-#endif
-    cumulatePortable(points.data(), points.size(), distances);
+    onVectorUnit<CumulateKernel>(points.data(), points.size(), distances);
 }
 
 void divideAll(double* values, std::size_t count, double divisor) {
-#if defined(QEL_VECTOR_UNITS)
-    switch (vectorUnit()) {
-    case VectorUnit::avx512:
-        return divideAvx512(values, count, divisor);
-    case VectorUnit::avx2:
-        return divideAvx2(values, count, divisor);
-    case VectorUnit::portable:
-        break;
-    }
-#endif
-    dividePortable(values, count, divisor);
+    onVectorUnit<DivideKernel>(values, count, divisor);
 }
 
 } // namespace qel

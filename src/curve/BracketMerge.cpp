@@ -19,12 +19,12 @@ std::uint64_t bitsOf(const double* value) {
 
 // Compares all neighbours, so that lanes help.
 struct SortedKernel {
-    QEL_KERNEL static void run(const double* parameters, bool* sorted) {
+    QEL_KERNEL static bool run(const double* parameters) {
         std::uint64_t descents = 0;
         for (std::size_t k = 1; k < BracketBlock::kCount; ++k) {
             descents |= parameters[k - 1] <= parameters[k] ? 0 : std::uint64_t{1};
         }
-        *sorted = descents == 0;
+        return descents == 0;
     }
 };
 
@@ -45,12 +45,7 @@ bool lookEven(const double* parameters) {
 } // namespace
 
 bool isWorthMerging(const double* parameters) {
-    if (lookEven(parameters)) {
-        return false;
-    }
-    bool sorted = false;
-    onVectorUnit<SortedKernel>(parameters, &sorted);
-    return sorted;
+    return !lookEven(parameters) && onVectorUnit<SortedKernel>(parameters);
 }
 
 class BracketMerge {

@@ -70,17 +70,16 @@ QEL_KERNEL void lookAt(const Point* block, const Point& q, Nearest& nearest) {
 struct BlockSearch {
     static constexpr std::size_t kFewest = kBlock + kPointsToLine;
 
-    QEL_KERNEL static void run(const Point* points, std::size_t count, Point q,
-                               std::size_t* index) {
+    QEL_KERNEL static std::size_t run(const Point* points, std::size_t count, Point q) {
         Nearest nearest{squaredDistance(points[0], q), nullptr};
         lookAt(points, q, nearest);
         for (std::size_t i = firstOnLine(points); i + kBlock <= count; i += kBlock) {
             lookAt(points + i, q, nearest);
         }
         lookAt(points + count - kBlock, q, nearest);
-        *index = nearest.block == nullptr ? 0
-                                          : static_cast<std::size_t>(nearest.block - points) +
-                                                firstInBlock(nearest.d2, nearest.block, q);
+        return nearest.block == nullptr ? 0
+                                        : static_cast<std::size_t>(nearest.block - points) +
+                                              firstInBlock(nearest.d2, nearest.block, q);
     }
 };
 
@@ -88,20 +87,16 @@ struct BlockSearch {
 struct LaneSearch {
     static constexpr std::size_t kFewest = kDistanceLanes;
 
-    QEL_KERNEL static void run(const Point* points, std::size_t count, Point q,
-                               std::size_t* index) {
+    QEL_KERNEL static std::size_t run(const Point* points, std::size_t count, Point q) {
         const std::size_t whole = count - count % kDistanceLanes;
         const Point* const last = points + count - kDistanceLanes;
         const double first = squaredDistance(points[0], q);
         const double ofWhole = leastSquaredDistance(points, whole, q, first);
         const double ofAll = leastSquaredDistance(last, kDistanceLanes, q, ofWhole);
-        *index = 0;
         if (ofAll < ofWhole) {
-            *index =
-                static_cast<std::size_t>(last - points) + firstAtSquaredDistance(ofAll, last, q);
-        } else if (ofWhole < first) {
-            *index = firstInBlock(ofWhole, points, q);
+            return static_cast<std::size_t>(last - points) + firstAtSquaredDistance(ofAll, last, q);
         }
+        return ofWhole < first ? firstInBlock(ofWhole, points, q) : 0;
     }
 };
 
@@ -109,15 +104,13 @@ struct LaneSearch {
 
 std::size_t nearestVertex(const Points& points, const Point& q) {
     const std::size_t count = points.size();
-    std::size_t index = 0;
     if (count >= BlockSearch::kFewest) {
-        onVectorUnit<BlockSearch>(points.data(), count, q, &index);
-    } else if (count >= LaneSearch::kFewest) {
-        onVectorUnit<LaneSearch>(points.data(), count, q, &index);
-    } else {
-        index = plainSearch(points.data(), count, q);
+        return onVectorUnit<BlockSearch>(points.data(), count, q);
     }
-    return index;
+    if (count >= LaneSearch::kFewest) {
+        return onVectorUnit<LaneSearch>(points.data(), count, q);
+    }
+    return plainSearch(points.data(), count, q);
 }
 
 } // namespace qel

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/VectorUnit.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
@@ -120,31 +120,18 @@ QEL_KERNEL unsigned overlappingOf(const float* x, const float* y, float width,
     return bits;
 }
 
-void fillPortable(const Point* points, std::size_t count, float* x, float* y, PlaneBox* boxes,
-                  float* widths) {
-    fill(points, count, x, y, boxes, widths);
-}
-unsigned overlappingPortable(const float* x, const float* y, float width, const PlaneBox& box) {
-    return overlappingOf(x, y, width, box);
-}
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 void fillAvx2(const Point* points, std::size_t count, float* x, float* y, PlaneBox* boxes,
-                       float* widths) {
-    fill(points, count, x, y, boxes, widths);
-}
-QEL_AVX2 unsigned overlappingAvx2(const float* x, const float* y, float width,
-                                  const PlaneBox& box) {
-    return overlappingOf(x, y, width, box);
-}
-QEL_AVX512 void fillAvx512(const Point* points, std::size_t count, float* x, float* y,
-                           PlaneBox* boxes, float* widths) {
-    fill(points, count, x, y, boxes, widths);
-}
-QEL_AVX512 unsigned overlappingAvx512(const float* x, const float* y, float width,
-                                      const PlaneBox& box) {
-    return overlappingOf(x, y, width, box);
-}
-#endif
+struct FillKernel {
+    QEL_KERNEL static void run(const Point* points, std::size_t count, float* x, float* y,
+                               PlaneBox* boxes, float* widths) {
+        fill(points, count, x, y, boxes, widths);
+    }
+};
+
+struct OverlappingKernel {
+    QEL_KERNEL static unsigned run(const float* x, const float* y, float width, PlaneBox box) {
+        return overlappingOf(x, y, width, box);
+    }
+};
 
 } // namespace
 
@@ -168,16 +155,7 @@ void PlaneRuns::take(const Point* points, std::size_t count) {
     y_.resize(runs * kRun + 1);
     boxes_.resize(runs);
     widths_.resize(runs);
-    switch (vectorUnit()) {
-#if defined(QEL_VECTOR_UNITS)
-    case VectorUnit::avx512:
-        return fillAvx512(points, count, x_.data(), y_.data(), boxes_.data(), widths_.data());
-    case VectorUnit::avx2:
-        return fillAvx2(points, count, x_.data(), y_.data(), boxes_.data(), widths_.data());
-#endif
-    default:
-        return fillPortable(points, count, x_.data(), y_.data(), boxes_.data(), widths_.data());
-    }
+    onVectorUnit<FillKernel>(points, count, x_.data(), y_.data(), boxes_.data(), widths_.data());
 }
 
 PlaneBox PlaneRuns::boxOf(std::size_t segment) const {
@@ -196,18 +174,8 @@ unsigned PlaneRuns::overlapping(std::size_t run, const PlaneBox& box) const {
     if (!(width < kInfinity)) {
         return (1u << kRun) - 1; // NaN would overlap nothing
     }
-    const float* x = x_.data() + run * kRun;
-    const float* y = y_.data() + run * kRun;
-    switch (vectorUnit()) {
-#if defined(QEL_VECTOR_UNITS)
-    case VectorUnit::avx512:
-        return overlappingAvx512(x, y, width, box);
-    case VectorUnit::avx2:
-        return overlappingAvx2(x, y, width, box);
-#endif
-    default:
-        return overlappingPortable(x, y, width, box);
-    }
+    return onVectorUnit<OverlappingKernel>(x_.data() + run * kRun, y_.data() + run * kRun, width,
+                                           box);
 }
 
 } // namespace qel

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "curve/DistanceLanes.h"
-#include "platform/VectorUnit.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
@@ -138,17 +138,11 @@ QEL_KERNEL std::size_t search(const RunBoxes::View& view, const Point& q, std::s
     }
 }
 
-std::size_t searchPortable(const RunBoxes::View& view, const Point& q, std::size_t guess) {
-    return search(view, q, guess);
-}
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 std::size_t searchAvx2(const RunBoxes::View& view, const Point& q, std::size_t guess) {
-    return search(view, q, guess);
-}
-QEL_AVX512 std::size_t searchAvx512(const RunBoxes::View& view, const Point& q, std::size_t guess) {
-    return search(view, q, guess);
-}
-#endif
+struct SearchKernel {
+    QEL_KERNEL static std::size_t run(RunBoxes::View view, Point q, std::size_t guess) {
+        return search(view, q, guess);
+    }
+};
 
 } // namespace
 
@@ -213,17 +207,7 @@ void RunBoxes::buildLevel(std::size_t level) {
 
 std::size_t RunBoxes::nearestVertex(const Point& q, std::size_t guess) const {
     const View view{points_.data(), points_.size(), boxes_.data(), levelStart_.data(), top_};
-#if defined(QEL_VECTOR_UNITS)
-    switch (vectorUnit()) {
-    case VectorUnit::avx512:
-        return searchAvx512(view, q, guess);
-    case VectorUnit::avx2:
-        return searchAvx2(view, q, guess);
-    case VectorUnit::portable:
-        break;
-    }
-#endif
-    return searchPortable(view, q, guess);
+    return onVectorUnit<SearchKernel>(view, q, guess);
 }
 
 } // namespace qel

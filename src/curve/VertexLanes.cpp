@@ -45,14 +45,12 @@ QEL_KERNEL std::size_t firstOf(const Nearest& nearest) {
 }
 
 struct ScanKernel {
-    QEL_KERNEL static void run(const Group* groups, std::size_t count, Point q,
-                               std::size_t* index) {
+    QEL_KERNEL static std::size_t run(const Group* groups, std::size_t count, Point q) {
         // Nothing is less than a first distance of NaN. Where none is less than infinity, vertex 0
         // is the first of the vertices at infinity.
         const double first = squaredDistance({groups->x[0], groups->y[0], groups->z[0]}, q);
-        *index = 0;
         if (std::isnan(first)) {
-            return;
+            return 0;
         }
         Nearest nearest;
         std::fill_n(nearest.d2, kLanes, HUGE_VAL);
@@ -60,7 +58,7 @@ struct ScanKernel {
         for (std::size_t number = 0; number < count; ++number) {
             lookAt(groups[number], number, q, nearest);
         }
-        *index = firstOf(nearest);
+        return firstOf(nearest);
     }
 };
 
@@ -78,9 +76,7 @@ VertexLanes::VertexLanes(const Points& points) : groups_((points.size() - 1) / k
 }
 
 std::size_t VertexLanes::nearest(const Point& q) const {
-    std::size_t index = 0;
-    onVectorUnit<ScanKernel>(groups_.data(), groups_.size(), q, &index);
-    return index;
+    return onVectorUnit<ScanKernel>(groups_.data(), groups_.size(), q);
 }
 
 } // namespace qel

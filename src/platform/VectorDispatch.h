@@ -17,26 +17,26 @@
 namespace qel {
 
 template <typename Kernel, typename... Arguments>
-void runPortable(Arguments... arguments) {
-    Kernel::run(arguments...);
+auto runPortable(Arguments... arguments) {
+    return Kernel::run(arguments...);
 }
 
 #if defined(QEL_VECTOR_UNITS)
 template <typename Kernel, typename... Arguments>
-QEL_AVX2 void runAvx2(Arguments... arguments) {
-    Kernel::run(arguments...);
+QEL_AVX2 auto runAvx2(Arguments... arguments) {
+    return Kernel::run(arguments...);
 }
 
 template <typename Kernel, typename... Arguments>
-QEL_AVX512 void runAvx512(Arguments... arguments) {
-    Kernel::run(arguments...);
+QEL_AVX512 auto runAvx512(Arguments... arguments) {
+    return Kernel::run(arguments...);
 }
 #endif
 
-/// Calls Kernel::run(arguments...), compiled for the vector unit in use. Arguments are passed by
+/// Returns Kernel::run(arguments...), compiled for the vector unit in use. Arguments are passed by
 /// value.
 template <typename Kernel, typename... Arguments>
-void onVectorUnit(Arguments... arguments) {
+auto onVectorUnit(Arguments... arguments) {
 #if defined(QEL_VECTOR_UNITS)
     switch (vectorUnit()) {
     case VectorUnit::avx512:
@@ -47,7 +47,7 @@ void onVectorUnit(Arguments... arguments) {
         break;
     }
 #endif
-    runPortable<Kernel, Arguments...>(arguments...);
+    return runPortable<Kernel, Arguments...>(arguments...);
 }
 
 } // namespace qel

@@ -11,7 +11,7 @@
 #include <cstring>
 #include <limits>
 
-#include "platform/VectorUnit.h"
+#include "platform/VectorDispatch.h"
 
 #if defined(QEL_VECTOR_UNITS)
 #include <emmintrin.h>
@@ -267,35 +267,16 @@ QEL_KERNEL Best search(const NearestIndex& index, float qx, float qy) {
     return best;
 }
 
-Best searchPortable(const NearestIndex& index, float qx, float qy) {
-    return search(index, qx, qy);
-}
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 Best searchAvx2(const NearestIndex& index, float qx, float qy) {
-    return search(index, qx, qy);
-}
-QEL_AVX512 Best searchAvx512(const NearestIndex& index, float qx, float qy) {
-    return search(index, qx, qy);
-}
-#endif
-
-Best searchOnThisMachine(const NearestIndex& index, float qx, float qy) {
-    switch (vectorUnit()) {
-#if defined(QEL_VECTOR_UNITS)
-    case VectorUnit::avx512:
-        return searchAvx512(index, qx, qy);
-    case VectorUnit::avx2:
-        return searchAvx2(index, qx, qy);
-#endif
-    default:
-        return searchPortable(index, qx, qy);
+struct SearchKernel {
+    QEL_KERNEL static Best run(const NearestIndex* index, float qx, float qy) {
+        return search(*index, qx, qy);
     }
-}
+};
 
 } // namespace
 
 NearestHit searchNearest(const NearestIndex& index, float qx, float qy) {
-    const Best best = searchOnThisMachine(index, qx, qy);
+    const Best best = onVectorUnit<SearchKernel>(&index, qx, qy);
     if (best.block == nullptr) {
         return {};
     }
