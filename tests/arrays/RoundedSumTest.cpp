@@ -133,7 +133,7 @@ TEST(RoundedSum, OfInfinitiesAndExtremes) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     constexpr float kLargest = std::numeric_limits<float>::max();
     constexpr float kSmallest = std::numeric_limits<float>::denorm_min();
-    for (const std::size_t at : {0, 1, 31, 32, 40, 95}) {
+    for (const std::size_t at : {0U, 1U, 31U, 32U, 40U, 95U}) {
         Values values(96, 1.0f);
         for (const float special : {kInfinity, -kInfinity, kLargest, -kLargest, kSmallest, -0.0f}) {
             values[at] = special;
