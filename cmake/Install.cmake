@@ -8,12 +8,7 @@ set(qel_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/QELDataHandling)
 
 # -- Libraries and headers ----
 
-# The libraries find each other in their common folder.
-if(APPLE)
-    set_target_properties(${qel_libraries} PROPERTIES INSTALL_RPATH "@loader_path")
-elseif(UNIX)
-    set_target_properties(${qel_libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
-endif()
+qel_find_libraries_in(. ${qel_libraries})
 
 install(TARGETS ${qel_libraries} EXPORT QELDataHandlingTargets)
 install(

@@ -23,6 +23,12 @@ foreach(file
     endif()
 endforeach()
 
+# The program, where it is built, finds its libraries at the new place.
+if(PROGRAM)
+    execute_process(COMMAND ${PREFIX}/${PROGRAM} --version OUTPUT_QUIET
+                    COMMAND_ERROR_IS_FATAL ANY)
+endif()
+
 # No text of the package may name the folder of the build or of the installation.
 file(GLOB_RECURSE texts ${PREFIX}/*.cmake ${PREFIX}/*.pc)
 foreach(text IN LISTS texts)
