@@ -2,17 +2,14 @@
 
 #include "curve/ArcLengthSteps.h"
 
-#include <cfloat>
 #include <cmath>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include <qel/NumericalUtils.h>
-
+#include "PlainCurve.h"
 #include "curve/ArcLength.h"
 #include "support/Bits.h"
-#include "support/Curves.h"
 #include "support/Paths.h"
 #include "support/VectorUnits.h"
 
@@ -20,48 +17,18 @@ namespace {
 
 using namespace qel_test;
 
-constexpr double kUndefinedLength = 3.4028234663852886e38;
-
-double referenceStep(const Point& from, const Point& to) {
-    const double x = to.x - from.x;
-    const double y = to.y - from.y;
-    const double z = to.z - from.z;
-    if (x == DBL_MAX || y == DBL_MAX || z == DBL_MAX) {
-        return kUndefinedLength;
-    }
-    return std::sqrt(x * x + y * y + z * z);
-}
-
-std::vector<double> referenceDistances(const Points& points) {
-    std::vector<double> distances{0.0};
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        distances.push_back(distances.back() + referenceStep(points[i - 1], points[i]));
-    }
-    return distances;
-}
-
-std::vector<double> referenceSvalues(const Points& points) {
-    std::vector<double> s = referenceDistances(points);
-    const double length = s.back();
-    const bool significant = length >= 100.0 * qel::NumericalUtils::spacing(length);
-    for (double& value : s) {
-        value = significant ? value / length : 0.0;
-    }
-    s.back() = 1.0;
-    return s;
-}
-
 void checkPath(const Points& points) {
-    const std::vector<double> distances = referenceDistances(points);
+    const Values distances = plainDistances(points);
     std::vector<double> actual(points.size(), -1.0);
     qel::cumulateSteps(points, actual.data());
     EXPECT_TRUE(sameBitsInAll(actual, distances));
 
-    std::vector<double> s;
+    Values s;
+    Values expected;
     double length = -1.0;
     qel::calculateArcValue(points, s, length);
-    EXPECT_TRUE(sameBitsInAll(s, referenceSvalues(points)));
-    EXPECT_TRUE(sameBits(length, distances.back())) << length;
+    EXPECT_TRUE(sameBits(length, plainArcValues(points, expected))) << length;
+    EXPECT_TRUE(sameBitsInAll(s, expected));
 }
 
 // Around the block of 32 steps and the lanes of every unit, then far beyond them.
@@ -83,13 +50,13 @@ TEST(ArcLengthSteps, AnyNumberOfPointsGivesTheBitsOfThePlainLoop) {
     });
 }
 
-// The marker of a difference, not of a point: DBL_MAX - 0 in one component, in every lane. The
-// negative one overflows when squared instead.
+// The marker of a difference, not of a point: the marker minus 0 in one component, in every lane.
+// The negative one overflows when squared instead.
 TEST(ArcLengthSteps, AMarkedStepHasTheUndefinedLengthInEveryLane) {
     onEveryVectorUnit([] {
         for (std::size_t at = 1; at < 70; ++at) {
             Points points(70);
-            points[at].getRef(static_cast<int>(at % 3)) = DBL_MAX;
+            points[at].getRef(static_cast<int>(at % 3)) = kMarker;
             checkPath(points);
             std::vector<double> distances(points.size());
             qel::cumulateSteps(points, distances.data());

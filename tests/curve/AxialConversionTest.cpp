@@ -5,10 +5,9 @@
 #include <qel/ParametricCurve.h>
 
 #include "PlainCurve.h"
-#include "curve/Rotation.h"
-#include "platform/VectorUnit.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/VectorUnits.h"
 
 namespace {
 
@@ -124,9 +123,8 @@ struct PlainAxis {
 
     PlainAxis(const FloatPoint& p, const FloatPoint& d)
         : point(static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)),
-          direction(static_cast<double>(d.x), static_cast<double>(d.y), static_cast<double>(d.z)) {
-        direction.normalize();
-    }
+          direction(plainUnit(
+              {static_cast<double>(d.x), static_cast<double>(d.y), static_cast<double>(d.z)})) {}
 
     static Point cross(const Point& a, const Point& b) {
         return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
@@ -134,28 +132,18 @@ struct PlainAxis {
 
     Point converted(const Point& p, Point& radial) const {
         const Point v = p - point;
-        Point c = cross(direction, v);
-        const bool undefined = c.x == kMarker || c.y == kMarker || c.z == kMarker;
-        const double length = undefined ? static_cast<double>(std::numeric_limits<float>::max())
-                                        : std::sqrt(c.x * c.x + c.y * c.y + c.z * c.z);
-        if (length != 0.0) {
-            c = Point(c.x / length, c.y / length, c.z / length);
-        }
-        radial = cross(c, direction);
-        radial.normalize();
-        return {v.x * direction.x + v.y * direction.y + v.z * direction.z,
-                v.x * radial.x + v.y * radial.y + v.z * radial.z, 0.0};
+        radial = plainUnit(cross(plainUnit(cross(direction, v)), direction));
+        return {plainDot(v, direction), plainDot(v, radial), 0.0};
     }
 
     double turn(const Point& from, const Point& to) const {
-        const Point side = cross(direction, from);
-        const double y = to.x * side.x + to.y * side.y + to.z * side.z;
-        const double x = to.x * from.x + to.y * from.y + to.z * from.z;
+        const double y = plainDot(to, cross(direction, from));
+        const double x = plainDot(to, from);
         return y == 0.0 && x == 0.0 ? 0.0 : std::atan2(y, x);
     }
 };
 
-FloatPoint randomFloats(CurveMaker& make, double size) {
+FloatPoint randomFloats(RandomCurves& make, double size) {
     return {static_cast<float>(make.uniform(-size, size)),
             static_cast<float>(make.uniform(-size, size)),
             static_cast<float>(make.uniform(-size, size))};
@@ -184,7 +172,7 @@ TEST(AxialConversion, TheAxisMayStandInTheOutput) {
 }
 
 TEST(AxialConversion, IsThatOfThePlainStatement) {
-    CurveMaker make(61);
+    RandomCurves make(61);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
@@ -220,15 +208,15 @@ TEST(AxialConversion, IsThatOfThePlainStatement) {
         curve.convertToART0(point, direction, out);
         EXPECT_TRUE(sameBitsInAll(out, art0));
         curve.convertToART0(point, direction, narrow);
-        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(art0)));
+        EXPECT_TRUE(sameBitsInAll(narrow, narrowed(art0)));
         curve.convertToART(point, direction, out, refId, theta0);
         EXPECT_TRUE(sameBitsInAll(out, art));
         curve.convertToART(point, direction, narrow, refId, theta0);
-        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(art)));
+        EXPECT_TRUE(sameBitsInAll(narrow, narrowed(art)));
         curve.convertToART(point, direction, out);
         EXPECT_TRUE(sameBitsInAll(out, withAngles(0, 0.0)));
         curve.convertToART(point, direction, narrow);
-        EXPECT_TRUE(sameBitsInAll(narrow, qel_test::narrowed(withAngles(0, 0.0))));
+        EXPECT_TRUE(sameBitsInAll(narrow, narrowed(withAngles(0, 0.0))));
 
         // In place: with the angle s, length and parametrization stay, without it they are
         // computed.
@@ -261,11 +249,7 @@ TEST(AxialConversion, RotationTurnsByTheRightHandRule) {
 }
 
 Points plainRotated(const Points& p, const Point& o, const Point& axis, double angle) {
-    const bool undefined = axis.x == kMarker || axis.y == kMarker || axis.z == kMarker;
-    const double length = undefined
-                              ? static_cast<double>(std::numeric_limits<float>::max())
-                              : std::sqrt(axis.x * axis.x + axis.y * axis.y + axis.z * axis.z);
-    const Point u = length == 0.0 ? axis : axis / length;
+    const Point u = plainUnit(axis);
     const double c = std::cos(angle);
     const double s = std::sin(angle);
     const double C = 1 - c;
@@ -286,13 +270,8 @@ Points plainRotated(const Points& p, const Point& o, const Point& axis, double a
 
 // s, length, axis and every flag stay as they were.
 TEST(AxialConversion, RotationIsThatOfThePlainStatementOnEveryVectorUnit) {
-    for (const auto unit :
-         {qel::VectorUnit::portable, qel::VectorUnit::avx2, qel::VectorUnit::avx512}) {
-        if (!qel::hasVectorUnit(unit)) {
-            continue;
-        }
-        qel::forceVectorUnit(unit);
-        CurveMaker make(62);
+    onEveryVectorUnit([] {
+        RandomCurves make(62);
         for (int round = 0; round < 2000 && !HasFailure(); ++round) {
             SCOPED_TRACE(round);
             ParametricCurve curve = make.curve();
@@ -307,8 +286,7 @@ TEST(AxialConversion, RotationIsThatOfThePlainStatementOnEveryVectorUnit) {
             curve.rotateAroundVector(centre, axis, angle);
             EXPECT_EQ(stateOf(curve), expected);
         }
-        qel::restoreVectorUnit();
-    }
+    });
 }
 
 // A zero axis is used as it is: what is left of the matrix is the cosine.

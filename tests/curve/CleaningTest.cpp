@@ -66,7 +66,7 @@ Points plainEliminated(const Points& p, double tolerance) {
 }
 
 TEST(Cleaning, EliminateIsThatOfThePlainStatement) {
-    CurveMaker make(41);
+    RandomCurves make(41);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
@@ -145,7 +145,7 @@ TEST(Cleaning, UniqueKeepsTwoOfEqualPoints) {
 }
 
 TEST(Cleaning, UniqueIsThatOfThePlainStatement) {
-    CurveMaker make(42);
+    RandomCurves make(42);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
@@ -181,7 +181,7 @@ TEST(Cleaning, ContinuousMeasuresAgainstTheStoredNeighbour) {
 }
 
 TEST(Cleaning, ContinuousIsThatOfThePlainStatement) {
-    CurveMaker make(43);
+    RandomCurves make(43);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
@@ -206,7 +206,7 @@ TEST(Cleaning, ContinuousIsThatOfThePlainStatement) {
 // -- Reversing ----
 
 TEST(Cleaning, ReversingTwiceRestoresTheOrder) {
-    CurveMaker make(44);
+    RandomCurves make(44);
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();

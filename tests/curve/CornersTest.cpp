@@ -3,7 +3,6 @@
 #include <qel/ParametricCurve.h>
 
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
 
 #include <gmock/gmock.h>
@@ -11,14 +10,13 @@
 
 #include <qel/NumericalUtils.h>
 
+#include "PlainCurve.h"
 #include "support/Bits.h"
-#include "support/Curves.h"
 #include "support/Errors.h"
 
 namespace {
 
 using namespace qel_test;
-using qel::ParametricCurve;
 using Corner = std::pair<double, std::size_t>;
 
 constexpr double kPi = 3.141592653589793;
@@ -132,13 +130,6 @@ TEST(Corners, RefusesFewerThanTwoCandidates) {
 
 // -- Against the plain statement ----
 
-double plainLength(const Point& v) {
-    if (v.x == DBL_MAX || v.y == DBL_MAX || v.z == DBL_MAX) {
-        return 3.4028234663852886e38;
-    }
-    return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-}
-
 bool isFar(const Point& v) {
     const double length = plainLength(v);
     return length > 100.0 * qel::NumericalUtils::spacing(length);
@@ -167,8 +158,7 @@ Found plainCorners(const Points& p, std::size_t first, std::size_t second) {
             }
             if (hasBackward && hasForward) {
                 double c =
-                    (forward.x * backward.x + forward.y * backward.y + forward.z * backward.z) /
-                    (plainLength(forward) * plainLength(backward));
+                    plainDot(forward, backward) / (plainLength(forward) * plainLength(backward));
                 c = c > 1.0 ? 1.0 : c;
                 c = c < -1.0 ? -1.0 : c;
                 corner.first = std::acos(c);

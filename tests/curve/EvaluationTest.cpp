@@ -2,28 +2,23 @@
 
 #include <qel/ParametricCurve.h>
 
-#include <cfloat>
 #include <cmath>
 #include <limits>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <qel/NumericalUtils.h>
-
+#include "PlainCurve.h"
 #include "support/Bits.h"
-#include "support/Curves.h"
 #include "support/Errors.h"
 #include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
 using namespace qel_test;
-using qel::ParametricCurve;
 using testing::ElementsAre;
 
 const Point A(1, 2, 3), B(4, -5, 6), C(7, 8, 100), D(-1, 0, 0);
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 ParametricCurve curveOn(const std::vector<double>& svalues) {
     const Points points = {A, B, C, D};
@@ -68,7 +63,7 @@ TEST(Evaluation, InterpolateOnSDoesNotExtrapolate) {
     checkInterpolation(curve, 7, C, 2, 2);
     checkInterpolation(curve, kInfinity, C, 2, 2);
     checkInterpolation(curve, -kInfinity, A, 0, 0);
-    checkInterpolation(curve, std::nan(""), A, 0, 0);
+    checkInterpolation(curve, kNaN, A, 0, 0);
 }
 
 TEST(Evaluation, InterpolateOnSSpansARunOfEqualSvalues) {
@@ -107,7 +102,7 @@ TEST(Evaluation, PointAtParameterClampsToTheRange) {
     EXPECT_EQ(curve.getPointAtParameter(2.0), C);
     EXPECT_EQ(curve.getPointAtParameter(-2.0), A);
     EXPECT_EQ(curve.getPointAtParameter(kInfinity), C);
-    EXPECT_EQ(curve.getPointAtParameter(std::nan("")), A);
+    EXPECT_EQ(curve.getPointAtParameter(kNaN), A);
     const ParametricCurve supplied = curveOn({5, 6, 9});
     EXPECT_EQ(supplied.getPointAtParameter(1.0), A);
     EXPECT_EQ(supplied.getPointAtParameter(9.5), C);
@@ -165,7 +160,7 @@ TEST(Evaluation, ClosestInSAssumesZeroToOne) {
     const ParametricCurve curve = curveOn({-5, 0.5, 7});
     EXPECT_EQ(curve.getClosestToSvaluePoint(0.0), 0);
     EXPECT_EQ(curve.getClosestToSvaluePoint(-0.5), 0);
-    EXPECT_EQ(curve.getClosestToSvaluePoint(std::nan("")), 0);
+    EXPECT_EQ(curve.getClosestToSvaluePoint(kNaN), 0);
     EXPECT_EQ(curve.getClosestToSvaluePoint(1.0), 2);
     EXPECT_EQ(curve.getClosestToSvaluePoint(kInfinity), 2);
     EXPECT_EQ(curve.getClosestToSvaluePoint(0.6), 1);
@@ -188,7 +183,7 @@ TEST(Evaluation, NaNSvaluesNeverLeadOutOfBounds) {
     for (int round = 0; round < 3000; ++round) {
         std::vector<double> s = random.svalues(random.count(2, 9));
         for (double& value : s) {
-            value = random.chance(0.3) ? std::nan("") : value;
+            value = random.chance(0.3) ? kNaN : value;
         }
         Points points(s.size());
         for (Point& point : points) {
@@ -296,13 +291,12 @@ TEST(Evaluation, Bounds) {
 }
 
 TEST(Evaluation, ANaNEntersBoundsOnlyFromTheFirstPoint) {
-    const double nan = std::nan("");
     double min, max;
-    ParametricCurve(Points{{1, 0, 0}, {nan, 0, 0}, {2, 0, 0}}, ParametricCurve::dim3D)
+    ParametricCurve(Points{{1, 0, 0}, {kNaN, 0, 0}, {2, 0, 0}}, ParametricCurve::dim3D)
         .getMinMaxX(min, max);
     EXPECT_EQ(min, 1.0);
     EXPECT_EQ(max, 2.0);
-    const ParametricCurve first(Points{{nan, 0, 0}, {1, 0, 0}}, ParametricCurve::dim3D);
+    const ParametricCurve first(Points{{kNaN, 0, 0}, {1, 0, 0}}, ParametricCurve::dim3D);
     first.getMinMaxX(min, max);
     EXPECT_TRUE(std::isnan(min));
     EXPECT_TRUE(std::isnan(max));
@@ -334,62 +328,6 @@ TEST(Evaluation, ExtremeIndicesKeepTheEarliestOfATie) {
 
 // -- Against a plain statement of the rules, bit for bit ----
 
-// The bracket by linear search.
-Interpolated plainBracket(const std::vector<double>& s, double at) {
-    Interpolated bracket{};
-    while (!(s[bracket.hi] > at)) {
-        ++bracket.hi;
-    }
-    while (s[bracket.lo] < at) {
-        ++bracket.lo;
-    }
-    bracket.lo -= bracket.lo == bracket.hi ? 1 : 0;
-    return bracket;
-}
-
-bool plainlyEqual(double sLo, double sHi) {
-    return 100.0 * qel::NumericalUtils::spacing(sHi) > sHi - sLo;
-}
-
-Point plainPointAtParameter(const Points& p, const std::vector<double>& s, double at) {
-    if (at < s.front()) {
-        at = s.front();
-    }
-    if (at > s.back()) {
-        at = s.back();
-    }
-    if (!(at > s.front())) {
-        return p.front();
-    }
-    if (!(at < s.back())) {
-        return p.back();
-    }
-    const auto [unused, lo, hi] = plainBracket(s, at);
-    if (plainlyEqual(s[lo], s[hi])) {
-        return (p[lo] + p[hi]) * 0.5;
-    }
-    const double t = (at - s[lo]) / (s[hi] - s[lo]);
-    return p[lo] + (p[hi] - p[lo]) * t;
-}
-
-Interpolated plainInterpolateOnS(const Points& p, const std::vector<double>& s, double at) {
-    at = static_cast<double>(static_cast<float>(at));
-    if (!(at > s.front())) {
-        return {p.front(), 0, 0};
-    }
-    if (!(at < s.back())) {
-        return {p.back(), p.size() - 1, p.size() - 1};
-    }
-    Interpolated result = plainBracket(s, at);
-    const Point& from = p[result.lo];
-    const Point& to = p[result.hi];
-    const double ds = s[result.hi] - s[result.lo];
-    result.point = plainlyEqual(s[result.lo], s[result.hi])
-                       ? (from + to) * 0.5
-                       : from + (to - from) * (at - s[result.lo]) / ds;
-    return result;
-}
-
 int plainClosestInS(const std::vector<double>& s, double at) {
     const int last = static_cast<int>(s.size()) - 1;
     if (!(at > 0.0)) {
@@ -401,7 +339,9 @@ int plainClosestInS(const std::vector<double>& s, double at) {
     if (!(at > s.front())) {
         return 0;
     }
-    const auto [unused, lo, hi] = plainBracket(s, at);
+    std::size_t lo = 0;
+    std::size_t hi = 0;
+    plainBracket(s, at, lo, hi);
     return static_cast<int>(std::abs(at - s[lo]) < std::abs(at - s[hi]) ? lo : hi);
 }
 
@@ -409,19 +349,15 @@ TEST(Evaluation, RandomCurvesFollowTheRulesBitForBit) {
     RandomCurves random(41);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
-        const Points points = random.points(25);
-        const bool computed = random.chance(0.5);
-        const ParametricCurve curve =
-            computed
-                ? ParametricCurve(points, ParametricCurve::dim3D)
-                : ParametricCurve(points, random.svalues(points.size()), ParametricCurve::dim3D);
-        const std::vector<double>& s = curve.getSvalues();
+        const ParametricCurve curve = random.curve(25);
+        const Points& points = curve.getCurve();
+        const Values& s = curve.getSvalues();
         for (int probe = 0; probe < 10; ++probe) {
             const double at = random.parameter(s);
             SCOPED_TRACE(at);
-            ASSERT_PRED2(samePoint, curve.getPointAtParameter(at),
-                         plainPointAtParameter(points, s, at));
-            const Interpolated expected = plainInterpolateOnS(points, s, at);
+            ASSERT_PRED2(samePoint, curve.getPointAtParameter(at), plainAt(points, s, at));
+            Interpolated expected{};
+            expected.point = plainInterpolated(points, s, at, expected.lo, expected.hi);
             const Interpolated actual = interpolateOnS(curve, at);
             ASSERT_PRED2(samePoint, actual.point, expected.point);
             ASSERT_EQ(actual.lo, expected.lo);

@@ -256,7 +256,7 @@ void expectRangeOrPiece(double a, double b, Operation operation, Plain plain) {
 }
 
 TEST(Extraction, PiecesBetweenParametersAreThoseOfThePlainStatement) {
-    CurveMaker make(11);
+    RandomCurves make(11);
     for (int round = 0; round < 20000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
@@ -287,7 +287,7 @@ TEST(Extraction, PiecesBetweenParametersAreThoseOfThePlainStatement) {
 }
 
 TEST(Extraction, OtherOverloadsNarrowOrDropTheirResults) {
-    CurveMaker make(12);
+    RandomCurves make(12);
     for (int round = 0; round < 500 && !HasFailure(); ++round) {
         const ParametricCurve curve = make.curve();
         const double from = curve.getSvalues().front();
@@ -353,7 +353,7 @@ TEST(Extraction, ArcsRunWithTheIndexAndWrap) {
 }
 
 TEST(Extraction, EveryPairOfArcsClosesTheLoop) {
-    CurveMaker make(13);
+    RandomCurves make(13);
     const ParametricCurve curve(make.points(), ParametricCurve::dim3D);
     const Points& p = curve.getCurve();
     const std::size_t n = p.size();
@@ -556,7 +556,7 @@ Values plainCleanEnds(const Points& p, const Values& s, double from, double to, 
 }
 
 TEST(Extraction, CleanEndsIsThatOfThePlainStatement) {
-    CurveMaker make(14);
+    RandomCurves make(14);
     for (int round = 0; round < 5000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         Points points = make.points();

@@ -113,14 +113,6 @@ TEST(Extrapolation, AClosedCurveOfTwoTimesTheSamePointIsLongEnough) {
 
 // -- Against the plain statement ----
 
-Point plainUnit(Point u) {
-    if (u.x == kMarker || u.y == kMarker || u.z == kMarker) {
-        return u / static_cast<double>(std::numeric_limits<float>::max());
-    }
-    const double length = std::sqrt(u.x * u.x + u.y * u.y + u.z * u.z);
-    return length != 0.0 ? u / length : u;
-}
-
 // New begin and end; false if the curve has no length.
 bool plainEnds(const Points& p, double fraction, Point& begin, Point& end) {
     Values s;
@@ -142,7 +134,7 @@ bool plainEnds(const Points& p, double fraction, Point& begin, Point& end) {
 }
 
 TEST(Extrapolation, IsThatOfThePlainStatement) {
-    CurveMaker make(51);
+    RandomCurves make(51);
     int refusals = 0;
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);

@@ -3,15 +3,14 @@
 #include "curve/FarthestVertex.h"
 #include "curve/RunSegments.h"
 
-#include <cfloat>
 #include <cmath>
 
 #include <gtest/gtest.h>
 
 #include <qel/NumericalUtils.h>
 
+#include "PlainCurve.h"
 #include "support/Bits.h"
-#include "support/Curves.h"
 #include "support/VectorUnits.h"
 
 namespace {
@@ -35,15 +34,9 @@ FarthestVertex plainFarthest(const Points& p, std::size_t first, std::size_t las
                              const Chord& chord) {
     FarthestVertex farthest;
     for (std::size_t k = first; k < last; ++k) {
-        const double x = p[k].x - chord.start.x;
-        const double y = p[k].y - chord.start.y;
-        const double z = p[k].z - chord.start.z;
-        const double norm = x == DBL_MAX || y == DBL_MAX || z == DBL_MAX
-                                ? 3.4028234663852886e38
-                                : std::sqrt(x * x + y * y + z * z);
-        const double along =
-            (x * chord.direction.x + y * chord.direction.y + z * chord.direction.z) / chord.length;
-        const double h = std::sqrt(norm * norm - along * along);
+        const Point w = p[k] - chord.start;
+        const double along = plainDot(w, chord.direction) / chord.length;
+        const double h = std::sqrt(plainLength(w) * plainLength(w) - along * along);
         if (h > farthest.distance && h > chord.tolerance) {
             farthest.distance = h;
             farthest.index = k;

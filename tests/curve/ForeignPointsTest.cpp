@@ -15,7 +15,6 @@
 namespace {
 
 using namespace qel_test;
-using qel::ParametricCurve;
 
 std::vector<double> svaluesOf(const ParametricCurve& curve, const Points& points, bool normalize) {
     std::vector<double> s{-1.0, -2.0, -3.0}; // replaced, whatever it held

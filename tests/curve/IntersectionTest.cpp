@@ -19,7 +19,6 @@ namespace {
 using namespace qel_test;
 using qel::Doublet;
 using qel::LineSegment2D;
-using qel::ParametricCurve;
 
 // Keeps what is reported while it lives.
 class Reports : public qel::ErrorReporter {

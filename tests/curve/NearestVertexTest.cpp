@@ -15,8 +15,6 @@ namespace {
 
 using namespace qel_test;
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
 void checkProbes(const Points& path, const Points& probes) {
     for (const Point& probe : probes) {
         ASSERT_EQ(qel::nearestVertex(path, probe), referenceNearestVertex(path, probe)) << probe;

@@ -2,7 +2,6 @@
 
 #include <qel/ParametricCurve.h>
 
-#include <cfloat>
 #include <cmath>
 #include <limits>
 
@@ -11,8 +10,8 @@
 
 #include <qel/NumericalUtils.h>
 
+#include "PlainCurve.h"
 #include "support/Bits.h"
-#include "support/Curves.h"
 #include "support/Errors.h"
 #include "support/ParametricCurveTestAccess.h"
 
@@ -20,7 +19,6 @@ namespace {
 
 using namespace qel_test;
 using qel::NumericalUtils;
-using qel::ParametricCurve;
 
 struct Deviation {
     double distance;
@@ -137,11 +135,6 @@ TEST(NormalDistance, FromTheMidpointNeedsARangeOfS) {
 
 // -- Against a plain statement of the rules, bit for bit ----
 
-double markedLength(const Point& v) {
-    const bool marked = v.x == DBL_MAX || v.y == DBL_MAX || v.z == DBL_MAX;
-    return marked ? 3.4028234663852886e38 : std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-}
-
 Deviation plainMidpointDeviation(const ParametricCurve& curve, int i, int j) {
     const std::vector<double>& s = curve.getSvalues();
     const auto at = [](int index) { return static_cast<std::size_t>(index); };
@@ -152,7 +145,7 @@ Deviation plainMidpointDeviation(const ParametricCurve& curve, int i, int j) {
     index = index == i ? i + 1 : index;
     index = index == j ? j - 1 : index;
     const Points& p = curve.getCurve();
-    return {markedLength(p[at(index)] - (p[at(i)] + p[at(j)]) * 0.5), index, false};
+    return {plainLength(p[at(index)] - (p[at(i)] + p[at(j)]) * 0.5), index, false};
 }
 
 Deviation plainNormalDeviation(const ParametricCurve& curve, int i, int j) {
@@ -162,7 +155,7 @@ Deviation plainNormalDeviation(const ParametricCurve& curve, int i, int j) {
     }
     const Points& p = curve.getCurve();
     const Point e = p[static_cast<std::size_t>(i)] - p[static_cast<std::size_t>(j)];
-    const double length = markedLength(e);
+    const double length = plainLength(e);
     const double tolerance =
         curve.isCurveCreatedAsDouble()
             ? 1000.0 * NumericalUtils::spacing(length)
@@ -172,8 +165,8 @@ Deviation plainNormalDeviation(const ParametricCurve& curve, int i, int j) {
     }
     for (int k = i + 1; k < j; ++k) {
         const Point w = p[static_cast<std::size_t>(k)] - p[static_cast<std::size_t>(i)];
-        const double along = (w.x * e.x + w.y * e.y + w.z * e.z) / length;
-        const double h = std::sqrt(markedLength(w) * markedLength(w) - along * along);
+        const double along = plainDot(w, e) / length;
+        const double h = std::sqrt(plainLength(w) * plainLength(w) - along * along);
         if (h > result.distance && h > tolerance) {
             result = {h, k, false};
         }
@@ -185,15 +178,11 @@ TEST(NormalDistance, RandomChordsFollowTheRulesBitForBit) {
     RandomCurves random(61);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
-        const Points points = random.points(40);
-        const ParametricCurve curve =
-            random.chance(0.3) ? ParametricCurve(narrowed(points), ParametricCurve::dim3D)
-            : random.chance(0.5)
-                ? ParametricCurve(points, ParametricCurve::dim3D)
-                : ParametricCurve(points, random.svalues(points.size()), ParametricCurve::dim3D);
+        const ParametricCurve curve = random.curve(40);
+        const std::size_t n = curve.getSize();
         for (int chord = 0; chord < 8; ++chord) {
-            const int i = static_cast<int>(random.count(0, points.size() - 1));
-            const int j = static_cast<int>(random.count(0, points.size() - 1));
+            const int i = static_cast<int>(random.index(n));
+            const int j = static_cast<int>(random.index(n));
             ASSERT_EQ(normalDeviation(curve, i, j), plainNormalDeviation(curve, i, j))
                 << i << " " << j;
             ASSERT_EQ(midpointDeviation(curve, i, j), plainMidpointDeviation(curve, i, j))

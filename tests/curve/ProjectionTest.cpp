@@ -3,23 +3,20 @@
 #include <qel/ParametricCurve.h>
 
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
-#include <limits>
 
 #include <gtest/gtest.h>
 
 #include <qel/NumericalUtils.h>
 
+#include "PlainCurve.h"
 #include "support/Bits.h"
-#include "support/Curves.h"
 #include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
 using namespace qel_test;
 using qel::NumericalUtils;
-using qel::ParametricCurve;
 
 struct Foot {
     Point point;
@@ -102,11 +99,10 @@ TEST(Projection, OfEquallyNearVerticesTheFirstIsUsed) {
 }
 
 TEST(Projection, ClosestPointTakesTheFirstMinimumAlsoAmongNaN) {
-    const double nan = std::nan("");
-    EXPECT_EQ(straight({{5, 0, 0}, {nan, 0, 0}, {1, 0, 0}}).getClosestPoint(Point(0, 0, 0)), 2);
-    EXPECT_EQ(straight({{nan, 0, 0}, {1, 0, 0}}).getClosestPoint(Point(0, 0, 0)), 0)
+    EXPECT_EQ(straight({{5, 0, 0}, {kNaN, 0, 0}, {1, 0, 0}}).getClosestPoint(Point(0, 0, 0)), 2);
+    EXPECT_EQ(straight({{kNaN, 0, 0}, {1, 0, 0}}).getClosestPoint(Point(0, 0, 0)), 0)
         << "nothing is less than a NaN";
-    EXPECT_EQ(straight({{5, 0, 0}, {1, 0, 0}}).getClosestPoint(Point(nan, 0, 0)), 0);
+    EXPECT_EQ(straight({{5, 0, 0}, {1, 0, 0}}).getClosestPoint(Point(kNaN, 0, 0)), 0);
     EXPECT_EQ(straight({{1e200, 0, 0}, {1e180, 0, 0}}).getClosestPoint(Point(0, 0, 0)), 0)
         << "both squares overflow";
 }
@@ -165,16 +161,7 @@ TEST(Projection, OntoRepeatedPointsStaysOnThem) {
 // -- Against a plain statement of the rules, bit for bit ----
 
 double squared(const Point& a, const Point& b) {
-    const double x = a.x - b.x;
-    const double y = a.y - b.y;
-    const double z = a.z - b.z;
-    return x * x + y * y + z * z;
-}
-
-double markedDistance(const Point& a, const Point& b) {
-    const Point d = a - b;
-    const bool marked = d.x == DBL_MAX || d.y == DBL_MAX || d.z == DBL_MAX;
-    return marked ? 3.4028234663852886e38 : std::sqrt(squared(a, b));
+    return plainDot(a - b, a - b);
 }
 
 struct PlainCurve {
@@ -220,8 +207,8 @@ struct PlainCurve {
         }
         const Foot a = toEdge(k, k - 1);
         const Foot b = toEdge(k, k + 1);
-        const double da = markedDistance(q, a.point);
-        const double db = markedDistance(q, b.point);
+        const double da = plainLength(q - a.point);
+        const double db = plainLength(q - b.point);
         if (da == db) {
             return {p[k], s[k]};
         }
@@ -233,11 +220,8 @@ TEST(Projection, RandomProbesFollowTheRulesBitForBit) {
     RandomCurves random(51);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
-        const Points points = random.points(round % 40 == 0 ? 700 : 20);
-        const ParametricCurve curve =
-            random.chance(0.5)
-                ? ParametricCurve(points, ParametricCurve::dim3D)
-                : ParametricCurve(points, random.svalues(points.size()), ParametricCurve::dim3D);
+        const ParametricCurve curve = random.curve(round % 40 == 0 ? 700 : 20);
+        const Points& points = curve.getCurve();
         PlainCurve plain{points, curve.getSvalues(), {}};
         for (int i = 0; i < 12; ++i) {
             Point probe = points[random.count(0, points.size() - 1)];

@@ -84,7 +84,7 @@ TEST(Resampling, SdistanceKeepsParametrizationAndLength) {
 }
 
 TEST(Resampling, SdistanceIsThatOfThePlainStatement) {
-    CurveMaker make(31);
+    RandomCurves make(31);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
@@ -187,7 +187,7 @@ Points plainRefined(const Points& p, Inserted inserted) {
 }
 
 TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
-    CurveMaker make(32);
+    RandomCurves make(32);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
@@ -320,7 +320,7 @@ CurveState plainCosine(const ParametricCurve& curve, int count) {
 
 // Neither s nor length is brought in line with the new points, and no flag is touched.
 TEST(Resampling, CosineIsThatOfThePlainStatement) {
-    CurveMaker make(33);
+    RandomCurves make(33);
     for (int round = 0; round < 3000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
@@ -399,7 +399,7 @@ TEST(Resampling, SpreadsMustBeOneForEachInterval) {
 }
 
 TEST(Resampling, CosineWithSpreadsIsThatOfThePlainStatement) {
-    CurveMaker make(34);
+    RandomCurves make(34);
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();

@@ -52,7 +52,7 @@ void expectWalkIsPlain(const Points& p, const Values& s, const Values& parameter
 }
 
 TEST(ParameterWalk, FindsWhatAPlainSearchFinds) {
-    CurveMaker make(21);
+    RandomCurves make(21);
     for (int round = 0; round < 5000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
@@ -73,7 +73,7 @@ TEST(ParameterWalk, FindsWhatAPlainSearchFinds) {
 
 // Jumps farther than a few steps, both ways, and long runs of equal s-values.
 TEST(ParameterWalk, FollowsJumpsAndRuns) {
-    CurveMaker make(22);
+    RandomCurves make(22);
     const std::size_t n = 400;
     Points p(n);
     Values s(n);
@@ -92,7 +92,7 @@ TEST(ParameterWalk, FollowsJumpsAndRuns) {
 }
 
 // Distinct s-values from `from` to 1; the higher the power, the more of them crowd at the front.
-Values crowded(CurveMaker& make, std::size_t n, double from, double power) {
+Values crowded(RandomCurves& make, std::size_t n, double from, double power) {
     Values s(n);
     for (double& at : s) {
         at = from + (1.0 - from) * std::pow(make.uniform(0.0, 1.0), power);
@@ -107,7 +107,7 @@ Values crowded(CurveMaker& make, std::size_t n, double from, double power) {
 // Long sorted lists, whose blocks are merged: as many parameters as s-values, more or fewer, both
 // crowded in places, on s-values and beside them, repeated, beyond the ends.
 TEST(ParameterWalk, MergesBlocksOfSortedParameters) {
-    CurveMaker make(26);
+    RandomCurves make(26);
     for (const std::size_t n : {2u, 3u, 40u, 300u, 3000u, 9000u}) {
         for (const double from : {0.0, -0.0, 0.25, -0.25}) {
             for (const double power : {1.0, 4.0}) {
@@ -130,7 +130,7 @@ TEST(ParameterWalk, MergesBlocksOfSortedParameters) {
 
 // A block with one parameter out of place, NaN or beyond an end among others that can be merged.
 TEST(ParameterWalk, DoesNotMergeBlocksOutOfOrder) {
-    CurveMaker make(27);
+    RandomCurves make(27);
     const Values s = crowded(make, 1000, 0.0, 1.0);
     Points p(s.size());
     for (std::size_t i = 0; i < p.size(); ++i) {
@@ -148,7 +148,7 @@ TEST(ParameterWalk, DoesNotMergeBlocksOutOfOrder) {
 
 // Steps near the size at which s-values count as equal, at every decade.
 TEST(ParameterWalk, CountsTheSameStepsAsEqual) {
-    CurveMaker make(23);
+    RandomCurves make(23);
     for (int decade = -30; decade <= 30; ++decade) {
         const double base = std::pow(10.0, decade / 2.0);
         Values s{base};
@@ -186,7 +186,7 @@ TEST(ParameterWalk, AgreesWithGetPointAtParameterWhereSvaluesHoldNaN) {
 // The order of s-values is made sure of in lanes: one out of order must show in each of them.
 TEST(ParameterWalk, NeverWalksAlongSvaluesOutOfOrderOnAnyVectorUnit) {
     const std::size_t n = 40;
-    CurveMaker make(24);
+    RandomCurves make(24);
     Points p(n);
     for (Point& point : p) {
         point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
@@ -244,7 +244,7 @@ TEST(Sampling, EquidistantRefusesFewerThanTwo) {
 }
 
 TEST(Sampling, EquidistantIsThatOfThePlainStatement) {
-    CurveMaker make(24);
+    RandomCurves make(24);
     for (int round = 0; round < 3000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
@@ -276,7 +276,7 @@ TEST(Sampling, BySvaluesKeepsTheEndsWhenAsked) {
 }
 
 TEST(Sampling, BySvaluesIsThatOfThePlainStatement) {
-    CurveMaker make(25);
+    RandomCurves make(25);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
@@ -385,7 +385,7 @@ TEST(Sampling, MinimumSStartsAtZero) {
 }
 
 TEST(Sampling, MinimumSIsThatOfThePlainStatement) {
-    CurveMaker make(26);
+    RandomCurves make(26);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         const ParametricCurve curve = make.curve();
@@ -498,7 +498,7 @@ TEST(Sampling, RatiosOfEqualStepsAreOneHalf) {
 }
 
 TEST(Sampling, RatiosAreThoseOfThePlainStatement) {
-    CurveMaker make(27);
+    RandomCurves make(27);
     const double floor = static_cast<double>(std::numeric_limits<float>::min());
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
         const ParametricCurve curve = make.curve();
@@ -542,7 +542,7 @@ TEST(Sampling, CosineSampleOfHalfATurn) {
 }
 
 TEST(Sampling, SamplesAreThoseOfThePlainStatement) {
-    CurveMaker make(28);
+    RandomCurves make(28);
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
         const int count = static_cast<int>(make.index(20));
         const double from = make.uniform(-9.0, 9.0);

@@ -17,10 +17,7 @@
 namespace {
 
 using namespace qel_test;
-using qel::ParametricCurve;
 using Ids = std::vector<int>;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 // Heights above the x axis, one apart.
 Points heights(const std::vector<double>& values) {
@@ -85,7 +82,7 @@ TEST(Simplification, CountThreeTakesTheFarthestOnlyBeyondTheTolerance) {
     EXPECT_EQ(thinned(curve, 3, 2.5), (Ids{0, 2, 4}));
     EXPECT_EQ(thinned(curve, 3, std::nextafter(3.0, 0.0)), (Ids{0, 2, 4}));
     EXPECT_EQ(thinned(curve, 3, 3.0), (Ids{0, 4})) << "equals the tolerance";
-    EXPECT_EQ(thinned(curve, 3, kNan), (Ids{0, 4})) << "nothing exceeds a NaN";
+    EXPECT_EQ(thinned(curve, 3, kNaN), (Ids{0, 4})) << "nothing exceeds a NaN";
 }
 
 // The short ways set it; the refinement leaves a supplied parametrization recorded though s is
@@ -152,7 +149,7 @@ TEST(Simplification, StopsWhereNoChordStrays) {
 }
 
 TEST(Simplification, ANanToleranceStopsNothing) {
-    EXPECT_EQ(thinned(curveThrough(heights({0, 3, 0, 1, 0})), 5, kNan), (Ids{0, 1, 2, 3, 4}));
+    EXPECT_EQ(thinned(curveThrough(heights({0, 3, 0, 1, 0})), 5, kNaN), (Ids{0, 1, 2, 3, 4}));
 }
 
 TEST(Simplification, KeepsDimensionAndPrecision) {
@@ -176,7 +173,7 @@ TEST(Simplification, ClosedLoopIsSplitInTheMiddleOfS) {
 // A chord of equal points whose middle vertex is undefined strays by a NaN. At the front of the
 // list it is chosen, because no distance exceeds it; so the loop ends at the count.
 TEST(Simplification, ANanDistanceAtTheFrontIsChosen) {
-    const Points points{{0, 0, 0}, {1, 0, 0}, {kNan, 0, 0}, {0, 1, 0}, {0, 0, 0}};
+    const Points points{{0, 0, 0}, {1, 0, 0}, {kNaN, 0, 0}, {0, 1, 0}, {0, 0, 0}};
     const std::vector<double> s{0.0, 0.4, 0.5, 0.6, 1.0};
     const ParametricCurve curve(points, s, ParametricCurve::dim3D);
     double distance = 0.0;
@@ -289,23 +286,8 @@ void checkAgainstPlain(const ParametricCurve& curve, int count, double tolerance
     ASSERT_EQ(stateOf(withoutIds), stateOf(actual));
 }
 
-// Curves of the kinds that RandomCurves makes, closed or not, with computed or supplied s.
-ParametricCurve randomCurve(RandomCurves& random, std::size_t maxSize) {
-    Points points = random.points(maxSize);
-    if (random.chance(0.3)) {
-        points.push_back(points.front());
-    }
-    if (random.chance(0.4)) {
-        return {points, random.svalues(points.size()), ParametricCurve::dim3D};
-    }
-    if (random.chance(0.3)) {
-        return {narrowed(points), ParametricCurve::dim3D};
-    }
-    return {points, ParametricCurve::dim3D};
-}
-
 double randomTolerance(RandomCurves& random, const ParametricCurve& curve) {
-    const double values[] = {0.0, -1.0, kNan, 1.0, random.uniform(0.0, 0.1) * curve.getLength()};
+    const double values[] = {0.0, -1.0, kNaN, 1.0, random.uniform(0.0, 0.1) * curve.getLength()};
     if (random.chance(0.3)) { // a distance that occurs
         return measured(curve, 0, static_cast<int>(curve.getSize()) - 1).distance;
     }
@@ -316,7 +298,7 @@ TEST(Simplification, EqualsThePlainStatementOnRandomCurves) {
     RandomCurves random(31);
     for (int round = 0; round < 6000; ++round) {
         SCOPED_TRACE(round);
-        const ParametricCurve curve = randomCurve(random, round % 20 == 0 ? 300 : 14);
+        const ParametricCurve curve = random.curve(round % 20 == 0 ? 300 : 14);
         const int count = static_cast<int>(random.count(2, curve.getSize() + 3));
         const double tolerance = randomTolerance(random, curve);
         ASSERT_NO_FATAL_FAILURE(checkAgainstPlain(curve, count, tolerance));
@@ -380,7 +362,7 @@ TEST(MaximumNormalDistance, TakesTheSvaluesInTheOrderGiven) {
 TEST(MaximumNormalDistance, ANanSvalueStandsForTheFirstPointAndHarmsNothing) {
     const ParametricCurve curve = curveThrough({{0, 0, 0}, {1.5, 2, 0}, {3, 0, 0}});
     const CurveState before = stateOf(curve);
-    EXPECT_NO_FATAL_FAILURE(curve.getMaximumNormalDistance({kNan, 1.0, kNan}));
+    EXPECT_NO_FATAL_FAILURE(curve.getMaximumNormalDistance({kNaN, 1.0, kNaN}));
     EXPECT_EQ(stateOf(curve), before);
 }
 
@@ -409,7 +391,7 @@ TEST(MaximumNormalDistance, EqualsThePlainStatementOnRandomCurves) {
     RandomCurves random(33);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
-        const ParametricCurve curve = randomCurve(random, 14);
+        const ParametricCurve curve = random.curve(14);
         std::vector<double> svalues(random.count(2, 6));
         for (double& s : svalues) {
             s = random.parameter(curve.getSvalues());

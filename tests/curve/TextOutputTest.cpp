@@ -22,7 +22,6 @@
 namespace {
 
 using namespace qel_test;
-using qel::ParametricCurve;
 
 template <typename... Values>
 std::string formatted(const char* format, Values... values) {

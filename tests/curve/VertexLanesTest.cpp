@@ -52,15 +52,13 @@ TEST(VertexLanes, TiesOnAGridGoToTheLowestIndex) {
 }
 
 TEST(VertexLanes, NoDistanceBelowInfinityGivesTheFirstVertex) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     onEveryVectorUnit([] {
-        for (const double far : {1e200, kInfinity, kNan}) {
+        for (const double far : {1e200, kInfinity, kNaN}) {
             const Points path(40, Point(far, 0.0, 0.0));
-            checkProbes(path, {{0.0, 0.0, 0.0}, {-far, 0.0, 0.0}, {kNan, 0.0, 0.0}});
+            checkProbes(path, {{0.0, 0.0, 0.0}, {-far, 0.0, 0.0}, {kNaN, 0.0, 0.0}});
         }
         Points path(40, Point(1.0, 2.0, 3.0));
-        path[0] = {kNan, 0.0, 0.0}; // nothing is less than its distance
+        path[0] = {kNaN, 0.0, 0.0}; // nothing is less than its distance
         checkProbes(path, {{0.0, 0.0, 0.0}});
         path[0] = {kInfinity, 0.0, 0.0};
         path[33] = {1.0, 1.0, 1.0};

@@ -1,7 +1,7 @@
 #ifndef QEL_TESTS_SUPPORT_CURVES_H
 #define QEL_TESTS_SUPPORT_CURVES_H
 
-// Builders of curves for tests: whole states to compare, and seeded random and degenerate points.
+// What tests of curves share: whole states to compare, and curves of every kind from a seed.
 
 #include <cfloat>
 #include <cmath>
@@ -21,11 +21,19 @@ using Point = qel::TripletBase<double>;
 using Points = std::vector<Point>;
 using FloatPoint = qel::TripletBase<float>;
 using FloatPoints = std::vector<FloatPoint>;
+using Values = std::vector<double>;
+using qel::ParametricCurve;
+
+inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
+inline constexpr double kMarker = std::numeric_limits<double>::max();
+// The length of what the marker makes undefined.
+inline constexpr double kUndefinedLength = 3.4028234663852886e38;
 
 // Everything that a caller can see of a curve.
 struct CurveState {
     Points points;
-    std::vector<double> svalues;
+    Values svalues;
     int dimension;
     int parametrization;
     double length;
@@ -34,7 +42,7 @@ struct CurveState {
     Point axisDirection;
 };
 
-inline CurveState stateOf(const qel::ParametricCurve& curve) {
+inline CurveState stateOf(const ParametricCurve& curve) {
     return {curve.getCurve(),           curve.getSvalues(),      curve.getDimension(),
             curve.getParametrization(), curve.getLength(),       curve.isCurveCreatedAsDouble(),
             curve.getAxisPoint(),       curve.getAxisDirection()};
@@ -73,12 +81,14 @@ inline Points widened(const FloatPoints& points) {
     return {points.begin(), points.end()};
 }
 
-// Random points of many kinds: each seed gives one curve of 2 to maxSize points.
+// Curves of many kinds: each seed gives other ones.
 class RandomCurves {
 public:
     explicit RandomCurves(unsigned seed) : random_(seed) {}
 
     std::mt19937& engine() { return random_; }
+
+    // -- Numbers ----
 
     double uniform(double from, double to) {
         return std::uniform_real_distribution<double>(from, to)(random_);
@@ -86,7 +96,16 @@ public:
     std::size_t count(std::size_t from, std::size_t to) {
         return std::uniform_int_distribution<std::size_t>(from, to)(random_);
     }
+    std::size_t index(std::size_t size) { return count(0, size - 1); }
     bool chance(double probability) { return uniform(0.0, 1.0) < probability; }
+
+    double specialValue() {
+        constexpr double values[] = {kMarker, -kMarker, kInfinity, -kInfinity, kNaN,
+                                     1e200,   DBL_MIN,  5e-324,    -0.0,       kUndefinedLength};
+        return values[index(std::size(values))];
+    }
+
+    // -- Points ----
 
     Point point(double scale) {
         return {scale * uniform(-1.0, 1.0), scale * uniform(-1.0, 1.0), scale * uniform(-1.0, 1.0)};
@@ -100,38 +119,35 @@ public:
         return {x, y, coordinate()};
     }
 
-    // Scattered, on a grid, a smooth path, repeated points, or with special values.
+    // 2 to maxSize points: a smooth path, on a grid, scattered, with repeats, with a special value,
+    // closed, straight, or all in one place.
     Points points(std::size_t maxSize) {
         const std::size_t n = count(2, maxSize);
-        const std::size_t kind = count(0, 4);
         const double scale = std::pow(10.0, uniform(-12.0, 12.0));
+        const std::size_t kind = index(8);
         Points points;
         for (std::size_t i = 0; i < n; ++i) {
-            const double u = static_cast<double>(i) / static_cast<double>(n);
-            const bool repeat = kind >= 3 && !points.empty() && chance(0.3);
-            points.push_back(
-                repeat      ? points.back()
-                : kind == 1 ? gridPoint()
-                : kind == 2 ? Point(scale * std::cos(7.0 * u), scale * std::sin(7.0 * u), scale * u)
-                            : point(scale));
+            const bool repeats = (kind == 3 || kind == 4) && i > 0 && chance(0.3);
+            points.push_back(repeats ? points.back() : pointOfPath(kind, i, n, scale));
         }
         if (kind == 4) {
-            points[count(0, n - 1)].getRef(static_cast<int>(count(0, 2))) = specialValue();
+            points[index(n)].getRef(static_cast<int>(index(3))) = specialValue();
+        } else if (kind == 5) {
+            points.back() = points.front();
+        } else if (kind == 6) {
+            points.assign(n, points.front());
         }
         return points;
     }
 
-    double specialValue() {
-        constexpr double infinity = std::numeric_limits<double>::infinity();
-        constexpr double values[] = {
-            DBL_MAX, -DBL_MAX, infinity, -infinity, std::numeric_limits<double>::quiet_NaN(),
-            1e200,   DBL_MIN,  5e-324,   -0.0,      3.4028234663852886e38};
-        return values[count(0, std::size(values) - 1)];
-    }
+    // Few, so that many curves are tried, but also enough for what works block by block.
+    Points points() { return points(chance(0.25) ? 60 : 10); }
+
+    // -- s-values ----
 
     // Non-decreasing s-values with runs of equal ones, within 0..1 or beyond.
-    std::vector<double> svalues(std::size_t n) {
-        std::vector<double> s(n);
+    Values svalues(std::size_t n) {
+        Values s(n);
         const double start = chance(0.5) ? 0.0 : uniform(-2.0, 0.5);
         s[0] = start;
         for (std::size_t i = 1; i < n; ++i) {
@@ -147,9 +163,9 @@ public:
     }
 
     // An s inside, at, beside or outside those of a curve.
-    double parameter(const std::vector<double>& s) {
-        const double at = s[count(0, s.size() - 1)];
-        switch (count(0, 5)) {
+    double parameter(const Values& s) {
+        const double at = s[index(s.size())];
+        switch (index(6)) {
         case 0:
             return at;
         case 1:
@@ -165,7 +181,43 @@ public:
         }
     }
 
+    // -- Curves ----
+
+    // From doubles or floats, of every dimension, with s-values computed or supplied at any scale.
+    ParametricCurve curveThrough(const Points& points) {
+        const auto dimension = static_cast<ParametricCurve::dim>(index(3));
+        const bool single = chance(0.25);
+        if (chance(0.6)) {
+            return single ? ParametricCurve(qel_test::narrowed(points), dimension)
+                          : ParametricCurve(points, dimension);
+        }
+        Values s = svalues(points.size());
+        const double scale = chance(0.25) ? std::pow(10.0, uniform(-9.0, 9.0)) : 1.0;
+        for (double& value : s) {
+            value *= scale;
+        }
+        return single ? ParametricCurve(qel_test::narrowed(points), s, dimension)
+                      : ParametricCurve(points, s, dimension);
+    }
+
+    ParametricCurve curve() { return curveThrough(points()); }
+    ParametricCurve curve(std::size_t maxSize) { return curveThrough(points(maxSize)); }
+
 private:
+    Point pointOfPath(std::size_t kind, std::size_t i, std::size_t n, double scale) {
+        const double u = static_cast<double>(i) / static_cast<double>(n);
+        switch (kind) {
+        case 0:
+            return {scale * std::cos(7.0 * u), scale * std::sin(7.0 * u), scale * u};
+        case 1:
+            return gridPoint();
+        case 7:
+            return {static_cast<double>(i), 2.0 * static_cast<double>(i), 0.0};
+        default:
+            return point(scale);
+        }
+    }
+
     std::mt19937 random_;
 };
 
