@@ -61,26 +61,53 @@ TEST(AxialConversion, APointOnTheAxisTurnsNothing) {
     EXPECT_EQ(out, Points({{0, 1, 0}, {1, 0, 0}, {2, 1, 0}}));
 }
 
+// Half a turn is pi, of either sense: it turns on from there, not back.
+TEST(AxialConversion, HalfATurnIsPi) {
+    Points out;
+    through({{1, 0, 0}, {-2, 0, 0}, {3, 0, 0}}).convertToART(kOrigin, kAlongZ, out);
+    EXPECT_EQ(out, Points({{0, 1, 0}, {0, 2, kPi}, {0, 3, 2 * kPi}}));
+}
+
+// The marker makes a direction very long, which is no obstacle: it is normalised in double.
+TEST(AxialConversion, AMarkerInTheDirectionIsALargeNumber) {
+    constexpr float kLargest = std::numeric_limits<float>::max();
+    const ParametricCurve curve = through(kSquare);
+    Points out;
+    curve.convertToART0(kOrigin, FloatPoint(0, kLargest, 0), out);
+    EXPECT_EQ(curve.getAxisDirection(), Point(0, 1, 0));
+    EXPECT_EQ(out[1], Point(1, 0, 0));
+}
+
 TEST(AxialConversion, RefusesADirectionOfNoLength) {
     const CurveState before = stateOf(through(kSquare));
     ParametricCurve curve = through(kSquare);
     const FloatPoint none(0, 0, 0);
     const auto refused = throwsInvalid("ParametricCurve", "setAxis",
                                        "Axis vector definition insignificant. Axis vector= 0,0,0");
-    Points out{{1, 1, 1}};
+    Points out;
     FloatPoints narrow;
-    EXPECT_THAT([&] { curve.convertToART0(kOrigin, none, out); }, refused);
-    EXPECT_TRUE(out.empty()); // cleared before the axis is looked at
-    EXPECT_THAT([&] { curve.convertToART0(kOrigin, none, narrow); }, refused);
+    // Outputs are cleared before the axis is looked at.
+    const auto expectCleared = [&](auto convert) {
+        out.assign(3, Point(1, 1, 1));
+        narrow.assign(3, FloatPoint(1, 1, 1));
+        EXPECT_THAT([&] { convert(out); }, refused);
+        EXPECT_THAT([&] { convert(narrow); }, refused);
+        EXPECT_TRUE(out.empty());
+        EXPECT_TRUE(narrow.empty());
+    };
+    expectCleared([&](auto& converted) { curve.convertToART0(kOrigin, none, converted); });
+    expectCleared([&](auto& converted) { curve.convertToART(kOrigin, none, converted); });
+    expectCleared([&](auto& converted) { curve.convertToART(kOrigin, none, converted, 1, 0.0); });
     EXPECT_THAT([&] { curve.convertToART0(kOrigin, none); }, refused);
-    EXPECT_THAT([&] { curve.convertToART(kOrigin, none, out); }, refused);
-    EXPECT_THAT([&] { curve.convertToART(kOrigin, none, narrow, 1, 0.0); }, refused);
     EXPECT_THAT([&] { curve.convertToART(kOrigin, none); }, refused);
+    EXPECT_THAT([&] { curve.convertToART(kOrigin, none, 1, 0.0); }, refused);
     EXPECT_EQ(stateOf(curve), before); // nothing stored, the axis included
     // Squares that vanish in single precision leave no length either.
-    EXPECT_THAT([&] { curve.convertToART0(kOrigin, FloatPoint(1e-30f, 0, 0), out); },
-                throwsInvalid("ParametricCurve", "setAxis",
-                              "Axis vector definition insignificant. Axis vector= 1e-30,0,0"));
+    EXPECT_THAT(
+        [&] { curve.convertToART0(kOrigin, FloatPoint(1.25e-30f, -2e-30f, 3.3333333e-30f), out); },
+        throwsInvalid("ParametricCurve", "setAxis",
+                      "Axis vector definition insignificant. "
+                      "Axis vector= 1.25e-30,-2e-30,3.33333e-30"));
     curve.convertToART0(kOrigin, FloatPoint(1e-18f, 0, 0), out); // short is no obstacle
 }
 

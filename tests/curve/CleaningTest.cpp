@@ -7,6 +7,7 @@
 
 #include "PlainCurve.h"
 #include "support/Bits.h"
+#include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
@@ -38,6 +39,45 @@ TEST(Cleaning, TwoEqualPointsStay) {
     ParametricCurve curve = through({{1, 2, 3}, {1, 2, 3}});
     curve.eliminateDoublePoints(2);
     EXPECT_EQ(curve.getSize(), 2u);
+}
+
+// 10^2 spacings of 0.5 are 100 * 2^-52. Points that far apart in s are double ones, on either side.
+TEST(Cleaning, DoublePointsAreWithinTheToleranceOrAtIt) {
+    const double spacing = 0x1p-52;
+    const auto keptOf = [](const Points& points) {
+        ParametricCurve curve = through(points);
+        curve.eliminateDoublePoints(2);
+        return curve.getCurve();
+    };
+    const Point a;
+    const Point half(0.5, 0, 0);
+    const Point b(1, 0, 0);
+    const Point first(100 * spacing, 0, 0);
+    const Point beyondFirst(std::nextafter(first.x, 1.0), 0, 0);
+    EXPECT_EQ(keptOf({a, first, half, b}), Points({a, half, b}));
+    EXPECT_EQ(keptOf({a, beyondFirst, half, b}), Points({a, beyondFirst, half, b}));
+    const Point next = half + first;
+    const Point beyondNext(std::nextafter(next.x, 1.0), 0, 0);
+    EXPECT_EQ(keptOf({a, half, next, b}), Points({a, next, b}));
+    EXPECT_EQ(keptOf({a, half, beyondNext, b}), Points({a, half, beyondNext, b}));
+}
+
+// The step that the members share takes lists of any length.
+TEST(Cleaning, EliminatesInAnyListOfPoints) {
+    const Points close{{0, 0, 0}, {1, 0, 0}, {1 + 1e-9, 0, 0}, {2, 0, 0}};
+    const Points one{{1, 2, 3}};
+    Points kept{{7, 7, 7}};
+    for (const bool single : {false, true}) {
+        const ParametricCurve curve =
+            single ? ParametricCurve(narrowed(close), ParametricCurve::dim3D) : through(close);
+        qel::ParametricCurveTestAccess::eliminateDoublePoints(curve, 0, Points(), kept);
+        EXPECT_TRUE(kept.empty());
+        qel::ParametricCurveTestAccess::eliminateDoublePoints(curve, 0, one, kept);
+        EXPECT_EQ(kept, Points(2, one[0])); // the first and the last, in every case
+        // In the precision that the curve was created in.
+        qel::ParametricCurveTestAccess::eliminateDoublePoints(curve, 0, close, kept);
+        EXPECT_EQ(kept.size(), single ? 3u : 4u);
+    }
 }
 
 double plainTolerance(int exponent, bool asDouble) {

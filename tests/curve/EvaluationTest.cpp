@@ -95,6 +95,21 @@ TEST(Evaluation, SvaluesCloserThanTheToleranceGiveTheMidpoint) {
     EXPECT_EQ(close.getPointAtParameter(lo + 0.0001220703125 * 4), (B + C) * 0.5);
 }
 
+// At 100 spacings s-values are still distinct; below, even an s equal to a stored one gives the
+// midpoint.
+TEST(Evaluation, SvaluesCountAsEqualBelowOneHundredSpacings) {
+    constexpr double spacing = 2.220446049250313e-16; // of 1 and a little more
+    const auto onStep = [](double spacings) { return curveOn({0, 1, 1 + spacings * spacing, 2}); };
+    const ParametricCurve distinct = onStep(100);
+    checkInterpolation(distinct, 1.0, B, 1, 2);
+    EXPECT_PRED2(samePoint, distinct.getPointAtParameter(1.0), B);
+    EXPECT_PRED2(samePoint, distinct.getPointAtParameter(1 + 25 * spacing), B + (C - B) * 0.25);
+    const ParametricCurve equal = onStep(99);
+    checkInterpolation(equal, 1.0, (B + C) * 0.5, 1, 2);
+    EXPECT_PRED2(samePoint, equal.getPointAtParameter(1.0), (B + C) * 0.5);
+    EXPECT_PRED2(samePoint, equal.getPointAtParameter(1 + 25 * spacing), (B + C) * 0.5);
+}
+
 // -- getPointAtParameter ----
 
 TEST(Evaluation, PointAtParameterClampsToTheRange) {

@@ -194,6 +194,24 @@ TEST(Extraction, BeginAndEndFailUnderTheNameOfGetCurve) {
     EXPECT_THAT([&] { curve.getCurveEnd(3.0, points); }, refusesRange(kIdentical));
 }
 
+TEST(Extraction, EveryFormRefusesARangeInTheSameWords) {
+    const ParametricCurve curve = fourPoints();
+    Points points;
+    FloatPoints narrow;
+    Values s;
+    EXPECT_THAT([&] { curve.getCurve(0.5, 0.5, narrow, s); }, refusesRange(kIdentical));
+    EXPECT_THAT([&] { curve.getCurve(0.5, 0.5, points); }, refusesRange(kIdentical));
+    EXPECT_THAT([&] { curve.getCurve(0.5, 0.5, narrow); }, refusesRange(kIdentical));
+    EXPECT_THAT([&] { curve.getCurve(0.5, 0.25, narrow, s); }, refusesRange(kGreater));
+    EXPECT_THAT([&] { curve.getCurve(0.5, 0.25, points); }, refusesRange(kGreater));
+    EXPECT_THAT([&] { curve.getCurve(0.5, 0.25, narrow); }, refusesRange(kGreater));
+    EXPECT_THAT([&] { curve.getCurve(9.0, -9.0, points, s); }, refusesRange(kGreater));
+    EXPECT_THAT([&] { curve.getCurveBegin(0.0, points, s); }, refusesRange(kIdentical));
+    EXPECT_THAT([&] { curve.getCurveBegin(0.0, narrow); }, refusesRange(kIdentical));
+    EXPECT_THAT([&] { curve.getCurveEnd(1.0, points, s); }, refusesRange(kIdentical));
+    EXPECT_THAT([&] { curve.getCurveEnd(1.0, narrow); }, refusesRange(kIdentical));
+}
+
 // Compared with itself, the first point of a curve is never added twice; a NaN does not change it.
 TEST(Extraction, BeginHasTheFirstPointOnce) {
     Points points;
@@ -399,6 +417,11 @@ TEST(Extraction, RefusesArcsInTheStatedOrder) {
     EXPECT_THAT(arcs(1, 9), refusesRange("Requested index out of bounds =9"));
     EXPECT_THAT(arcs(5, 5), refusesRange("Requested index out of bounds =5"));
     EXPECT_THAT(arcs(2, 2), refusesRange("First and second index must be different."));
+    FloatPoints narrow;
+    EXPECT_THAT([&] { curve.getCurve(std::size_t{1}, std::size_t{9}, narrow, narrow); },
+                refusesRange("Requested index out of bounds =9"));
+    EXPECT_THAT([&] { curve.getCurve(std::size_t{2}, std::size_t{2}, narrow, narrow); },
+                refusesRange("First and second index must be different."));
     // Streamed as an unsigned number.
     EXPECT_THAT(arcs(static_cast<std::size_t>(-1), 0),
                 refusesRange("Requested index out of bounds =18446744073709551615"));
@@ -447,6 +470,12 @@ TEST(Extraction, RefusesRangesOfIndices) {
                 refusesRange("Requested indicies out of bounds. First id=4, Second id=1"));
     EXPECT_THAT(range(3, 1), refusesRange("Second index must be greater than first index. "
                                           "First id=3, Second id=1"));
+    FloatPoints narrow;
+    EXPECT_THAT([&] { curve.getCurve(std::size_t{4}, std::size_t{4}, narrow); },
+                refusesRange("Requested indicies out of bounds. First id=4, Second id=4"));
+    EXPECT_THAT([&] { curve.getCurve(std::size_t{2}, std::size_t{0}, narrow); },
+                refusesRange("Second index must be greater than first index. "
+                             "First id=2, Second id=0"));
     // A second index beyond the end is refused too, in the words for the first.
     EXPECT_THAT(range(1, 4),
                 refusesRange("Requested indicies out of bounds. First id=1, Second id=4"));
@@ -495,17 +524,28 @@ TEST(Extraction, CleanEndsDoesNotStopAtTheFirstStepWithoutARise) {
 TEST(Extraction, CleanEndsRefusesInTheStatedOrderAndChangesNothing) {
     const Points three = along(3);
     const Values rising{0.0, 0.5, 1.0};
-    const auto ends = [](Points points, Values s, double from, double to) {
-        return [points, s, from, to] {
-            Points changed = points;
-            Values changedS = s;
+    const auto cleaned = [](auto points, Values s, double from, double to) {
+        const auto before = points;
+        const Values beforeS = s;
+        try {
+            ParametricCurve().getCurveCleanEnds(points, s, from, to);
+        } catch (...) {
+            EXPECT_EQ(points, before);
+            EXPECT_EQ(s, beforeS);
+            throw;
+        }
+    };
+    const auto ends = [&](const Points& points, const Values& s, double from, double to) {
+        return [=] {
             try {
-                ParametricCurve().getCurveCleanEnds(changed, changedS, from, to);
-            } catch (...) {
-                EXPECT_EQ(changed, points);
-                EXPECT_EQ(changedS, s);
-                throw;
+                cleaned(narrowed(points), s, from, to);
+                ADD_FAILURE() << "the float form accepts";
+            } catch (const qel::Error& error) {
+                EXPECT_THAT([&] { cleaned(points, s, from, to); },
+                            throwsInternal(error.getClassName(), error.getMethodName(),
+                                           error.getMessage(), error.getType()));
             }
+            cleaned(points, s, from, to);
         };
     };
     EXPECT_THAT(ends({}, {}, 1.0, 1.0),
@@ -571,8 +611,11 @@ TEST(Extraction, CleanEndsIsThatOfThePlainStatement) {
         FloatPoints narrow = narrowed(points);
         Values narrowS = s;
         if (expected.empty()) {
-            EXPECT_ANY_THROW(ParametricCurve().getCurveCleanEnds(points, s, from, to));
-            EXPECT_ANY_THROW(ParametricCurve().getCurveCleanEnds(narrow, narrowS, from, to));
+            const auto refused =
+                refusesEnds("Cleaning ends in the curve resulted in less than two points.");
+            EXPECT_THAT([&] { ParametricCurve().getCurveCleanEnds(points, s, from, to); }, refused);
+            EXPECT_THAT([&] { ParametricCurve().getCurveCleanEnds(narrow, narrowS, from, to); },
+                        refused);
             continue;
         }
         ParametricCurve().getCurveCleanEnds(points, s, from, to);

@@ -52,6 +52,19 @@ TEST(Extrapolation, CoincidingLastPointsGiveTheDirectionOfTheDistinctOnes) {
               Points({{0, -1, 0}, {0, 0, 0}, {0, 1, 0}, {1, 1, 0}, {1, 1, 0}, {2, 1, 0}}));
 }
 
+// Within 10^2 spacings of the curve's length the last two points count as one.
+TEST(Extrapolation, TheDirectionLooksPastASegmentWithinTheTolerance) {
+    const auto endOf = [](double spacings) {
+        ParametricCurve curve = through({{0, 0, 0}, {1, 0, 0}, {1, spacings * 0x1p-52, 0}});
+        curve.expandCurveEnd(0.5);
+        return curve.getLastPoint();
+    };
+    EXPECT_GE(endOf(99).x, 1.5);
+    EXPECT_LT(endOf(99).y, 1e-12);
+    EXPECT_EQ(endOf(102).x, 1.0);
+    EXPECT_GT(endOf(102).y, 0.5);
+}
+
 TEST(Extrapolation, ANegativeFractionMovesTheEndInward) {
     ParametricCurve curve = through(kStraight);
     curve.expandCurveEnd(-0.25);
@@ -103,6 +116,21 @@ TEST(Extrapolation, RefusesEqualPointsAndChangesNothing) {
         expectInsignificant(curve,
                             [](ParametricCurve& c) { c.expandCurveBothEndsExtraPoints(0.1); });
     }
+}
+
+// The setter that takes the longer list refuses a dimension that the curve kept from an earlier
+// refusal, and keeps the points all the same; moving the ends does not look at it.
+TEST(Extrapolation, ExtraPointsAreSetForTheCurvesOwnDimension) {
+    const auto refused =
+        throwsInternal("ParametricCurve", "setPoints", "Unrecognised dimension of the curve.");
+    ParametricCurve curve;
+    EXPECT_THAT([&] { curve.setPoints(kStraight, static_cast<ParametricCurve::dim>(3)); }, refused);
+    ParametricCurve moved(curve);
+    moved.expandCurveEnd(0.5);
+    EXPECT_EQ(moved.getCurve().back(), Point(3, 0, 0));
+    EXPECT_EQ(moved.getDimension(), 3);
+    EXPECT_THAT([&] { curve.expandCurveBothEndsExtraPoints(0.5); }, refused);
+    EXPECT_EQ(curve.getCurve(), Points({{-1, 0, 0}, {0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}));
 }
 
 TEST(Extrapolation, AClosedCurveOfTwoTimesTheSamePointIsLongEnough) {

@@ -34,6 +34,8 @@ ParametricCurve unusualCurve() {
     ParametricCurve curve(kBend, ParametricCurve::dim3D);
     curve.setPoints(FloatPoints{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {8, 8, 8}},
                     std::vector<double>{0.25, 0.5, 0.5, 3.0}, ParametricCurve::dim2D);
+    Points unused;
+    curve.convertToART0({1, 2, 3}, {0, 2, 0}, unused); // for its axis
     return curve;
 }
 
@@ -57,6 +59,10 @@ TEST(Model, EnumerationsHaveTheirBindingValues) {
 }
 
 // -- Constructors ----
+
+TEST(Model, IsDestroyedThroughAPointerToItsBase) {
+    EXPECT_TRUE(std::has_virtual_destructor<ParametricCurve>::value);
+}
 
 TEST(Model, DefaultIsTheDiagonalOfTheUnitCube) {
     const CurveState expected{{{0, 0, 0}, {1, 1, 1}}, {0.0, 1.0}, 2,  0,
@@ -107,13 +113,14 @@ TEST(Model, CopiesAndAssignmentsTakeEveryField) {
     EXPECT_EQ(stateOf(assigned), stateOf(original));
 }
 
-TEST(Model, CopiesTakeTheAxis) {
-    ParametricCurve curve;
-    curve.convertToART0({1, 2, 3}, {0, 2, 0});
-    EXPECT_EQ(ParametricCurve(curve).getAxisPoint(), Point(1, 2, 3));
-    ParametricCurve assigned;
-    assigned = curve;
-    EXPECT_EQ(assigned.getAxisDirection(), Point(0, 1, 0));
+// The axis belongs to the conversions: points that are set anew leave it alone.
+TEST(Model, SettersKeepTheAxis) {
+    ParametricCurve curve = unusualCurve();
+    curve.setPoints(kBend, ParametricCurve::dim3D);
+    curve.setPoints(kBend, {0, 1, 2}, ParametricCurve::dim3D);
+    curve.setPointsZ(Values{1, 2});
+    EXPECT_EQ(curve.getAxisPoint(), Point(1, 2, 3));
+    EXPECT_EQ(curve.getAxisDirection(), Point(0, 1, 0));
 }
 
 TEST(Model, CopiesAreIndependent) {
@@ -252,6 +259,23 @@ TEST(Model, EqualNeighbouringSvaluesAreAccepted) {
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.5, 0.5, 1.0));
 }
 
+// Only a fall is refused: a NaN is neither below nor above its neighbours.
+TEST(Model, ANaNAmongSvaluesIsAccepted) {
+    const Values s = {0.0, kNaN, -1.0};
+    EXPECT_TRUE(sameBitsInAll(ParametricCurve(kBend, s, ParametricCurve::dim3D).getSvalues(), s));
+    ParametricCurve curve;
+    curve.setPointsZ({1.0, 2.0, 3.0}, s);
+    EXPECT_TRUE(sameBitsInAll(curve.getSvalues(), s));
+}
+
+TEST(Model, NamesTheFirstFallOfS) {
+    ParametricCurve curve;
+    const auto falls = refusedSetting("Parametric values  not continuous. i = 1, -0 1e-300");
+    const Values s = {1e-300, -0.0, -1.0, -2.0};
+    EXPECT_THAT([&] { curve.setPoints(Points(4), s, ParametricCurve::dim3D); }, falls);
+    EXPECT_THAT([&] { curve.setPointsX(Values(4), s); }, falls);
+}
+
 TEST(Model, KeepsNewPointsWithOldSvaluesWhenSFalls) {
     const Points points = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {0, 0, 1}};
     const std::string message = "Parametric values  not continuous. i = 2, 0.5 0.6";
@@ -289,6 +313,39 @@ TEST(Model, CountsThatDifferAreRefusedUnchanged) {
     EXPECT_EQ(stateOf(curve), before);
 }
 
+// Points, counts, order of s, dimension; only the last two are found after the points were stored.
+TEST(Model, ChecksComeInOrder) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    EXPECT_THAT([&] { curve.setPoints(Points(), kUnknownDimension); },
+                refusedPoints("Curve is empty"));
+    EXPECT_THAT(
+        [&] {
+            curve.setPoints(Points(1), Values{1, 0}, kUnknownDimension);
+        },
+        refusedPoints("Curve has only one point in it."));
+    EXPECT_THAT([&] { curve.setPoints(Points(1), kUnknownNormalization, kUnknownDimension); },
+                refusedPoints("Curve has only one point in it."));
+    EXPECT_THAT(
+        [&] {
+            curve.setPoints(Points(2), Values{3, 2, 1}, kUnknownDimension);
+        },
+        refusedSetting("Vectors of points and sValues must have the same size."));
+    EXPECT_THAT(
+        [&] {
+            curve.setPointsY(Values{1, 2}, {3, 2, 1});
+        },
+        refusedSetting("Vectors of points and sValues must have the same size. "
+                       "Points size=2, sValues size=3"));
+    EXPECT_EQ(stateOf(curve), before);
+    EXPECT_THAT(
+        [&] {
+            curve.setPoints(Points(2), Values{2, 1}, kUnknownDimension);
+        },
+        refusedSetting("Parametric values  not continuous. i = 1, 1 2"));
+    EXPECT_EQ(curve.getDimension(), before.dimension);
+}
+
 TEST(Model, SuppliedSLeavesTheLength) {
     ParametricCurve curve(kBend, ParametricCurve::dim3D);
     curve.setPoints(Points{{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0}, ParametricCurve::dim3D);
@@ -307,63 +364,60 @@ TEST(Model, TakesItsOwnPointsAndSvalues) {
 
 // -- Failed checks of points ----
 
-TEST(Model, EmptyPointsAreRefusedUnchanged) {
+// Calls every form that takes points, and expects the same of each.
+template <typename Refusal>
+void expectAllRefuse(const Points& points, const Refusal& refused) {
     ParametricCurve curve = unusualCurve();
     const CurveState before = stateOf(curve);
-    const auto refused = refusedPoints("Curve is empty");
+    const FloatPoints floats = narrowed(points);
+    const Values s = {0.0, 0.5, 1.0}; // the points are looked at first
     const auto dim = ParametricCurve::dim3D;
     const auto norm = ParametricCurve::normalizeArc;
-    const std::vector<double> values;
-    EXPECT_THAT([&] { curve.setPoints(Points(), dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(FloatPoints(), dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(Points(), norm, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(FloatPoints(), norm, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(Points(), values, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(FloatPoints(), values, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPointsX(values); }, refused);
-    EXPECT_THAT([&] { curve.setPointsY(std::vector<float>()); }, refused);
-    EXPECT_THAT([&] { curve.setPointsZ(values, values); }, refused);
-    EXPECT_THAT([&] { curve.setPointsXnormalizeUniform(values); }, refused);
-    EXPECT_THAT([&] { ParametricCurve(Points(), dim); }, refused);
-    EXPECT_THAT([&] { ParametricCurve(FloatPoints(), dim); }, refused);
-    EXPECT_THAT([&] { ParametricCurve(FloatPoints(), norm, dim); }, refused);
-    EXPECT_THAT([&] { ParametricCurve(Points(), values, dim); }, refused);
-    EXPECT_THAT([&] { ParametricCurve(FloatPoints(), values, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(points, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(floats, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(points, norm, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(floats, norm, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(points, s, dim); }, refused);
+    EXPECT_THAT([&] { curve.setPoints(floats, s, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(points, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(floats, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(floats, norm, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(points, s, dim); }, refused);
+    EXPECT_THAT([&] { ParametricCurve(floats, s, dim); }, refused);
     EXPECT_EQ(stateOf(curve), before);
+}
+
+// The same of every form that takes one component.
+template <typename Refusal>
+void expectAllRefuse(const Values& values, const Refusal& refused) {
+    ParametricCurve curve = unusualCurve();
+    const CurveState before = stateOf(curve);
+    const std::vector<float> floats(values.begin(), values.end());
+    const Values s = {0.0, 0.5, 1.0};
+    EXPECT_THAT([&] { curve.setPointsX(values); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(values); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(values); }, refused);
+    EXPECT_THAT([&] { curve.setPointsX(floats); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(floats); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(floats); }, refused);
+    EXPECT_THAT([&] { curve.setPointsX(values, s); }, refused);
+    EXPECT_THAT([&] { curve.setPointsY(values, s); }, refused);
+    EXPECT_THAT([&] { curve.setPointsZ(values, s); }, refused);
+    EXPECT_THAT([&] { curve.setPointsXnormalizeUniform(values); }, refused);
+    EXPECT_EQ(stateOf(curve), before);
+}
+
+TEST(Model, NoPointsAreRefusedUnchanged) {
+    expectAllRefuse(Points(), refusedPoints("Curve is empty"));
+    expectAllRefuse(Values(), refusedPoints("Curve is empty"));
 }
 
 TEST(Model, OnePointIsRefusedWithAFullStop) {
-    ParametricCurve curve = unusualCurve();
-    const CurveState before = stateOf(curve);
-    const auto refused = refusedPoints("Curve has only one point in it.");
-    const Points one = {{1, 2, 3}};
-    const auto dim = ParametricCurve::dim3D;
-    EXPECT_THAT([&] { curve.setPoints(one, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(narrowed(one), dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(one, ParametricCurve::normalizeX, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(one, kUnknownNormalization, dim); }, refused);
-    EXPECT_THAT([&] { curve.setPoints(one, std::vector<double>{0, 1}, dim); }, refused);
-    EXPECT_THAT([&] { ParametricCurve(one, dim); }, refused);
-    EXPECT_EQ(stateOf(curve), before);
+    expectAllRefuse(Points(1), refusedPoints("Curve has only one point in it."));
 }
 
 TEST(Model, OneValueIsRefusedWithoutAFullStop) {
-    ParametricCurve curve = unusualCurve();
-    const CurveState before = stateOf(curve);
-    const auto refused = refusedPoints("Curve has only one point in it");
-    const std::vector<double> one = {1.0};
-    const std::vector<float> oneFloat = {1.0f};
-    EXPECT_THAT([&] { curve.setPointsX(one); }, refused);
-    EXPECT_THAT([&] { curve.setPointsY(one); }, refused);
-    EXPECT_THAT([&] { curve.setPointsZ(one); }, refused);
-    EXPECT_THAT([&] { curve.setPointsX(oneFloat); }, refused);
-    EXPECT_THAT([&] { curve.setPointsY(oneFloat); }, refused);
-    EXPECT_THAT([&] { curve.setPointsZ(oneFloat); }, refused);
-    EXPECT_THAT([&] { curve.setPointsX(one, {0, 1}); }, refused);
-    EXPECT_THAT([&] { curve.setPointsY(one, {0, 1}); }, refused);
-    EXPECT_THAT([&] { curve.setPointsZ(one, {0, 1}); }, refused);
-    EXPECT_THAT([&] { curve.setPointsXnormalizeUniform(one); }, refused);
-    EXPECT_EQ(stateOf(curve), before);
+    expectAllRefuse(Values(1), refusedPoints("Curve has only one point in it"));
 }
 
 // -- Unrecognised dimension ----
@@ -419,8 +473,11 @@ TEST(Model, SingleComponentsFillOneAxisOfASpaceCurve) {
     const std::vector<float> floats = {0.0f, 3.0f, -1.0f};
     const std::vector<double> s = {0.0, 3.0 / 7.0, 1.0};
     CurveState expected{{}, s, 2, 0, 7.0, true, {}, {0, 0, 1}};
+    // Onto a plane curve with x and y, given in the other precision: all of that must go.
     const auto check = [&expected](auto set, Points points, bool createdAsDouble) {
-        ParametricCurve curve(kBend, {0, 0, 1}, ParametricCurve::dim1D);
+        ParametricCurve curve =
+            createdAsDouble ? ParametricCurve(narrowed(kBend), {0, 0, 1}, ParametricCurve::dim2D)
+                            : ParametricCurve(kBend, {0, 0, 1}, ParametricCurve::dim2D);
         set(curve);
         expected.points = std::move(points);
         expected.createdAsDouble = createdAsDouble;
@@ -458,6 +515,31 @@ TEST(Model, SingleComponentsRefuseWrongSvaluesUnchanged) {
     EXPECT_THAT([&] { curve.setPointsY(values, {0, 0, 0.25, -0.5}); }, falls);
     EXPECT_THAT([&] { curve.setPointsZ(values, {0, 0, 0.25, -0.5}); }, falls);
     EXPECT_EQ(stateOf(curve), before);
+}
+
+// -- Precision ----
+
+TEST(Model, TheLastPointsGivenTellThePrecision) {
+    const auto dim = ParametricCurve::dim3D;
+    const auto norm = ParametricCurve::normalizeY;
+    const Values s = {0.0, 0.5, 1.0};
+    const auto isOfDoublesAfter = [](ParametricCurve curve, auto set) {
+        set(curve);
+        return curve.isCurveCreatedAsDouble();
+    };
+    const auto doubles = [&](auto set) {
+        return isOfDoublesAfter(ParametricCurve(narrowed(kBend), dim), set);
+    };
+    const auto floats = [&](auto set) {
+        return !isOfDoublesAfter(ParametricCurve(kBend, dim), set);
+    };
+    EXPECT_TRUE(doubles([&](ParametricCurve& c) { c.setPoints(kBend, dim); }));
+    EXPECT_TRUE(doubles([&](ParametricCurve& c) { c.setPoints(kBend, norm, dim); }));
+    EXPECT_TRUE(doubles([&](ParametricCurve& c) { c.setPoints(kBend, s, dim); }));
+    EXPECT_TRUE(doubles([&](ParametricCurve& c) { c.setPointsXnormalizeUniform(s); }));
+    EXPECT_TRUE(floats([&](ParametricCurve& c) { c.setPoints(narrowed(kBend), dim); }));
+    EXPECT_TRUE(floats([&](ParametricCurve& c) { c.setPoints(narrowed(kBend), norm, dim); }));
+    EXPECT_TRUE(floats([&](ParametricCurve& c) { c.setPoints(narrowed(kBend), s, dim); }));
 }
 
 // -- Accessors ----

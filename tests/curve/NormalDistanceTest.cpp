@@ -76,6 +76,24 @@ TEST(NormalDistance, WithinTheToleranceCountsAsDone) {
     EXPECT_EQ(normalDeviation(curve, 0, 3), (Deviation{0.0, 0, true}));
 }
 
+// Beside the start of the chord, where the distance loses no digits: 1000 spacings are none yet.
+TEST(NormalDistance, CountsBeyondOneThousandSpacings) {
+    const auto deviationAt = [](double y, bool single) {
+        const Points points = {{0, 0, 0}, {0, y, 0}, {4, 0, 0}};
+        return normalDeviation(single ? ParametricCurve(narrowed(points), ParametricCurve::dim3D)
+                                      : curveThrough(points),
+                               0, 2);
+    };
+    const double tolerance = 1000 * 0x1p-52;
+    const double beyond = std::nextafter(tolerance, 1.0);
+    EXPECT_EQ(deviationAt(tolerance, false), (Deviation{0.0, 0, true}));
+    EXPECT_EQ(deviationAt(beyond, false), (Deviation{beyond, 1, false}));
+    const float single = 1000 * 0x1p-23f;
+    const float beyondSingle = std::nextafter(single, 1.0f);
+    EXPECT_EQ(deviationAt(single, true), (Deviation{0.0, 0, true}));
+    EXPECT_EQ(deviationAt(beyondSingle, true), (Deviation{beyondSingle, 1, false}));
+}
+
 // 1e-5 lies between the double and the float tolerance of a chord of length 4.
 TEST(NormalDistance, TheToleranceFollowsThePrecisionOfThePoints) {
     const Points points = {{0, 0, 0}, {2, 9.5367431640625e-06, 0}, {4, 0, 0}};

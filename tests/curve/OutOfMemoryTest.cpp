@@ -48,6 +48,63 @@ int failuresUntilDone(Operation operation) {
     return 0;
 }
 
+TEST(OutOfMemory, SettingPointsChangesAllOrNothing) {
+    const Points points{{0, 0, 0}, {3, 4, 0}, {3, 4, 12}};
+    const FloatPoints floats{{0, 0, 0}, {3, 4, 0}, {3, 4, 12}};
+    const Values values{0.0, 1.0, 4.0};
+    const std::vector<float> floatValues{0.0f, 1.0f, 4.0f};
+    const auto dim = ParametricCurve::dim3D;
+    const auto norm = ParametricCurve::normalizeX;
+    const auto expectAllOrNothing = [](auto set) { EXPECT_GT(failuresUntilDone(set), 0); };
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPoints(points, dim); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPoints(floats, dim); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPoints(points, norm, dim); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPoints(floats, norm, dim); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPoints(points, values, dim); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPoints(floats, values, dim); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPointsX(values); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPointsY(floatValues); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPointsZ(values, values); });
+    expectAllOrNothing([&](ParametricCurve& c) { c.setPointsXnormalizeUniform(values); });
+    const ParametricCurve other(points, dim);
+    expectAllOrNothing([&](ParametricCurve& c) { c = other; });
+}
+
+TEST(OutOfMemory, SimplificationChangesAllOrNothing) {
+    EXPECT_GT(failuresUntilDone([](ParametricCurve& c) { c.optimizeByNormalDistance(2, 0.1); }), 0);
+    EXPECT_GT(failuresUntilDone([](ParametricCurve& c) { c.optimizeByNormalDistance(3, 0.1); }), 0);
+    EXPECT_GT(failuresUntilDone([](ParametricCurve& c) { c.optimizeByNormalDistance(4, 0.0); }), 0);
+}
+
+// Here the caller's own lists are what changes.
+template <typename List>
+void expectCleanEndsAllOrNothing(List points) {
+    const List before = points;
+    const Values svalues{0.5, 0.5, 0.6, 0.7, 0.7};
+    Values s = svalues;
+    int failures = -1;
+    for (bool failed = true; failed;) {
+        EXPECT_EQ(points, before);
+        EXPECT_EQ(s, svalues);
+        ++failures;
+        failed = false;
+        const AllocationLimit limit(failures);
+        try {
+            ParametricCurve().getCurveCleanEnds(points, s, 0.0, 1.0);
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+    }
+    EXPECT_GT(failures, 0);
+    EXPECT_EQ(points.size(), 4u);
+    EXPECT_EQ(s, Values({0.0, 0.5, 0.6, 1.0}));
+}
+
+TEST(OutOfMemory, CleaningEndsChangesAllOrNothing) {
+    expectCleanEndsAllOrNothing(Points(5, Point(1, 2, 3)));
+    expectCleanEndsAllOrNothing(FloatPoints(5, FloatPoint(1, 2, 3)));
+}
+
 TEST(OutOfMemory, InsertingPointsChangesAllOrNothing) {
     const Spreads spreads(4, {0.1, 0.2});
     EXPECT_GT(failuresUntilDone([](ParametricCurve& c) { c.tesselateCurvebySdistance(0.1); }), 0);

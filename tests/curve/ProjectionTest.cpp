@@ -153,6 +153,22 @@ TEST(Projection, ToADegenerateEdgeAnswersItsMiddle) {
     checkFoot(projectToEdge(curve, 0, 1, 2e6, 1e6), {0.5e-9, 0, 0}, 0.5);
 }
 
+// An edge whose square is exactly 100 spacings of the projection is no degenerate one.
+TEST(Projection, ToAnEdgeIsComparedStrictlyWithTheProjection) {
+    const double length2 = 100 * 0x1p-52;
+    const ParametricCurve curve = straight({{0, 0, 0}, {10 * 0x1p-26, 0, 0}});
+    // The projection is about 4, or more than 10, where the spacing grows tenfold.
+    const double t = (9.0 - 1.0 + length2) * 0.5 / length2;
+    checkFoot(projectToEdge(curve, 0, 1, 9.0, 1.0), Point(10 * 0x1p-26, 0, 0) * t, t);
+    checkFoot(projectToEdge(curve, 0, 1, 22.0, 1.0), {5 * 0x1p-26, 0, 0}, 0.5);
+}
+
+// Straight beside its vertex, a probe gets the vertex itself, the sign of a zero included.
+TEST(Projection, AFootAtNoneOfTheEdgeIsTheVertex) {
+    const ParametricCurve curve = straight({{-0.0, -0.0, 0}, {10, 0, 0}});
+    checkFoot(project(curve, {0, 3, 0}), {-0.0, -0.0, 0}, 0.0);
+}
+
 TEST(Projection, OntoRepeatedPointsStaysOnThem) {
     const ParametricCurve curve = straight({{0, 0, 0}, {1, 0, 0}, {1, 0, 0}, {2, 0, 0}});
     checkFoot(project(curve, {1, 3, 0}), {1, 0, 0}, 0.5);

@@ -119,17 +119,16 @@ TEST(Resampling, SdistanceIsThatOfThePlainStatement) {
 
 TEST(Resampling, SdistanceRefusesAnAbsurdNumberOfPoints) {
     const Points p{{0, 0, 0}, {1, 0, 0}};
+    const auto refused = throwsInternal("ParametricCurve", "tesselateCurvebySdistance",
+                                        "Requested number of points exceeds 2147483647.");
     for (const double far : {1e12, 1e300, kInfinity}) {
-        ParametricCurve curve = withSvalues(p, {0.0, far});
-        const CurveState before = stateOf(curve);
-        EXPECT_THROW(curve.tesselateCurvebySdistance(0.0001), qel::internal::error);
-        EXPECT_EQ(stateOf(curve), before);
+        expectRefusedUnchanged(
+            withSvalues(p, {0.0, far}),
+            [](ParametricCurve& c) { c.tesselateCurvebySdistance(0.0001); }, refused);
     }
     expectRefusedUnchanged(
         withSvalues(p, {0.0, 4294967296.0}),
-        [](ParametricCurve& c) { c.tesselateCurvebySdistance(1.0); },
-        throwsInternal("ParametricCurve", "tesselateCurvebySdistance",
-                       "Requested number of points exceeds 2147483647."));
+        [](ParametricCurve& c) { c.tesselateCurvebySdistance(1.0); }, refused);
 }
 
 TEST(Resampling, SdistanceLeavesANaNStepAlone) {
@@ -145,6 +144,15 @@ TEST(Resampling, NumberIsCapped) {
     curve.tesselateCurvebyNumber(3, 0.1); // nine would fit
     EXPECT_EQ(curve.getCurve(), Points({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}}));
     EXPECT_EQ(curve.getSvalues(), Values({0, 0.25, 0.5, 0.75, 1}));
+}
+
+// 0.3 / 0.1 rounds to a little less than 3; the allowance makes up for it.
+TEST(Resampling, NumberAllowsForRounding) {
+    ParametricCurve curve = withSvalues({{0, 0, 0}, {3, 0, 0}, {10, 0, 0}}, {0.0, 0.3, 1.0});
+    curve.tesselateCurvebyNumber(2, 0.1);
+    EXPECT_EQ(curve.getCurve()[1], Point(1, 0, 0));
+    EXPECT_EQ(curve.getCurve()[2], Point(2, 0, 0));
+    EXPECT_EQ(curve.getCurve()[3], Point(3, 0, 0));
 }
 
 // s follows arc length afterwards, also where it had been supplied; only s and length change.
@@ -171,6 +179,16 @@ TEST(Resampling, MinYdistanceLooksAtYAlone) {
                                         {1000, 2, 500},
                                         {1000, 2.5, 500},
                                         {1000, 3, 500}}));
+}
+
+// The smallest normal number is added to the rise, sign and all, which only the tiniest steps show.
+TEST(Resampling, MinYdistanceAddsTheSmallestNumber) {
+    ParametricCurve level(Points{{0, 1, 0}, {4, 1, 0}}, ParametricCurve::dim3D);
+    level.tesselateCurvebyMinYdistance(DBL_MIN / 4);
+    EXPECT_EQ(level.getSize(), 5u);
+    ParametricCurve falling(Points{{0, DBL_MIN, 0}, {4, 0, 0}}, ParametricCurve::dim3D);
+    falling.tesselateCurvebyMinYdistance(DBL_MIN / 4);
+    EXPECT_EQ(falling.getSize(), 2u);
 }
 
 template <typename Inserted>
@@ -271,10 +289,11 @@ TEST(Resampling, NumberRefusesNegativeAndAbsurdCounts) {
 
 TEST(Resampling, MinYdistanceRefusesAnAbsurdNumberOfPoints) {
     for (const double y : {1e300, kInfinity, 1e10}) {
-        const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, y, 0}}, {0.0, 1.0});
-        ParametricCurve refused(curve);
-        EXPECT_THROW(refused.tesselateCurvebyMinYdistance(1e-3), qel::internal::error);
-        EXPECT_EQ(stateOf(refused), stateOf(curve));
+        expectRefusedUnchanged(
+            withSvalues({{0, 0, 0}, {1, y, 0}}, {0.0, 1.0}),
+            [](ParametricCurve& c) { c.tesselateCurvebyMinYdistance(1e-3); },
+            throwsInternal("ParametricCurve", "tesselateCurvebyMinYdistance",
+                           "Requested number of points exceeds 2147483647."));
     }
     ParametricCurve nan = withSvalues({{0, 0, 0}, {1, kNaN, 0}}, {0.0, 1.0});
     nan.tesselateCurvebyMinYdistance(1e-3);
@@ -348,10 +367,13 @@ TEST(Resampling, CosineRefusesNegativeAndAbsurdCounts) {
         },
         throwsInternal("ParametricCurve", "tesselateXCurvebyCosine",
                        "Requested number of points is negative. Count=-2"));
-    ParametricCurve refused(curve);
-    EXPECT_THROW(refused.tesselateXCurvebyCosine(INT_MAX, Spreads{{0.1, 0.1}}),
-                 qel::internal::error);
-    EXPECT_EQ(stateOf(refused), stateOf(curve));
+    expectRefusedUnchanged(
+        curve,
+        [](ParametricCurve& c) {
+            c.tesselateXCurvebyCosine(INT_MAX, Spreads{{0.1, 0.1}});
+        },
+        throwsInternal("ParametricCurve", "tesselateXCurvebyCosine",
+                       "Requested number of points exceeds 2147483647."));
 }
 
 TEST(Resampling, SpreadsMustLeaveSomethingBetweenThem) {
@@ -374,6 +396,25 @@ TEST(Resampling, SpreadsMustLeaveSomethingBetweenThem) {
     EXPECT_EQ(accepted.getSize(), 5u);
     spread(0.0, 0.0)(accepted = curve);
     EXPECT_EQ(accepted.getSize(), 5u);
+}
+
+// The shares are compared as a < 1 - b and 1 - b <= 1, as they round: not as a sum, and a b that
+// 1 swallows is none.
+TEST(Resampling, SpreadsAreComparedWithTheRoundedEnd) {
+    const auto accepts = [](double a, double b) {
+        ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0});
+        try {
+            curve.tesselateXCurvebyCosine(2, Spreads{{a, b}});
+        } catch (const qel::internal::error&) {
+            return false;
+        }
+        return true;
+    };
+    EXPECT_TRUE(accepts(0.3, 0.7)); // 1 - 0.7 rounds to a little more than 0.3
+    EXPECT_FALSE(accepts(0.1, 0.9));
+    EXPECT_TRUE(accepts(0.2, -1e-17));
+    EXPECT_TRUE(accepts(-0.0, 0.0));
+    EXPECT_FALSE(accepts(-5e-324, 0.0));
 }
 
 TEST(Resampling, SpreadsMustBeOneForEachInterval) {

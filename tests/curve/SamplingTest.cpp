@@ -354,6 +354,15 @@ TEST(Sampling, ANewCurveComputesItsOwnSvalues) {
     EXPECT_TRUE(made->isCurveCreatedAsDouble());
 }
 
+// The new curve is built for this one's dimension, which may be one that was refused.
+TEST(Sampling, ANewCurveOfAnUnrecognisedDimensionIsRefused) {
+    ParametricCurve curve;
+    const auto refused =
+        throwsInternal("ParametricCurve", "setPoints", "Unrecognised dimension of the curve.");
+    EXPECT_THAT([&] { curve.setPoints(Points(2), static_cast<ParametricCurve::dim>(3)); }, refused);
+    EXPECT_THAT([&] { delete curve.createNewCurveBySvalues({0.0, 1.0}, true); }, refused);
+}
+
 // -- With a largest step of s ----
 
 TEST(Sampling, MinimumSWithFewerThanTwoIsACopy) {
@@ -364,6 +373,17 @@ TEST(Sampling, MinimumSWithFewerThanTwoIsACopy) {
         curve.getCurveWithMinimumS(points, s, count);
         EXPECT_EQ(points, curve.getCurve());
         EXPECT_EQ(s, curve.getSvalues()); // also the first: no literal zero here
+        FloatPoints narrow;
+        s.clear();
+        curve.getCurveWithMinimumS(narrow, s, count);
+        EXPECT_EQ(narrow, qel_test::narrowed(curve.getCurve()));
+        EXPECT_EQ(s, curve.getSvalues());
+        points.clear();
+        narrow.clear();
+        curve.getCurveWithMinimumS(points, count);
+        curve.getCurveWithMinimumS(narrow, count);
+        EXPECT_EQ(points, curve.getCurve());
+        EXPECT_EQ(narrow, qel_test::narrowed(curve.getCurve()));
     }
 }
 
@@ -432,22 +452,22 @@ TEST(Sampling, MinimumSIsThatOfThePlainStatement) {
 // More points than an int can number are refused before the outputs are touched.
 TEST(Sampling, MinimumSRefusesAnAbsurdNumberOfPoints) {
     const Points p{{0, 0, 0}, {1, 0, 0}};
+    const auto refused = throwsInternal("ParametricCurve", "getCurveWithMinimumS",
+                                        "Requested number of points exceeds 2147483647.");
     for (const double far : {1e12, 1e300, kInfinity}) {
         Points points{{9, 9, 9}};
         Values s{7.0};
-        EXPECT_THROW(withSvalues(p, {0.0, far}).getCurveWithMinimumS(points, s, 2000000000),
-                     qel::internal::error);
+        EXPECT_THAT(
+            [&] {
+                withSvalues(p, {0.0, far}).getCurveWithMinimumS(points, s, 2000000000);
+            },
+            refused);
         EXPECT_EQ(points, Points({{9, 9, 9}}));
         EXPECT_EQ(s, Values({7.0}));
     }
     Points points;
     Values s;
-    EXPECT_THAT(
-        [&] {
-            withSvalues(p, {0.0, 4e9}).getCurveWithMinimumS(points, s, 2);
-        },
-        throwsInternal("ParametricCurve", "getCurveWithMinimumS",
-                       "Requested number of points exceeds 2147483647."));
+    EXPECT_THAT([&] { withSvalues(p, {0.0, 4e9}).getCurveWithMinimumS(points, s, 2); }, refused);
 }
 
 TEST(Sampling, MinimumSInsertsNothingIntoANaNStep) {
@@ -530,6 +550,15 @@ TEST(Sampling, LinearSampleOfNoneInBetweenIsTheEnds) {
     Values values{1.0, 2.0, 3.0, 4.0};
     ParametricCurve().getLinearCurveSample(0, 2.0, 5.0, values);
     EXPECT_EQ(values, Values({2.0, 5.0}));
+}
+
+// Both ends are copied: neither a zero's sign nor rounding enters.
+TEST(Sampling, LinearSampleEndsWhereAsked) {
+    Values values;
+    ParametricCurve().getLinearCurveSample(48, -0.0, 1.0, values);
+    EXPECT_TRUE(sameBits(values.front(), -0.0));
+    EXPECT_EQ(values.back(), 1.0);
+    EXPECT_NE(49 * (1.0 / 49), 1.0);
 }
 
 TEST(Sampling, CosineSampleOfHalfATurn) {

@@ -307,8 +307,8 @@ TEST(LineSegment2D, CircleTestLetsNanThrough) {
 
 TEST(LineSegment2D, WritesStartAndEnd) {
     std::ostringstream os;
-    os << segment(0.0f, 0.0f, 1.0f, 2.0f);
-    EXPECT_EQ(os.str(), "[(0,0) (1,2)]");
+    os << segment(0.0f, 0.0f, 1.0f, 2.0f) << "|";
+    EXPECT_EQ(os.str(), "[(0,0) (1,2)]|");
     std::ostringstream written;
     segment(0.5f, 0.0f, 1.0f, 2.0f).write(written);
     EXPECT_EQ(written.str(), "[(0.5,0) (1,2)]");

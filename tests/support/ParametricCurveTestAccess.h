@@ -23,6 +23,12 @@ public:
                                                double& distance, int& index, bool& done) {
         curve.calculateDistanceFromTwoPoints(i, j, distance, index, done);
     }
+
+    static void eliminateDoublePoints(const ParametricCurve& curve, int exponent,
+                                      const std::vector<TripletBase<double>>& points,
+                                      std::vector<TripletBase<double>>& kept) {
+        curve.eliminateDoublePoints(exponent, points, kept);
+    }
 };
 
 } // namespace qel
