@@ -155,6 +155,13 @@ TEST(Resampling, NumberAllowsForRounding) {
     EXPECT_EQ(curve.getCurve()[3], Point(3, 0, 0));
 }
 
+// Where s is large the allowance vanishes: two whole steps are two.
+TEST(Resampling, NumberCountsAStepThatFitsExactly) {
+    ParametricCurve curve = withSvalues({{0, 0, 0}, {4, 0, 0}}, {0.0, 200.0});
+    curve.tesselateCurvebyNumber(5, 100.0);
+    EXPECT_EQ(curve.getCurve(), Points({{0, 0, 0}, {2, 0, 0}, {4, 0, 0}}));
+}
+
 // s follows arc length afterwards, also where it had been supplied; only s and length change.
 TEST(Resampling, NumberComputesSAndLength) {
     ParametricCurve curve(FloatPoints{{0, 0, 0}, {3, 0, 0}, {3, 1, 0}}, Values{0.0, 0.5, 1.0},
