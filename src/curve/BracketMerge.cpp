@@ -1,6 +1,8 @@
 #include "curve/BracketMerge.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include "platform/VectorDispatch.h"
@@ -52,8 +54,10 @@ class BracketMerge {
 public:
     static constexpr std::size_t kCount = BracketBlock::kCount;
 
-    BracketMerge(const double* svalues, std::size_t count, BracketBlock& block)
-        : svalues_(svalues), count_(count), block_(block), parameters_(block.words_) {
+    BracketMerge(const double* svalues, std::size_t count, const double* parameters,
+                 BracketBlock& block)
+        : svalues_(svalues), count_(count), block_(block), parameters_(block.parameterBits()) {
+        std::memcpy(parameters_, parameters, kCount * sizeof *parameters);
         parameters_[kCount] = std::numeric_limits<std::uint64_t>::max(); // above all s-values
     }
 
@@ -140,7 +144,7 @@ private:
     struct WeightKernel {
         QEL_KERNEL static void run(const double* svalues, BracketBlock* block) {
             double parameters[kCount];
-            std::memcpy(parameters, block->words_, sizeof parameters);
+            std::memcpy(parameters, block->parameterBits(), sizeof parameters);
             // Apart from the divisions, as gathering in lanes is slower than reading one by one.
             double low[kCount];
             double high[kCount];
@@ -150,7 +154,7 @@ private:
                 high[k] = above[0];
             }
             for (std::size_t k = 0; k < kCount; ++k) {
-                block->weights_[k] = (parameters[k] - low[k]) / (high[k] - low[k]);
+                block->weights()[k] = (parameters[k] - low[k]) / (high[k] - low[k]);
             }
         }
     };
@@ -161,8 +165,9 @@ private:
     std::uint64_t* parameters_;
 };
 
-void mergeBrackets(const double* svalues, std::size_t count, BracketBlock& block) {
-    BracketMerge(svalues, count, block).run();
+void mergeBrackets(const double* svalues, std::size_t count, const double* parameters,
+                   BracketBlock& block) {
+    BracketMerge(svalues, count, parameters, block).run();
 }
 
 } // namespace qel
