@@ -36,9 +36,7 @@ struct RowsKernel {
             const Row lo = Row::read(reinterpret_cast<const char*>(&lower->x));
             const Row zAndUpper = Row::read(reinterpret_cast<const char*>(&lower->z));
             const Row hi = {__builtin_shufflevector(zAndUpper.value, zAndUpper.value, 1, 2, 3, 0)};
-            const double w = block->weight(k);
-            const Row weight = {{w, w, w, w}};
-            (lo + (hi - lo) * weight).write(reinterpret_cast<char*>(out + k));
+            (lo + (hi - lo) * block->weight(k)).write(reinterpret_cast<char*>(out + k));
         }
         if (count > 0) {
             out[count - 1] = interpolated(*block, points, count - 1);

@@ -62,6 +62,7 @@ struct Lanes {
     QEL_KERNEL friend Lanes operator*(const Lanes& a, const Lanes& b) {
         return {a.value * b.value};
     }
+    QEL_KERNEL friend Lanes operator*(const Lanes& a, Number factor) { return {a.value * factor}; }
 };
 
 } // namespace qel
