@@ -25,8 +25,8 @@ public:
     double weight(std::size_t k) const { return weights_[k]; }
     double* weights() { return weights_; }
 
-    /// The bits of the parameters and a bound, for those who merge: as far from the indices as one
-    /// parameter is from the next block, so that one place serves for both.
+    /// The bits of the parameters, which compare faster, and a bound, for those who merge: as far
+    /// from the indices as one parameter is from the next block, so that one place serves for both.
     std::uint64_t* parameterBits() { return words_; }
     static constexpr std::size_t kHalf = kCount + 1;
 

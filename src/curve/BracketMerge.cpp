@@ -5,19 +5,13 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/FloatBits.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kPieces = 6; // as many as the registers hold
-
-// Numbers that are not negative have the order of their bits, which compare faster.
-std::uint64_t bitsOf(const double* value) {
-    std::uint64_t bits;
-    std::memcpy(&bits, value, sizeof bits);
-    return bits;
-}
 
 // Compares all neighbours, so that lanes help.
 struct SortedKernel {
@@ -93,12 +87,12 @@ private:
         void step(const double* sOfBlock, std::uint64_t* parameters, std::size_t steps) {
             const std::size_t k = first + steps - svalues;
             parameters[k + BracketBlock::kHalf] = svalues;
-            svalues += bitsOf(sOfBlock + svalues) <= parameters[k] ? 1 : 0;
+            svalues += bitsOf(sOfBlock[svalues]) <= parameters[k] ? 1 : 0;
         }
     };
 
     bool isNotAbove(std::size_t svalue, std::size_t parameter) const {
-        return bitsOf(svalues_ + svalue) <= parameters_[parameter];
+        return bitsOf(svalues_[svalue]) <= parameters_[parameter];
     }
 
     // The place after so many steps: as few parameters as leave no s-value out of order.

@@ -1,9 +1,9 @@
 #include "spatial/NearestIndex.h"
 
 #include <cmath>
-#include <cstring>
 #include <utility>
 
+#include "platform/FloatBits.h"
 #include "spatial/BoxTreeBuilder.h"
 #include "spatial/NearestSearch.h"
 
@@ -33,11 +33,8 @@ std::uint64_t NearestIndex::rankOfLeaf(std::uint32_t leaf, float qx, float qy) c
     if (startsInLeaf && leaves_[leaf].isReachedBy(qx, qy)) {
         return 0; // of a single leaf
     }
-    // The bits of a float that is not negative ascend with it.
     const float distance = squaredDistance(leaves_[leaf].rectangle, qx, qy);
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &distance, sizeof(bits));
-    return ((std::uint64_t{bits} << 32) | leaf) + 1;
+    return ((static_cast<std::uint64_t>(bitsOf(distance)) << 32) | leaf) + 1; // the bits ascend
 }
 
 } // namespace qel

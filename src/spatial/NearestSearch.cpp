@@ -11,6 +11,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/FloatBits.h"
 #include "platform/VectorDispatch.h"
 
 #if defined(QEL_VECTOR_UNITS)
@@ -31,18 +32,6 @@ QEL_KERNEL void prefetch(const void* place) {
 #else
     static_cast<void>(place);
 #endif
-}
-
-QEL_KERNEL std::int32_t bitsOf(float value) {
-    std::int32_t bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    return bits;
-}
-
-QEL_KERNEL float floatOf(std::int32_t bits) {
-    float value = 0.0f;
-    std::memcpy(&value, &bits, sizeof(value));
-    return value;
 }
 
 #if defined(QEL_VECTOR_UNITS)
