@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "curve/BracketMerge.h"
+#include "curve/BracketWindows.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
@@ -45,22 +47,54 @@ std::size_t ParameterWalk::firstAbove(double s, std::size_t from) const {
     return static_cast<std::size_t>(std::upper_bound(s_ + from, end, s) - s_);
 }
 
-const double* ParameterWalk::findBrackets(const double* parameters, BracketBlock& block) {
-    const double first = parameters[0];
+bool ParameterWalk::merge(const double* parameters, std::size_t above, BracketBlock& block) {
     const double last = parameters[kCount - 1];
-    if (!(first > svalues_.front()) || !(last < svalues_.back()) || !isWorthMerging(parameters)) {
-        return nullptr;
+    if (s_[0] < 0.0 || !(last < svalues_.back()) || !isWorthMerging(parameters)) {
+        return false;
     }
-    const std::size_t begin = firstAbove(first, s_[hi_ - 1] <= first ? hi_ : 1);
-    const std::size_t farthest = begin + kMergePays * kCount;
+    const std::size_t farthest = above + kMergePays * kCount;
     if (farthest < svalues_.size() && !(last < s_[farthest])) {
-        return nullptr;
+        return false;
     }
-    const std::size_t end = firstAbove(last, begin);
-    block.setParameters(parameters);
-    mergeBrackets(s_ + begin, end - begin, block);
-    hi_ = end;
-    return s_ + begin;
+    hi_ = firstAbove(last, above);
+    mergeBrackets(s_ + above, hi_ - above, parameters, block);
+    return true;
+}
+
+std::size_t ParameterWalk::pointsOfBlock(const double* parameters, std::size_t count, Point* out) {
+    const double first = parameters[0];
+    if (!(first > svalues_.front()) || !(first < svalues_.back())) {
+        return 0;
+    }
+    BracketBlock block;
+    const std::size_t above = firstAbove(first, s_[hi_ - 1] <= first ? hi_ : 1);
+    const std::size_t found = findInWindows(s_, svalues_.size(), above, parameters, count, block);
+    if (found > 0) {
+        hi_ = block.above(found - 1);
+        block.interpolate(p_, found, out);
+        return found;
+    }
+    if (count >= kCount && merge(parameters, above, block)) {
+        block.interpolate(p_ + above, kCount, out);
+        return kCount;
+    }
+    return 0;
+}
+
+void ParameterWalk::pointsAt(const double* parameters, std::size_t count, Point* out) {
+    const auto parameterAt = [parameters](std::size_t k) { return parameters[k]; };
+    const auto emit = [out](std::size_t k, const Point& p) { out[k] = p; };
+    std::size_t k = 0;
+    while (order_ == Order::strict && count - k >= kWindowGroup) {
+        const std::size_t found = pointsOfBlock(parameters + k, count - k, out + k);
+        k += found;
+        if (found < kCount) { // a group that no window holds, or a list not made for blocks
+            const std::size_t end = std::min(k + (found > 0 ? kWindowGroup : kCount), count);
+            forEach(k, end, parameterAt, emit);
+            k = end;
+        }
+    }
+    forEach(k, count, parameterAt, emit);
 }
 
 Point ParameterWalk::at(double s) {
