@@ -66,6 +66,8 @@ TEST(AxialConversion, HalfATurnIsPi) {
     Points out;
     through({{1, 0, 0}, {-2, 0, 0}, {3, 0, 0}}).convertToART(kOrigin, kAlongZ, out);
     EXPECT_EQ(out, Points({{0, 1, 0}, {0, 2, kPi}, {0, 3, 2 * kPi}}));
+    through(kSquare).convertToART(kOrigin, kAlongZ, out, 0, -0.0);
+    EXPECT_TRUE(std::signbit(out[0].z)); // the reference takes its angle as it is given
 }
 
 // The marker makes a direction very long, which is no obstacle: it is normalised in double.

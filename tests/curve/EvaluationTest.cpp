@@ -326,6 +326,19 @@ TEST(Evaluation, BoundsKeepTheFirstOfZerosWithSigns) {
     EXPECT_TRUE(std::signbit(max));
 }
 
+// Each component has its extremes at points of its own.
+TEST(Evaluation, ExtremeIndicesAreThoseOfTheirComponent) {
+    const ParametricCurve curve(
+        Points{{-1, 0, 0}, {1, 0, 0}, {0, -1, 0}, {0, 1, 0}, {0, 0, -1}, {0, 0, 1}},
+        ParametricCurve::dim3D);
+    EXPECT_EQ(curve.getMinXid(), 0u);
+    EXPECT_EQ(curve.getMaxXid(), 1u);
+    EXPECT_EQ(curve.getMinYid(), 2u);
+    EXPECT_EQ(curve.getMaxYid(), 3u);
+    EXPECT_EQ(curve.getMinZid(), 4u);
+    EXPECT_EQ(curve.getMaxZid(), 5u);
+}
+
 TEST(Evaluation, ExtremeIndicesKeepTheEarliestOfATie) {
     ParametricCurve curve;
     curve.setPointsX(std::vector<double>{3, 1, 1, 2});

@@ -71,6 +71,7 @@ TEST(Intersection, SegmentAcrossTheCurveGivesTheCrossing) {
     const Result result = with(plane(kCorner), {1, -1}, {1, 1});
     EXPECT_TRUE(result.meet);
     EXPECT_EQ(result.point, FloatPoint(1, 0, 0));
+    EXPECT_FALSE(std::signbit(result.point.z));
     EXPECT_EQ(reports.count, 0);
 }
 
