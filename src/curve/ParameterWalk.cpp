@@ -84,29 +84,31 @@ bool ParameterWalk::merge(const double* parameters, std::size_t above, BracketBl
 
 std::size_t ParameterWalk::pointsOfBlock(const double* parameters, std::size_t count, Point* out) {
     const double first = parameters[0];
-    const std::size_t above =
-        isInside(first) ? firstAbove(first, s_[hi_ - 1] <= first ? hi_ : 1) : 0;
     BracketBlock block;
-    std::size_t found = 0;
-    if (above > 0) {
-        found = findInWindows(s_, svalues_.size(), above, parameters, count, block);
+    if (isInside(first)) {
+        const std::size_t above = firstAbove(first, s_[hi_ - 1] <= first ? hi_ : 1);
+        const std::size_t found =
+            findInWindows(s_, svalues_.size(), above, parameters, count, block);
+        if (found > 0) {
+            hi_ = block.above(found - 1);
+            block.interpolate(p_, found, out);
+            return found;
+        }
+        if (count < kCount ||
+            (lookEven(parameters) && isWithin(parameters[kCount - 1], above, kWalkPays))) {
+            return 0;
+        }
+        if (merge(parameters, above, block)) {
+            block.interpolate(p_ + above, kCount, out);
+            return kCount;
+        }
     }
-    if (found > 0) {
-        hi_ = block.above(found - 1);
-        block.interpolate(p_, found, out);
-        return found;
-    }
-    if (count < kCount) {
-        return 0;
-    }
-    if (above > 0 && lookEven(parameters) && isWithin(parameters[kCount - 1], above, kWalkPays)) {
-        return 0;
-    }
-    if (above > 0 && merge(parameters, above, block)) {
-        block.interpolate(p_ + above, kCount, out);
-        return kCount;
-    }
-    found = searchBrackets(s_, svalues_.size(), parameters, count, block);
+    return count < kCount ? 0 : pointsBySearch(parameters, block, out);
+}
+
+std::size_t ParameterWalk::pointsBySearch(const double* parameters, BracketBlock& block,
+                                          Point* out) {
+    const std::size_t found = searchBrackets(s_, svalues_.size(), parameters, kCount, block);
     block.interpolate(p_, found, out);
     for (std::size_t k = 0; k < found; ++k) {
         if (!isInside(parameters[k])) {

@@ -69,6 +69,9 @@ private:
     // Sets the first points of a list by blocks; returns how many, at most a block.
     std::size_t pointsOfBlock(const double* parameters, std::size_t count, Point* out);
 
+    // The same for a whole block of parameters in any order.
+    std::size_t pointsBySearch(const double* parameters, BracketBlock& block, Point* out);
+
     // Whether a block from an s-value on to its last parameter takes no more s-values than that.
     bool isWithin(double last, std::size_t above, std::size_t svaluesForEach) const;
 
