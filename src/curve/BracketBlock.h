@@ -12,7 +12,7 @@
 namespace qel {
 
 /// A block of parameters with their brackets among s-values of which no two count as equal.
-/// BracketWindows.h and BracketMerge.h fill it.
+/// BracketWindows.h, BracketMerge.h and BracketSearch.h fill it.
 class BracketBlock {
 public:
     static constexpr std::size_t kCount = 256;
@@ -25,8 +25,8 @@ public:
     double weight(std::size_t k) const { return weights_[k]; }
     double* weights() { return weights_; }
 
-    /// The bits of the parameters, which compare faster, and a bound, for those who merge: as far
-    /// from the indices as one parameter is from the next block, so that one place serves for both.
+    /// Room for the bits of the parameters and a bound beyond them, for those who merge. The index
+    /// above a parameter stands kHalf words behind its bits, so that one pointer serves for both.
     std::uint64_t* parameterBits() { return words_; }
     static constexpr std::size_t kHalf = kCount + 1;
 

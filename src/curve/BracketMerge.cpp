@@ -24,24 +24,10 @@ struct SortedKernel {
     }
 };
 
-// By a sample of the steps; at random, hardly any list passes.
-bool lookEven(const double* parameters) {
-    constexpr std::size_t kLast = BracketBlock::kCount - 1;
-    constexpr std::size_t kSample = 32;
-    const double mean = (parameters[kLast] - parameters[0]) / kLast;
-    for (std::size_t k = 0; k < kLast; k += kSample) {
-        const double step = parameters[k + 1] - parameters[k];
-        if (!(step <= 2.0 * mean && 2.0 * step >= mean)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 } // namespace
 
-bool isWorthMerging(const double* parameters) {
-    return !lookEven(parameters) && onVectorUnit<SortedKernel>(parameters);
+bool areSorted(const double* parameters) {
+    return onVectorUnit<SortedKernel>(parameters);
 }
 
 class BracketMerge {

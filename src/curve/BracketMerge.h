@@ -17,9 +17,8 @@
 
 namespace qel {
 
-/// True if BracketBlock::kCount parameters are in order, but not at about even steps: among the
-/// s-values of a smooth curve those have brackets that a plain walk foresees.
-bool isWorthMerging(const double* parameters);
+/// True if BracketBlock::kCount parameters are in order.
+bool areSorted(const double* parameters);
 
 /// Finds the brackets of a block of parameters, in order and positive.
 ///

@@ -4,13 +4,14 @@
 /// @file
 /// Fast road: the points at many parameters of one curve.
 ///
-/// Blocks of sorted parameters take their brackets from windows or a merge, see BracketWindows.h
-/// and BracketMerge.h. Else, where the next parameter lies near the one before, a few steps along
-/// the s-values find its bracket at the cost of a comparison each, in place of two binary searches
-/// through all of them. The bracket is the same one: among s-values in order there is only one
-/// place where they pass s, however it is found. A parameter that is not near is searched for as
-/// ParametricCurve::getPointAtParameter does, and so are all of them where s-values are not in
-/// order (a NaN among those supplied) or too few are asked for to pay for making sure.
+/// Blocks of parameters take their brackets from windows, a merge or a search of many at once: see
+/// BracketWindows.h, BracketMerge.h and BracketSearch.h. Else, where the next parameter lies near
+/// the one before, a few steps along the s-values find its bracket at the cost of a comparison
+/// each, in place of two binary searches through all of them. The bracket is the same one: among
+/// s-values in order there is only one place where they pass s, however it is found. A parameter
+/// that is not near is searched for as ParametricCurve::getPointAtParameter does, and so are all of
+/// them where s-values are not in order (a NaN among those supplied) or too few are asked for to
+/// pay for making sure.
 
 #include <cstddef>
 #include <vector>
@@ -68,9 +69,18 @@ private:
     // Sets the first points of a list by blocks; returns how many, at most a block.
     std::size_t pointsOfBlock(const double* parameters, std::size_t count, Point* out);
 
+    // The same for a whole block of parameters in any order.
+    std::size_t pointsBySearch(const double* parameters, BracketBlock& block, Point* out);
+
+    // Whether a block from an s-value on to its last parameter takes no more s-values than that.
+    bool isWithin(double last, std::size_t above, std::size_t svaluesForEach) const;
+
     // Finds the brackets of a block of parameters, of which the first has the s-value above it, if
     // they are worth merging, inside the curve and not too far apart.
     bool merge(const double* parameters, std::size_t above, BracketBlock& block);
+
+    // Strictly between the first and the last s-value.
+    bool isInside(double s) const { return s > svalues_.front() && s < svalues_.back(); }
 
     // The first index from the given one on whose s-value is greater than s, which one has.
     std::size_t firstAbove(double s, std::size_t from) const;

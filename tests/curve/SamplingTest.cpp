@@ -128,6 +128,29 @@ TEST(ParameterWalk, FindsBlocksOfSortedParameters) {
     }
 }
 
+// In no order, few to a step of s and many, with some on s-values, beyond the ends and NaN.
+TEST(ParameterWalk, FindsBlocksOfUnsortedParameters) {
+    RandomCurves make(29);
+    for (const std::size_t n : {2u, 3u, 17u, 300u, 4000u}) {
+        for (const double from : {0.0, -0.5, 0.25}) {
+            SCOPED_TRACE(std::to_string(n) + " s-values from " + std::to_string(from));
+            const Values s = crowded(make, n, from, 3.0);
+            Points p(s.size());
+            for (Point& point : p) {
+                point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
+            }
+            Values parameters;
+            for (std::size_t k = 0; k < 1100; ++k) {
+                parameters.push_back(make.parameter(s));
+            }
+            for (const std::size_t k : {0u, 300u, 301u, 600u, 1099u}) {
+                parameters[k] = kNaN;
+            }
+            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+        }
+    }
+}
+
 // Evenly spread parameters, on s-values and between them, from many to a parameter to few.
 TEST(ParameterWalk, FindsBlocksOfEvenParameters) {
     RandomCurves make(28);
