@@ -170,7 +170,7 @@ void ParametricCurve::setPoints(const Points& points, dim dimension) {
     Points stored(points);
     if (!isRecognised(dimension)) {
         // Deliberate: the dimension is looked at after the points were stored, so a curve that is
-        // refused for it keeps them (ModelTest, KeepsPointsOfAnUnrecognisedDimension).
+        // refused for it keeps them (ValidationTest, KeepsPointsOfAnUnrecognisedDimension).
         std::vector<double> resized(svalues_);
         resized.resize(stored.size());
         exchange(stored, resized);
@@ -214,7 +214,7 @@ void ParametricCurve::setPoints(const Points& points, const std::vector<double>&
     std::vector<double> storedSvalues(svalues);
     points_.swap(storedPoints);
     // Deliberate: falling s-values are found after the points were stored, which then stand with
-    // the old s-values (ModelTest, KeepsNewPointsWithOldSvaluesWhenSFalls).
+    // the old s-values (ValidationTest, KeepsNewPointsWithOldSvaluesWhenSFalls).
     checkNonDecreasing(storedSvalues);
     svalues_.swap(storedSvalues);
     setParametrization(parametrizationSupplied);
