@@ -121,11 +121,22 @@ TEST(Model, CopiesAreIndependent) {
 
 // -- Computed s ----
 
+// Onto a curve with everything else: all of it but the axis is set anew.
 TEST(Model, SIsArcLengthOverLength) {
-    ParametricCurve curve;
+    ParametricCurve curve = unusualCurve();
+    CurveState expected = stateOf(curve);
+    expected.points = kBend;
+    expected.svalues = {0.0, 5.0 / 17.0, 1.0};
+    expected.length = 17.0;
+    expected.dimension = ParametricCurve::dim3D;
+    expected.parametrization = ParametricCurve::parametrizationComputed;
+    expected.createdAsDouble = true;
     curve.setPoints(kBend, ParametricCurve::dim3D);
-    EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 5.0 / 17.0, 1.0));
-    EXPECT_EQ(curve.getLength(), 17.0);
+    EXPECT_EQ(stateOf(curve), expected);
+    curve = unusualCurve();
+    expected.createdAsDouble = false;
+    curve.setPoints(narrowed(kBend), ParametricCurve::dim3D);
+    EXPECT_EQ(stateOf(curve), expected);
 }
 
 TEST(Model, ArcNormalizationGivesTheSameS) {
