@@ -9,7 +9,7 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "support/Capture.h"
+#include "support/StandardStreams.h"
 
 namespace {
 
