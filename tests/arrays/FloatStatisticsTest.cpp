@@ -11,15 +11,14 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "platform/VectorUnit.h"
 #include "support/Bits.h"
+#include "support/VectorUnits.h"
 
 namespace {
 
 using qel::FloatQELVector;
 using qel::FloatQELVectorComponent;
 using qel::FloatQELVectorConcrete;
-using qel::VectorUnit;
 using qel_test::sameBits;
 using Values = std::vector<float>;
 
@@ -69,16 +68,12 @@ void checkStatistics(const Values& values) {
         triplets.push_back({-v, v, 7.0f});
     }
     const FloatQELVectorComponent view(triplets, 1);
-    for (const VectorUnit unit : {VectorUnit::portable, VectorUnit::avx2, VectorUnit::avx512}) {
-        if (qel::hasVectorUnit(unit)) {
-            qel::forceVectorUnit(unit);
-            owning.invalidateCache();
-            view.invalidateCache();
-            EXPECT_TRUE(has(owning, expected)) << "unit " << static_cast<int>(unit);
-            EXPECT_TRUE(has(view, expected)) << "unit " << static_cast<int>(unit);
-        }
-    }
-    qel::restoreVectorUnit();
+    qel_test::onEveryVectorUnit([&] {
+        owning.invalidateCache();
+        view.invalidateCache();
+        EXPECT_TRUE(has(owning, expected));
+        EXPECT_TRUE(has(view, expected));
+    });
 }
 
 TEST(FloatStatistics, OfANewArray) {

@@ -9,12 +9,11 @@
 #include <gtest/gtest.h>
 
 #include "arrays/RoundedSum.h"
-#include "platform/VectorUnit.h"
 #include "support/Bits.h"
+#include "support/VectorUnits.h"
 
 namespace {
 
-using qel::VectorUnit;
 using qel_test::sameBits;
 using Values = std::vector<float>;
 
@@ -23,15 +22,10 @@ void checkSum(double start, const Values& values) {
     for (const float v : values) {
         expected += static_cast<double>(v);
     }
-    for (const VectorUnit unit : {VectorUnit::portable, VectorUnit::avx2, VectorUnit::avx512}) {
-        if (qel::hasVectorUnit(unit)) {
-            qel::forceVectorUnit(unit);
-            const double sum = qel::sumInOrder(start, values.data(), values.size());
-            EXPECT_TRUE(sameBits(sum, expected)) << sum << " for " << expected << ", unit "
-                                                 << static_cast<int>(unit) << ", from " << start;
-        }
-    }
-    qel::restoreVectorUnit();
+    qel_test::onEveryVectorUnit([&] {
+        const double sum = qel::sumInOrder(start, values.data(), values.size());
+        EXPECT_TRUE(sameBits(sum, expected)) << sum << " for " << expected << ", from " << start;
+    });
 }
 
 // Floats of few digits, from 2^lowest over so many octaves.

@@ -10,13 +10,16 @@
 
 #include <gmock/gmock.h>
 
+#include "arrays/LengthErrors.h"
 #include "support/Bits.h"
-#include "support/Capture.h"
 #include "support/Errors.h"
+#include "support/StandardStreams.h"
 
 namespace {
 
 using qel::TripletQELVector;
+using qel_test::kEndlessLength;
+using qel_test::lengthErrorOf;
 using qel_test::sameBitsInAll;
 using qel_test::standardOutputOf;
 using qel_test::throwsInvalid;
@@ -153,6 +156,13 @@ TEST(TripletQELVector, ChangesOfLength) {
     EXPECT_EQ(v.size(), 2u);
     v.clear();
     EXPECT_TRUE(v.empty());
+}
+
+TEST(TripletQELVector, LengthsBeyondTheMaximumLeaveTheElements) {
+    TripletQELVector v(countedTriplets(2));
+    EXPECT_EQ(lengthErrorOf([&] { v.resize(kEndlessLength); }), "vector<T> too long");
+    EXPECT_EQ(lengthErrorOf([&] { v.reserve(kEndlessLength); }), "vector<T> too long");
+    EXPECT_TRUE(sameBitsInAll<Triplets>(v.getInternals(), countedTriplets(2)));
 }
 
 TEST(TripletQELVector, EveryWayToTheElements) {
