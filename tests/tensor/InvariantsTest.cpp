@@ -2,6 +2,8 @@
 
 #include <qel/TensorEigenizer.h>
 
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include "support/Bits.h"
@@ -72,6 +74,27 @@ TEST(Invariants, MultiplesOfTheIdentityTakeTheMedian) {
     EXPECT_EQ(atOnePoint(small, &TensorEigenizer::get2ndEValSymmTT),
               static_cast<float>(static_cast<double>(2e-10f) * static_cast<double>(2e-10f)));
     EXPECT_EQ(atOnePoint({}, &TensorEigenizer::get2ndEValSymmTT), 0.0f);
+}
+
+TEST(Invariants, ASpreadAtTheThresholdIsSolvedFor) {
+    // M = (a^2, ac, ae/2; ac, a^2, 0; ae/2, 0, 0), e tiny. Its diagonal has the median a^2; its
+    // middle eigenvalue is a^2 - ac.
+    const float a = 0x1.029fc8p-30f, c = 0x1.39d51ap-32f, at = 0x1.a07e4p-43f;
+    const float below = std::nextafter(at, 0.0f);
+    const auto spread = [&](double e) {
+        const double m11 = double{a} * double{a};
+        const double m12 = 0.5 * (double{a} * double{c} + double{c} * double{a});
+        const double m13 = 0.5 * (e * double{a});
+        return 0.5 * (m11 * m11 + m11 * m11) + 3.0 * (m12 * m12 + m13 * m13);
+    };
+    ASSERT_EQ(spread(double{at}), 1e-36);
+    ASSERT_LT(spread(double{below}), 1e-36);
+    const auto lambda2 = [&](float e) {
+        return atOnePoint({a, c, e, 0, a, 0, 0, 0, 0}, &TensorEigenizer::get2ndEValSymmTT);
+    };
+    EXPECT_NEAR(lambda2(at), double{a} * double{a} - double{a} * double{c}, 1e-24);
+    EXPECT_EQ(lambda2(below), static_cast<float>(double{a} * double{a}));
+    EXPECT_EQ(lambda2(at), plain::secondEigenvalue({a, c, at, 0, a, 0, 0, 0, 0}));
 }
 
 TEST(Invariants, UndefinedInputsFlowThroughAsNumbers) {
