@@ -3,7 +3,6 @@
 #include <qel/FloatQELVector.h>
 
 #include <functional>
-#include <limits>
 #include <type_traits>
 
 #include <gmock/gmock.h>
@@ -14,6 +13,7 @@
 #include "arrays/LengthErrors.h"
 #include "support/Errors.h"
 #include "support/Slots.h"
+#include "support/SpecialFloats.h"
 
 namespace {
 
@@ -22,12 +22,11 @@ using qel::FloatQELVectorComponent;
 using qel::FloatQELVectorConcrete;
 using qel::TripletQELVector;
 using qel_test::kEndlessLength;
+using qel_test::kUndef;
 using qel_test::lengthErrorOf;
 using qel_test::throwsInvalid;
 using ::testing::ElementsAre;
 using Triplet = qel::TripletBase<float>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
 
 static_assert(std::is_abstract<FloatQELVector>::value, "only its kinds exist");
 static_assert(std::has_virtual_destructor<FloatQELVector>::value, "deletable through the base");

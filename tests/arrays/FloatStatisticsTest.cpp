@@ -2,7 +2,6 @@
 // the loop value by value gives.
 
 #include <cmath>
-#include <limits>
 #include <random>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include <qel/FloatQELVectorConcrete.h>
 
 #include "support/Bits.h"
+#include "support/SpecialFloats.h"
 #include "support/VectorUnits.h"
 
 namespace {
@@ -19,12 +19,11 @@ namespace {
 using qel::FloatQELVector;
 using qel::FloatQELVectorComponent;
 using qel::FloatQELVectorConcrete;
+using qel_test::kInf;
+using qel_test::kNan;
+using qel_test::kUndef;
 using qel_test::sameBits;
 using Values = std::vector<float>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 struct Statistics {
     float min = kUndef;

@@ -1,6 +1,5 @@
 #include <qel/QELVector.h>
 
-#include <limits>
 #include <type_traits>
 #include <utility>
 

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <iostream>
-#include <limits>
 #include <sstream>
 #include <type_traits>
 
@@ -13,20 +12,22 @@
 #include "arrays/LengthErrors.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/SpecialFloats.h"
 #include "support/StandardStreams.h"
 
 namespace {
 
 using qel::TripletQELVector;
 using qel_test::kEndlessLength;
+using qel_test::kInf;
+using qel_test::kNan;
+using qel_test::kUndef;
 using qel_test::lengthErrorOf;
 using qel_test::sameBitsInAll;
 using qel_test::standardOutputOf;
 using qel_test::throwsInvalid;
 using Triplet = qel::TripletBase<float>;
 using Triplets = std::vector<Triplet>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
 
 static_assert(std::has_virtual_destructor<TripletQELVector>::value, "deletable through the base");
 
@@ -207,11 +208,9 @@ TEST(TripletQELVector, NormalizeDividesUndefinedTripletsByTheMarker) {
 }
 
 TEST(TripletQELVector, NormalizeDividesByTheRoundedLengthInSinglePrecision) {
-    const float inf = std::numeric_limits<float>::infinity();
-    const float nan = std::numeric_limits<float>::quiet_NaN();
     const Triplets list = {
-        {1, 2, 3},        {1e-30f, 2e-30f, 0}, {1e30f, 1, 2},           {inf, 1, 2},
-        {nan, 1, kUndef}, {nan, 1, 2},         {1e-20f, 3e-23f, 1e-44f}};
+        {1, 2, 3},         {1e-30f, 2e-30f, 0}, {1e30f, 1, 2},           {kInf, 1, 2},
+        {kNan, 1, kUndef}, {kNan, 1, 2},        {1e-20f, 3e-23f, 1e-44f}};
     TripletQELVector v(list);
     v.normalize();
     for (std::size_t i = 0; i < list.size(); ++i) {

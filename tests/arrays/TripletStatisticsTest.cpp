@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -13,18 +12,18 @@
 
 #include "arrays/LengthErrors.h"
 #include "support/Bits.h"
+#include "support/SpecialFloats.h"
 #include "support/StandardStreams.h"
 
 namespace {
 
 using qel::TripletQELVector;
+using qel_test::kInf;
+using qel_test::kNan;
+using qel_test::kUndef;
 using qel_test::sameBits;
 using Triplet = qel::TripletBase<float>;
 using Triplets = std::vector<Triplet>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 struct Statistics {
     float min = kUndef, max = kUndef, sum = kUndef;

@@ -7,11 +7,14 @@
 #include <gtest/gtest.h>
 
 #include "support/Bits.h"
+#include "support/Rounded.h"
 #include "support/Samples.h"
 
 using qel::NumericalUtils;
+using qel_test::product;
 using qel_test::sameBits;
 using qel_test::Samples;
+using qel_test::sum;
 
 namespace {
 
@@ -138,10 +141,6 @@ TEST(QuadrilateralValue, CornersAndMiddle) {
 TEST(QuadrilateralValue, FollowsTheStatedOrder) {
     Samples<double> doubles(301);
     Samples<float> floats(302);
-    const auto rounded = [](float value) {
-        volatile float result = value;
-        return static_cast<float>(result);
-    };
     for (int i = 0; i < kSamples; ++i) {
         const double s = doubles.any(), t = doubles.plain() / 7;
         const double f[4] = {doubles.any(), doubles.plain(), doubles.plain(), doubles.any()};
@@ -153,11 +152,11 @@ TEST(QuadrilateralValue, FollowsTheStatedOrder) {
         const float g[4] = {floats.any(), floats.plain(), floats.plain(), floats.any()};
         const float s1 = static_cast<float>(1.0 - static_cast<double>(sf));
         const float t1 = static_cast<float>(1.0 - static_cast<double>(tf));
-        const float weights[4] = {rounded(t1 * s1), rounded(t1 * sf), rounded(s1 * tf),
-                                  rounded(sf * tf)};
-        float value = rounded(weights[0] * g[0]);
+        const float weights[4] = {product(t1, s1), product(t1, sf), product(s1, tf),
+                                  product(sf, tf)};
+        float value = product(weights[0], g[0]);
         for (int k = 1; k < 4; ++k) {
-            value = rounded(value + rounded(weights[k] * g[k]));
+            value = sum(value, product(weights[k], g[k]));
         }
         ASSERT_TRUE(sameBits(
             NumericalUtils::calculateValueInQuadFromST(sf, tf, g[0], g[1], g[2], g[3]), value));

@@ -14,12 +14,15 @@
 
 #include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/Rounded.h"
 #include "support/Samples.h"
 
 namespace {
 
 using qel::TripletBase;
+using qel_test::product;
 using qel_test::sameBits;
+using qel_test::sum;
 using qel_test::throwsInvalid;
 using Double3 = TripletBase<double>;
 using Float3 = TripletBase<float>;
@@ -166,9 +169,8 @@ TYPED_TEST(TripletBaseTest, LengthAndNormalisingFollowTheStatedOrder) {
         const Triplet t(samples.any(), samples.any(), samples.any());
         const bool isUndefined = t.x == this->marker || t.y == this->marker || t.z == this->marker;
         undefined += isUndefined;
-        const volatile T xx = t.x * t.x, yy = t.y * t.y, zz = t.z * t.z;
-        const volatile T xy = xx + yy;
-        const T length = isUndefined ? largestFloat : std::sqrt(xy + zz);
+        const T square = sum(sum(product(t.x, t.x), product(t.y, t.y)), product(t.z, t.z));
+        const T length = isUndefined ? largestFloat : std::sqrt(square);
         ASSERT_TRUE(sameBits(t.length(), length)) << t;
 
         const auto divided = [&](T c) {
