@@ -289,8 +289,11 @@ TEST(TripletQELVector, WriteKeepsTheStreamsFormatting) {
 }
 
 TEST(TripletQELVector, DbprintWritesTheWholeArray) {
-    const TripletQELVector v(countedTriplets(2));
-    EXPECT_EQ(standardOutputOf([&] { v.dbprint(); }), "size=2\n0:(0, 0.25, 0.5),(1, 1.25, 1.5),\n");
+    const TripletQELVector v(countedTriplets(3));
+    EXPECT_EQ(standardOutputOf([&] { v.dbprint(); }),
+              "size=3\n0:(0, 0.25, 0.5),(1, 1.25, 1.5),(2, 2.25, 2.5),\n");
+    EXPECT_EQ(standardOutputOf([] { TripletQELVector().dbprint(); }),
+              "size=0\n18446744073709551615>= size 0\n");
 }
 
 TEST(TripletQELVector, DbprintOfARangeExtendsTheSign) {

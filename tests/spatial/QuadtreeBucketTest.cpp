@@ -254,8 +254,16 @@ TEST(QuadtreeBucket, IsMovedNotCopied) {
 
     QuadtreeBucket assigned;
     assigned.construct({Point(7, 7, 0)});
+    assigned.findNearestPoint(Point(7, 7, 0));
+    const QuadtreeBucket& left = target;
     assigned = std::move(target);
+    EXPECT_EQ(assigned.getMaxDepth(), 3);
+    EXPECT_EQ(assigned.getBucketCapacity(), 2);
+    EXPECT_EQ(assigned.getBestObject()->index, 1u);
     EXPECT_EQ(assigned.findNearestPoint(Point(0.9f, 0, 0)), 1u);
+    EXPECT_EQ(left.getMaxDepth(), 3);
+    EXPECT_EQ(left.getBucketCapacity(), 2);
+    EXPECT_EQ(left.getBestObject(), nullptr);
 }
 
 TEST(QuadtreeBucket, DefaultLimitsAreTen) {
