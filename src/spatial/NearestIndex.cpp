@@ -38,14 +38,6 @@ NearestIndex::Nearest NearestIndex::find(float qx, float qy) const {
     return hit.isFound ? Nearest{true, hit.index, hit.distance} : Nearest{};
 }
 
-std::size_t NearestIndex::memoryBytes() const {
-    std::size_t bytes = leaves_.size() * sizeof(QuadLeaf) + tree_.memoryBytes();
-    for (const StartTable& table : starts_) {
-        bytes += table.memoryBytes();
-    }
-    return bytes;
-}
-
 std::uint64_t NearestIndex::rankOfLeaf(std::uint32_t leaf, float qx, float qy) const {
     // The search starts in the query's leaf only if this holds, which a root without extent in
     // numbers (NaN) does not.

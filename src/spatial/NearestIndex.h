@@ -66,8 +66,6 @@ public:
     const PointBlock& block(std::uint32_t line) const {
         return *std::launder(reinterpret_cast<const PointBlock*>(&lines_[line]));
     }
-    /// In use: what is set aside beyond is never touched.
-    std::size_t memoryBytes() const { return size_ * sizeof(Line); }
 
     // -- Building ----
 
@@ -129,7 +127,6 @@ public:
     Nearest find(float qx, float qy) const;
 
     int maxDepthReached() const { return maxDepthReached_; }
-    std::size_t memoryBytes() const;
 
     // -- For the search ----
 

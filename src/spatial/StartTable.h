@@ -64,8 +64,6 @@ public:
         return &starts_[2 * spread(gridX_.guessOf(qx)) + spread(gridY_.guessOf(qy))];
     }
 
-    std::size_t memoryBytes() const { return starts_.capacity() * sizeof(Start); }
-
 private:
     static int levelsFor(std::size_t pointCount, std::size_t cellSize, int gridLevels) {
         int levels = 0;

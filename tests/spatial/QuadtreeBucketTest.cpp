@@ -447,6 +447,23 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInCloudsThatThicken) {
     }
 }
 
+// Two blocks of points beside each power of two: most nodes of the index hold so few that there are
+// more of them than were set aside.
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInMoreNodesThanForeseen) {
+    Samples<float> samples(422);
+    Points points, queries;
+    for (int exponent = 0; exponent < 60; ++exponent) {
+        const auto near = [&] {
+            return std::ldexp(1.0f + 0.01f * (samples.plain() + 10.0f), -exponent);
+        };
+        for (int i = 0; i < 24; ++i) {
+            points.emplace_back(near(), near(), 0.0f);
+            queries.emplace_back(near(), 1.5f * near(), 0.0f);
+        }
+    }
+    checkQueries(points, 24, 10, queries);
+}
+
 TEST(QuadtreeBucket, FindsTheLeastDistance) {
     Samples<float> samples(419);
     for (int n = 0; n < 200; ++n) {
