@@ -61,19 +61,20 @@ void append(Values& values, const Values& more) {
     values.insert(values.end(), more.begin(), more.end());
 }
 
+constexpr int kDigits = 23; // of a float, behind the first
+
 // Octaves of a field whose sum over a block takes up about as many digits as a double has.
-int octavesOfBarelyExactSums(std::mt19937& random, int digits) {
+int octavesOfBarelyExactSums(std::mt19937& random) {
     constexpr int kDigitsOfDouble = 53, kDigitsOfCount = 10;
-    return kDigitsOfDouble - kDigitsOfCount - digits + static_cast<int>(random() % 6) - 3;
+    return kDigitsOfDouble - kDigitsOfCount - kDigits + static_cast<int>(random() % 8) - 4;
 }
 
 TEST(ValueStatistics, AreThoseOfThePlainLoopWhereSumsAreBarelyExact) {
     std::mt19937 random(31);
     for (int round = 0; round < 1500; ++round) {
-        const int digits = static_cast<int>(random() % 24);
-        RandomField field = {digits, 0, octavesOfBarelyExactSums(random, digits), round % 3 == 0};
+        RandomField field = {kDigits, 0, octavesOfBarelyExactSums(random), round % 3 == 0};
         // Among others where the last digit is that of the least float.
-        const int leastLowest = -149 + digits;
+        const int leastLowest = -149 + kDigits;
         field.lowest = round % 4 == 0 ? leastLowest : static_cast<int>(random() % 80) - 60;
         Values values;
         for (auto blocks = 1 + random() % 4; blocks > 0; --blocks) {
@@ -97,13 +98,18 @@ TEST(ValueStatistics, AreThoseOfThePlainLoopBehindAFinerSum) {
     }
 }
 
-// The sum passes 2^53, above which ones are lost when they come one by one.
-TEST(ValueStatistics, OnesBehindALargeSumAreAddedInOrder) {
-    for (const float size : {0.9f, 1.0f, 1.1f, 1.25f, 1.4f, 1.6f, 2.0f}) {
-        for (const std::size_t ones : {1U, 2U, 3U, 100U}) {
-            Values values(kBlock, std::ldexp(size, 43));
-            std::fill(values.end() - static_cast<std::ptrdiff_t>(ones), values.end(), 1.0f);
-            checkStatistics(values);
+// The sum passes 2^53 last digits of the smallest values, which lose theirs when they come one by
+// one.
+TEST(ValueStatistics, SmallValuesBehindALargeSumAreAddedInOrder) {
+    for (const float size : {0.9f, 1.0f, 1.1f, 1.25f, 1.4f, 1.6f, 2.0f, 3.0f}) {
+        for (const std::ptrdiff_t count : {1, 2, 3, 100}) {
+            for (const int lastDigit : {0, 20, -60, -148, -149}) {
+                Values values(kBlock, std::ldexp(size, lastDigit + 43));
+                std::fill(values.end() - count, values.end(), std::ldexp(8388609.0f, lastDigit));
+                checkStatistics(values);
+                std::fill(values.end() - count, values.end(), std::ldexp(1.0f, lastDigit));
+                checkStatistics(values);
+            }
         }
     }
 }
