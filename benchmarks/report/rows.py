@@ -7,7 +7,8 @@ note     said of all its rows
 differs  by peer, what that peer's result means instead; such a peer never counts as ahead
 limit    "read" where the work only reads; else the limit is a copy
 target   the time aimed at: "ratio" to that "of" the limit, the best peer, or a peer by its name;
-         of two ratios the second holds for n beyond "inside" (else INSIDE_CACHE)
+         of two ratios the second holds for n beyond "inside" (else INSIDE_CACHE); not aimed at
+         by the library with other settings
 items    "queries" where an item is a query to n points, not one of n items
 growth   false where n is not a length
 variants what further arguments mean, such as "probes:0"
@@ -74,7 +75,7 @@ class Row:
     def target(self):
         """The time aimed at, from a ratio that is stated against the limit or a peer; or None."""
         stated = self.notes.get("target")
-        if not stated:
+        if not stated or self.library.who != LIBRARY:
             return None
         base = self._base(stated["of"])
         beyond = self.n > stated.get("inside", INSIDE_CACHE)

@@ -80,7 +80,7 @@ def check_rows(found):
     check("times faster", first.times_faster, 0.5)
     check("behind", [row.peer_is_ahead for row in made], [True, False, False, False])
     check("limit", (first.limit.who, first.share_of_limit), ("copy", 0.25))
-    check("targets", (first.target, find.target), (2.0, 4.0))
+    check("targets", (first.target, find.target, variant.target), (2.0, 4.0, None))
     check("peers of another work", [peer.who for peer in find.peers],
           ["same again", "other", "same"])
     check("more arguments", [peer.ns for peer in probes.peers], [3.0])

@@ -1,4 +1,5 @@
-// The library's operations, and the time of copying as many bytes as each reads and writes.
+// The library's operations, each on two vector units, and the time of copying as many bytes as each
+// reads and writes.
 
 #include <map>
 #include <memory>
@@ -7,6 +8,7 @@
 #include <qel/FloatQELVectorConcrete.h>
 #include <qel/TensorEigenizer.h>
 
+#include "platform/VectorUnit.h"
 #include "support/Bandwidth.h"
 #include "tensor/TensorField.h"
 
@@ -60,11 +62,23 @@ struct Setting {
     TripletQELVector triplets;
 };
 
+// On the machine's widest vector unit, and on AVX2 if that is another.
 template <typename Operation>
-int addOwn(const char* work, Operation operation) {
-    return add(work, "qel", [operation](const TensorField& field) {
+void addOwn(const char* work, Operation operation) {
+    add(work, "qel", [operation](const TensorField& field) {
         auto setting = std::make_shared<Setting>(field.n);
         return [operation, setting] { operation(*setting); };
+    });
+    if (qel::vectorUnit() != qel::VectorUnit::avx512) {
+        return;
+    }
+    add(work, "qel_on_AVX2", [operation](const TensorField& field) {
+        auto setting = std::make_shared<Setting>(field.n);
+        return [operation, setting] {
+            qel::forceVectorUnit(qel::VectorUnit::avx2);
+            operation(*setting);
+            qel::restoreVectorUnit();
+        };
     });
 }
 

@@ -14,6 +14,7 @@
 
 #include "arrays/RoundedSum.h"
 
+#include "platform/FloatBits.h"
 #include "platform/VectorUnit.h"
 
 #if defined(QEL_VECTOR_UNITS)
@@ -21,7 +22,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 
 #include <immintrin.h>
 
@@ -32,12 +32,6 @@ constexpr std::size_t kLanes = 8;
 constexpr __mmask8 kAllLanes = 0xff;
 constexpr __mmask8 kHalfOfLanes = 0xf;
 constexpr std::size_t kRun = 32; // longer ones meet more halfway values and leave more often
-
-QEL_KERNEL std::uint64_t bitsOf(double value) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
 
 // The interval from 2^e to 2^(e+1) on which the doubles are evenly spaced.
 struct Binade {
@@ -59,10 +53,7 @@ struct Binade {
 private:
     QEL_KERNEL static double lowOf(double sum) {
         constexpr std::uint64_t kExponentBits = 0x7ff0000000000000;
-        const std::uint64_t bits = bitsOf(sum) & kExponentBits;
-        double low;
-        std::memcpy(&low, &bits, sizeof low);
-        return low;
+        return doubleOf(bitsOf(sum) & kExponentBits);
     }
 };
 

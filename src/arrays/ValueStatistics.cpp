@@ -12,10 +12,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
 #include "arrays/RoundedSum.h"
+#include "platform/FloatBits.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
@@ -29,18 +29,6 @@ constexpr std::int32_t kInfinityKey = 0x7f800000;
 constexpr std::int32_t kUndefinedKey = 0x7f7fffff;
 constexpr std::int32_t kLargestKey = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kSmallestKey = std::numeric_limits<std::int32_t>::min();
-
-QEL_KERNEL std::int32_t bitsOf(float value) {
-    std::int32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
-}
-
-float floatOf(std::int32_t bits) {
-    float value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
 
 // A key is its own inverse.
 QEL_KERNEL std::int32_t keyOf(std::int32_t bits) {

@@ -185,7 +185,7 @@ void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& di
 void ParametricCurve::rotateAroundVector(const Point& centre, const Point& axis, double angle) {
     Point unit = axis;
     unit.normalize();
-    rotatePoints(points_, rotationAbout(centre, unit, angle));
+    rotatePoints(points_.data(), points_.size(), rotationAbout(centre, unit, angle));
 }
 
 void ParametricCurve::storeSvaluetoXandXToY() {

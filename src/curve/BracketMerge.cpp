@@ -1,21 +1,17 @@
 #include "curve/BracketMerge.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 
+#include "platform/FloatBits.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kPieces = 6; // as many as the registers hold
-
-// Numbers that are not negative have the order of their bits, which compare faster.
-std::uint64_t bitsOf(const double* value) {
-    std::uint64_t bits;
-    std::memcpy(&bits, value, sizeof bits);
-    return bits;
-}
 
 // Compares all neighbours, so that lanes help.
 struct SortedKernel {
@@ -28,32 +24,20 @@ struct SortedKernel {
     }
 };
 
-// By a sample of the steps; at random, hardly any list passes.
-bool lookEven(const double* parameters) {
-    constexpr std::size_t kLast = BracketBlock::kCount - 1;
-    constexpr std::size_t kSample = 32;
-    const double mean = (parameters[kLast] - parameters[0]) / kLast;
-    for (std::size_t k = 0; k < kLast; k += kSample) {
-        const double step = parameters[k + 1] - parameters[k];
-        if (!(step <= 2.0 * mean && 2.0 * step >= mean)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 } // namespace
 
-bool isWorthMerging(const double* parameters) {
-    return !lookEven(parameters) && onVectorUnit<SortedKernel>(parameters);
+bool areSorted(const double* parameters) {
+    return onVectorUnit<SortedKernel>(parameters);
 }
 
 class BracketMerge {
 public:
     static constexpr std::size_t kCount = BracketBlock::kCount;
 
-    BracketMerge(const double* svalues, std::size_t count, BracketBlock& block)
-        : svalues_(svalues), count_(count), block_(block), parameters_(block.words_) {
+    BracketMerge(const double* svalues, std::size_t count, const double* parameters,
+                 BracketBlock& block)
+        : svalues_(svalues), count_(count), block_(block), parameters_(block.parameterBits()) {
+        std::memcpy(parameters_, parameters, kCount * sizeof *parameters);
         parameters_[kCount] = std::numeric_limits<std::uint64_t>::max(); // above all s-values
     }
 
@@ -89,12 +73,12 @@ private:
         void step(const double* sOfBlock, std::uint64_t* parameters, std::size_t steps) {
             const std::size_t k = first + steps - svalues;
             parameters[k + BracketBlock::kHalf] = svalues;
-            svalues += bitsOf(sOfBlock + svalues) <= parameters[k] ? 1 : 0;
+            svalues += bitsOf(sOfBlock[svalues]) <= parameters[k] ? 1 : 0;
         }
     };
 
     bool isNotAbove(std::size_t svalue, std::size_t parameter) const {
-        return bitsOf(svalues_ + svalue) <= parameters_[parameter];
+        return bitsOf(svalues_[svalue]) <= parameters_[parameter];
     }
 
     // The place after so many steps: as few parameters as leave no s-value out of order.
@@ -140,7 +124,7 @@ private:
     struct WeightKernel {
         QEL_KERNEL static void run(const double* svalues, BracketBlock* block) {
             double parameters[kCount];
-            std::memcpy(parameters, block->words_, sizeof parameters);
+            std::memcpy(parameters, block->parameterBits(), sizeof parameters);
             // Apart from the divisions, as gathering in lanes is slower than reading one by one.
             double low[kCount];
             double high[kCount];
@@ -150,7 +134,7 @@ private:
                 high[k] = above[0];
             }
             for (std::size_t k = 0; k < kCount; ++k) {
-                block->weights_[k] = (parameters[k] - low[k]) / (high[k] - low[k]);
+                block->weights()[k] = (parameters[k] - low[k]) / (high[k] - low[k]);
             }
         }
     };
@@ -161,8 +145,9 @@ private:
     std::uint64_t* parameters_;
 };
 
-void mergeBrackets(const double* svalues, std::size_t count, BracketBlock& block) {
-    BracketMerge(svalues, count, block).run();
+void mergeBrackets(const double* svalues, std::size_t count, const double* parameters,
+                   BracketBlock& block) {
+    BracketMerge(svalues, count, parameters, block).run();
 }
 
 } // namespace qel

@@ -12,6 +12,9 @@
 // all its bounds are below H*H*(1 - 2^-49) for a distance H that some vertex has (or must exceed):
 // then sqrt(r) < H*(1 - 4u), which rounds to less than H. For this to hold nothing may overflow
 // or underflow: see isRegular and kLargestSum; all else takes the plain loop or a full scan.
+//
+// With the index of RunSegments.h, whole runs drop out first, by bounds that hold for the same
+// reason; those that are left are scanned as blocks are.
 
 #include "curve/FarthestVertex.h"
 
@@ -26,11 +29,9 @@ namespace {
 
 constexpr std::size_t kBlock = 64;         // vertices that share one bound
 constexpr std::size_t kBlocks = 64;        // bounds held at a time
-constexpr std::size_t kRuns = 256;         // runs of RunSegments.h taken together
 constexpr std::size_t kFewRuns = 4;        // below, blocks are as fast
 constexpr std::size_t kLanes = 8;          // doubles of the widest unit
 constexpr std::size_t kShortRun = 48;      // below, the plain loop is as fast
-constexpr double kSlack = 0x1p-46;         // of ww
 constexpr double kBelow = 1.0 - 0x1p-49;   // of the square of a distance to be exceeded
 constexpr double kLargestSum = 1e300;      // of ww over a block: no term overflows below it
 constexpr double kLargestLength = 1e140;   // of a chord and its tolerance
@@ -58,7 +59,7 @@ QEL_KERNEL double blockBound(const Point* p, std::size_t count, const Chord& cho
         const double z = p[k].z - start.z;
         const double along = (x * e.x + y * e.y + z * e.z) * inverse;
         ww[k] = x * x + y * y + z * z;
-        bound[k] = ww[k] * (1.0 + kSlack) - along * along;
+        bound[k] = ww[k] * (1.0 + kBoundSlack) - along * along;
     }
     const std::size_t padded = (count + kLanes - 1) / kLanes * kLanes;
     for (std::size_t k = count; k < padded; ++k) {
@@ -168,38 +169,10 @@ struct BlocksKernel {
 
 // -- Whole runs ----
 
-// Squares of bounds on the distances of the vertices in runs, see RunSegments.h; infinite for NaN.
-QEL_KERNEL void runBounds(const RunSegments::View& runs, std::size_t first, std::size_t count,
-                          const Chord& chord, double* bounds) {
-    constexpr double kOfOffset = 0x1p-50;
-    constexpr double kOfBound = 1.0 + 0x1p-40;
-    double ww[kRuns + 1];
-    double d2[kRuns + 1];
-    const Point start = chord.start;
-    const Point e = chord.direction;
-    const double inverse = 1.0 / chord.length;
-    for (std::size_t k = 0; k <= count; ++k) {
-        const double x = runs.x[first + k] - start.x;
-        const double y = runs.y[first + k] - start.y;
-        const double z = runs.z[first + k] - start.z;
-        const double along = (x * e.x + y * e.y + z * e.z) * inverse;
-        ww[k] = x * x + y * y + z * z;
-        const double bound = ww[k] * (1.0 + kSlack) - along * along;
-        d2[k] = bound < 0.0 ? 0.0 : bound;
-    }
-    for (std::size_t k = 0; k < count; ++k) {
-        const double stray = runs.stray[first + k];
-        const double offset = std::sqrt(ww[k] + ww[k + 1]) + stray; // NaN if one is
-        const double farther = d2[k] > d2[k + 1] ? d2[k] : d2[k + 1];
-        const double distance = std::sqrt(farther) + stray + offset * kOfOffset;
-        const double bound = (distance * distance + offset * offset * kSlack) * kOfBound;
-        bounds[k] = bound < kInfinity ? bound : kInfinity;
-    }
-}
-
 // The vertices of one run, once more by a bound of their own.
 QEL_KERNEL void takeFarthestOfRun(const Point* p, std::size_t first, const Chord& chord,
                                   FarthestVertex& farthest) {
+    static_assert(RunSegments::kRun <= kBlock, "a run is taken as a block");
     const double bound = blockBound(p + first, RunSegments::kRun, chord);
     if (!(bound < cutoffOf(chord, farthest.distance))) {
         takeFarthestOfBlock(p, first, RunSegments::kRun, chord, farthest);
@@ -207,17 +180,11 @@ QEL_KERNEL void takeFarthestOfRun(const Point* p, std::size_t first, const Chord
 }
 
 struct RunsKernel {
-    QEL_KERNEL static void run(const Point* p, RunSegments::View runs, std::size_t first,
-                               std::size_t last, Chord chord, FarthestVertex* farthest) {
-        for (std::size_t r = first; r < last; r += kRuns) {
-            const std::size_t count = std::min(kRuns, last - r);
-            double bounds[kRuns];
-            runBounds(runs, r, count, chord, bounds);
-            takeByBounds(bounds, count, chord, *farthest,
-                         [&](std::size_t k, FarthestVertex& vertex) {
-                             takeFarthestOfRun(p, (r + k) * RunSegments::kRun, chord, vertex);
-                         });
-        }
+    QEL_KERNEL static void run(const Point* p, std::size_t firstRun, const double* bounds,
+                               std::size_t count, Chord chord, FarthestVertex* farthest) {
+        takeByBounds(bounds, count, chord, *farthest, [&](std::size_t r, FarthestVertex& vertex) {
+            takeFarthestOfRun(p, (firstRun + r) * RunSegments::kRun, chord, vertex);
+        });
     }
 };
 
@@ -251,7 +218,12 @@ void takeFarthest(const Points& points, const RunSegments& runs, std::size_t fir
         return;
     }
     takeFarthest(points, first, firstRun * RunSegments::kRun, chord, farthest);
-    onVectorUnit<RunsKernel>(points.data(), runs.view(), firstRun, lastRun, chord, &farthest);
+    for (std::size_t r = firstRun; r < lastRun; r += RunSegments::kMostRuns) {
+        const std::size_t count = std::min(RunSegments::kMostRuns, lastRun - r);
+        double bounds[RunSegments::kMostRuns];
+        runs.squaredBounds(chord, r, count, bounds);
+        onVectorUnit<RunsKernel>(points.data(), r, bounds, count, chord, &farthest);
+    }
     takeFarthest(points, lastRun * RunSegments::kRun, last, chord, farthest);
 }
 

@@ -11,6 +11,8 @@
 
 namespace qel {
 
+class RunSegments;
+
 /// The line that vertices are measured from, and the distance that counts as none.
 struct Chord {
     Point start;            ///< where the vertices' offsets w start
@@ -41,6 +43,14 @@ void takeFarthestPlainly(const Points& points, std::size_t first, std::size_t la
 /// The same result in every bit on every vector unit, at about a tenth of the time on long runs.
 void takeFarthest(const Points& points, std::size_t first, std::size_t last, const Chord& chord,
                   FarthestVertex& farthest);
+
+/// The same once more, with an index of the points for where there are many searches.
+void takeFarthest(const Points& points, const RunSegments& runs, std::size_t first,
+                  std::size_t last, const Chord& chord, FarthestVertex& farthest);
+
+/// What a bound on the squared distance of a vertex has to exceed |w|^2 - (w . e)^2 / L^2 by, as a
+/// share of |w|^2, so that rounding is on the safe side: see FarthestVertex.cpp.
+constexpr double kBoundSlack = 0x1p-46;
 
 } // namespace qel
 

@@ -4,19 +4,20 @@
 /// @file
 /// Fast road: the points at many parameters of one curve.
 ///
-/// Blocks of sorted parameters take their brackets from a merge, see BracketMerge.h. Else, where
-/// the next parameter lies near the one before, a few steps along the s-values find its bracket at
-/// the cost of a comparison each, in place of two binary searches through all of them. The bracket
-/// is the same one: among s-values in order there is only one place where they pass s, however it
-/// is found. A parameter that is not near is searched for as ParametricCurve::getPointAtParameter
-/// does, and so are all of them where s-values are not in order (a NaN among those supplied) or too
-/// few are asked for to pay for making sure.
+/// Blocks of parameters take their brackets from windows, a merge or a search of many at once: see
+/// BracketWindows.h, BracketMerge.h and BracketSearch.h. Else, where the next parameter lies near
+/// the one before, a few steps along the s-values find its bracket at the cost of a comparison
+/// each, in place of two binary searches through all of them. The bracket is the same one: among
+/// s-values in order there is only one place where they pass s, however it is found. A parameter
+/// that is not near is searched for as ParametricCurve::getPointAtParameter does, and so are all of
+/// them where s-values are not in order (a NaN among those supplied) or too few are asked for to
+/// pay for making sure.
 
 #include <cstddef>
 #include <vector>
 
 #include "curve/Bracket.h"
-#include "curve/BracketMerge.h"
+#include "curve/BracketBlock.h"
 #include "curve/Conversions.h"
 
 namespace qel {
@@ -49,21 +50,8 @@ public:
         }
     }
 
-    /// The same for a list, the point being at(parameters[k]).
-    template <typename Emit>
-    void forEach(std::size_t begin, std::size_t end, const double* parameters, Emit emit) {
-        const auto parameterAt = [parameters](std::size_t k) { return parameters[k]; };
-        std::size_t k = begin;
-        for (; merges() && end - k >= BracketBlock::kCount; k += BracketBlock::kCount) {
-            BracketBlock block;
-            if (const double* const svalues = findBrackets(parameters + k, block)) {
-                emitBlock(svalues, block, k, emit);
-            } else {
-                forEach(k, k + BracketBlock::kCount, parameterAt, emit);
-            }
-        }
-        forEach(k, end, parameterAt, emit);
-    }
+    /// Sets out[k] to at(parameters[k]) for a list of parameters.
+    void pointsAt(const double* parameters, std::size_t count, Point* out);
 
 private:
     static constexpr std::size_t kSearchPays = 16; // points of the curve for each one asked for
@@ -78,24 +66,24 @@ private:
 
     static Order orderOf(const std::vector<double>& svalues);
 
-    bool merges() const { return order_ == Order::strict && s_[0] >= 0.0; }
+    // Sets the first points of a list by blocks; returns how many, at most a block.
+    std::size_t pointsOfBlock(const double* parameters, std::size_t count, Point* out);
 
-    // Fills the block with parameters and their brackets, if that is worth it and they lie inside
-    // the curve and not too far apart. Returns the first s-value above the first of them; else
-    // null.
-    const double* findBrackets(const double* parameters, BracketBlock& block);
+    // The same for a whole block of parameters in any order.
+    std::size_t pointsBySearch(const double* parameters, BracketBlock& block, Point* out);
+
+    // Whether a block from an s-value on to its last parameter takes no more s-values than that.
+    bool isWithin(double last, std::size_t above, std::size_t svaluesForEach) const;
+
+    // Finds the brackets of a block of parameters, of which the first has the s-value above it, if
+    // they are worth merging, inside the curve and not too far apart.
+    bool merge(const double* parameters, std::size_t above, BracketBlock& block);
+
+    // Strictly between the first and the last s-value.
+    bool isInside(double s) const { return s > svalues_.front() && s < svalues_.back(); }
 
     // The first index from the given one on whose s-value is greater than s, which one has.
     std::size_t firstAbove(double s, std::size_t from) const;
-
-    template <typename Emit>
-    void emitBlock(const double* svalues, const BracketBlock& block, std::size_t k, Emit emit) {
-        const Point* const points = p_ + (svalues - s_);
-        for (std::size_t i = 0; i < BracketBlock::kCount; ++i) {
-            const Point* const hi = points + block.above(i);
-            emit(k + i, hi[-1] + (hi[0] - hi[-1]) * block.weight(i));
-        }
-    }
 
     // Emits points as long as the next parameter is near and its bracket plain; returns the first
     // k that is left to at(). What changes stands in locals: nothing waits for memory.

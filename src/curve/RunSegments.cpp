@@ -54,6 +54,43 @@ struct StrayKernel {
     }
 };
 
+// Ends and strays of runs, from the first that is asked for.
+struct Runs {
+    const double* x;
+    const double* y;
+    const double* z;
+    const double* stray;
+};
+
+struct BoundsKernel {
+    QEL_KERNEL static void run(Runs runs, std::size_t count, Chord chord, double* bounds) {
+        constexpr double kOfOffset = 0x1p-50;
+        constexpr double kOfBound = 1.0 + 0x1p-40;
+        double ww[RunSegments::kMostRuns + 1];
+        double d2[RunSegments::kMostRuns + 1];
+        const Point start = chord.start;
+        const Point e = chord.direction;
+        const double inverse = 1.0 / chord.length;
+        for (std::size_t k = 0; k <= count; ++k) {
+            const double x = runs.x[k] - start.x;
+            const double y = runs.y[k] - start.y;
+            const double z = runs.z[k] - start.z;
+            const double along = (x * e.x + y * e.y + z * e.z) * inverse;
+            ww[k] = x * x + y * y + z * z;
+            const double bound = ww[k] * (1.0 + kBoundSlack) - along * along;
+            d2[k] = bound < 0.0 ? 0.0 : bound;
+        }
+        for (std::size_t k = 0; k < count; ++k) {
+            const double stray = runs.stray[k];
+            const double offset = std::sqrt(ww[k] + ww[k + 1]) + stray; // NaN if one is
+            const double farther = d2[k] > d2[k + 1] ? d2[k] : d2[k + 1];
+            const double distance = std::sqrt(farther) + stray + offset * kOfOffset;
+            const double bound = (distance * distance + offset * offset * kBoundSlack) * kOfBound;
+            bounds[k] = bound < kInfinity ? bound : kInfinity;
+        }
+    }
+};
+
 } // namespace
 
 RunSegments::RunSegments(const Points& points)
@@ -67,6 +104,13 @@ RunSegments::RunSegments(const Points& points)
         z_.push_back(points[k].z);
     }
     onVectorUnit<StrayKernel>(points.data(), size(), strays_.data());
+}
+
+void RunSegments::squaredBounds(const Chord& chord, std::size_t first, std::size_t count,
+                                double* bounds) const {
+    const Runs runs = {x_.data() + first, y_.data() + first, z_.data() + first,
+                       strays_.data() + first};
+    onVectorUnit<BoundsKernel>(runs, count, chord, bounds);
 }
 
 } // namespace qel

@@ -33,27 +33,20 @@ public:
     /// Run r holds the vertices from r * kRun to (r + 1) * kRun, which is the next one's first.
     std::size_t size() const { return strays_.size(); }
 
-    /// What a search reads: the ends of the runs, one more than these, and their strays.
-    struct View {
-        const double* x;
-        const double* y;
-        const double* z;
-        const double* stray;
-    };
-    View view() const { return {x_.data(), y_.data(), z_.data(), strays_.data()}; }
+    /// Bounds on the squared distances from a chord of the vertices in runs; infinite for NaN.
+    ///
+    /// @param count  up to kMostRuns
+    void squaredBounds(const Chord& chord, std::size_t first, std::size_t count,
+                       double* bounds) const;
+    static constexpr std::size_t kMostRuns = 256;
 
 private:
+    // The ends of the runs, one more than these, and how far vertices lie from the segments.
     std::vector<double> x_;
     std::vector<double> y_;
     std::vector<double> z_;
     std::vector<double> strays_;
 };
-
-/// The result of takeFarthest(points, first, last, chord, farthest) in every bit.
-///
-/// @param runs  of the points
-void takeFarthest(const Points& points, const RunSegments& runs, std::size_t first,
-                  std::size_t last, const Chord& chord, FarthestVertex& farthest);
 
 } // namespace qel
 

@@ -3,6 +3,7 @@
 
 #include <qel/ParametricCurve.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "curve/Conversions.h"
@@ -19,18 +20,16 @@ internal::error sizeBelowTwo(const char* methodName) {
     return {"ParametricCurve", methodName, "Requested size less than 2.", argumentError};
 }
 
-// Fills out[k] from the point at parameter k, or from the curve's own end at the first and the
-// last k with keepEnds. In order, so that out may be the vector of parameters itself.
-template <typename T, typename Take>
+// Sets out[k] to the point at parameter k, or to the curve's own end at the first and the last k
+// with keepEnds.
 void sample(ParameterWalk& walk, const Points& points, const std::vector<double>& parameters,
-            bool keepEnds, std::vector<T>& out, Take take) {
+            bool keepEnds, Points& out) {
     const std::size_t last = parameters.size() - 1;
     out.resize(parameters.size());
-    T* const to = out.data();
     const double* const s = parameters.data();
-    to[0] = take(keepEnds ? points.front() : walk.at(s[0]));
-    walk.forEach(1, last, s, [to, take](std::size_t k, const Point& p) { to[k] = take(p); });
-    to[last] = take(keepEnds ? points.back() : walk.at(s[last]));
+    out[0] = keepEnds ? points.front() : walk.at(s[0]);
+    walk.pointsAt(s + 1, last - 1, out.data() + 1);
+    out[last] = keepEnds ? points.back() : walk.at(s[last]);
 }
 
 // For each inner point, the step chosen over the sum of the steps before and after it.
@@ -60,13 +59,17 @@ void ParametricCurve::getCurveForEquidistantS(Points& points, int count) const {
     const auto last = static_cast<std::size_t>(count) - 1;
     const double h = 1.0 / static_cast<double>(last);
     points.resize(last + 1);
+    points[0] = points_.front();
     ParameterWalk walk(points_, svalues_, last);
-    Point* const to = points.data();
-    to[0] = points_.front();
-    walk.forEach(
-        1, last, [h](std::size_t k) { return static_cast<double>(k) * h; },
-        [to](std::size_t k, const Point& p) { to[k] = p; });
-    to[last] = points_.back();
+    double parameters[BracketBlock::kCount];
+    for (std::size_t k = 1; k < last; k += BracketBlock::kCount) {
+        const std::size_t n = std::min(BracketBlock::kCount, last - k);
+        for (std::size_t i = 0; i < n; ++i) {
+            parameters[i] = static_cast<double>(static_cast<int>(k + i)) * h;
+        }
+        walk.pointsAt(parameters, n, points.data() + k);
+    }
+    points[last] = points_.back();
 }
 
 void ParametricCurve::getCurveForEquidistantS(FloatPoints& points, int count) const {
@@ -84,7 +87,7 @@ void ParametricCurve::getCurveBySvalues(Points& points, const std::vector<double
         throw sizeBelowTwo("getCurveBySvalues");
     }
     ParameterWalk walk(points_, svalues_, svalues.size());
-    sample(walk, points_, svalues, keepEnds, points, [](const Point& p) { return p; });
+    sample(walk, points_, svalues, keepEnds, points);
 }
 
 void ParametricCurve::getCurveBySvalues(FloatPoints& points, const std::vector<double>& svalues,
@@ -100,8 +103,20 @@ void ParametricCurve::getCurveXBySvalues(std::vector<double>& xs,
         xs.clear();
         throw sizeBelowTwo("getCurveXBySvalues");
     }
+    const std::size_t last = svalues.size() - 1;
+    xs.resize(svalues.size());
     ParameterWalk walk(points_, svalues_, svalues.size());
-    sample(walk, points_, svalues, keepEnds, xs, [](const Point& p) { return p.x; });
+    // In order, block by block, so that xs may be svalues itself.
+    xs[0] = keepEnds ? points_.front().x : walk.at(svalues[0]).x;
+    Point points[BracketBlock::kCount];
+    for (std::size_t k = 1; k < last; k += BracketBlock::kCount) {
+        const std::size_t n = std::min(BracketBlock::kCount, last - k);
+        walk.pointsAt(svalues.data() + k, n, points);
+        for (std::size_t i = 0; i < n; ++i) {
+            xs[k + i] = points[i].x;
+        }
+    }
+    xs[last] = keepEnds ? points_.back().x : walk.at(svalues[last]).x;
 }
 
 ParametricCurve* ParametricCurve::createNewCurveBySvalues(const std::vector<double>& svalues,

@@ -12,9 +12,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "foundation/Decade.h"
+#include "platform/FloatBits.h"
 
 namespace qel {
 
@@ -32,9 +32,7 @@ public:
     double decadeOf(double x) const {
         constexpr int kDigitBits = 52;
         constexpr std::uint64_t kExponentOfLowest = 1023 - kOctavesBelowOne;
-        std::uint64_t bits;
-        std::memcpy(&bits, &x, sizeof bits);
-        const std::uint64_t octave = (bits >> kDigitBits) - kExponentOfLowest;
+        const std::uint64_t octave = (bitsOf(x) >> kDigitBits) - kExponentOfLowest;
         if (octave >= kOctaves) { // or below, which wraps around
             return decadeStepByStep(x);
         }

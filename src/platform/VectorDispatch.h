@@ -9,8 +9,8 @@
 ///     };
 ///     onVectorUnit<Steps>(x, n, steps);
 ///
-/// The functions below are the one-line functions per unit that VectorUnit.h describes, once for
-/// all kernels.
+/// The functions per unit below serve all kernels; a unit that wants a kernel of its own is given
+/// it by name.
 
 #include "platform/VectorUnit.h"
 

@@ -5,16 +5,9 @@
 /// Choice of the vector unit at run time.
 ///
 /// One binary built for plain x86-64 runs its hot loops on the widest unit that the machine has.
-/// A loop is written once as an inline function, marked QEL_KERNEL, and compiled for each unit by
-/// a one-line function with that unit's attribute, which is never called on a machine without the
-/// unit:
-///
-///     QEL_KERNEL void steps(...) { ... }               // the loop
-///     void stepsPortable(...) { steps(...); }
-///     #if defined(QEL_VECTOR_UNITS)
-///     QEL_AVX2 void stepsAvx2(...) { steps(...); }
-///     QEL_AVX512 void stepsAvx512(...) { steps(...); }
-///     #endif
+/// A loop is written once as an inline function, marked QEL_KERNEL, and compiled for each unit as
+/// part of a function with that unit's attribute, which is never called on a machine without the
+/// unit: see VectorDispatch.h.
 ///
 /// A lambda of such a loop is marked QEL_KERNEL_LAMBDA, behind its parameters.
 ///
@@ -37,6 +30,13 @@ namespace qel {
 #else
 #define QEL_KERNEL inline
 #define QEL_KERNEL_LAMBDA
+#endif
+
+// Whether kernels can shuffle the lanes of registers that they name themselves.
+#if defined(QEL_VECTOR_UNITS) && defined(__has_builtin)
+#if __has_builtin(__builtin_shufflevector)
+#define QEL_SHUFFLES 1
+#endif
 #endif
 
 enum class VectorUnit { portable = 0, avx2 = 1, avx512 = 2 };

@@ -5,10 +5,10 @@
 
 #include "platform/Buffer.h"
 #include "spatial/BlockFill.h"
+#include "spatial/BoxTree.h"
 #include "spatial/CellSort.h"
 #include "spatial/DigitSort.h"
 #include "spatial/KeyRuns.h"
-#include "spatial/NearestIndex.h"
 
 namespace qel {
 namespace {

@@ -57,7 +57,7 @@ void fillBlock(PointBlock& block, const PlanePoint* points, int count) {
         block.x[i] = p.x;
         block.y[i] = p.y;
         block.index[i] = p.index;
-        block.leaf[i] = p.cell;
+        block.leaf[i] = p.group;
     }
 }
 

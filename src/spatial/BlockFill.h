@@ -7,7 +7,8 @@
 
 #include <cstddef>
 
-#include "spatial/NearestIndex.h"
+#include "spatial/BoxTree.h"
+#include "spatial/LeafOrder.h"
 
 namespace qel {
 

@@ -7,6 +7,7 @@
 #include "spatial/BoxTreeBuilder.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -44,18 +45,19 @@ public:
     BoxTree build() {
         tree_.reserve(blocks_.size() / 6 + 2, blocks_.size());
         QuadRectangle box;
-        addNode({0, blocks_.size(), keyBits_}, box);
+        addNode({0, blocks_.size(), keyBits_}, 0, box);
         return std::move(tree_);
     }
 
 private:
     // Adds the node over a run and all below it, blocks first; returns the line of the node and
     // the box of its points.
-    std::uint32_t addNode(const Run& whole, QuadRectangle& box) {
+    std::uint32_t addNode(const Run& whole, int depth, QuadRectangle& box) {
+        assert(depth < BoxTree::kMaxHeight);
         Run runs[kLanes];
         const int count = splitIntoRuns(whole, runs);
         const std::uint32_t line = tree_.addNode();
-        nameStart(line, whole);
+        addStart(line, whole);
         BoxNode node;
         box = kEmptyBox;
         for (int lane = 0; lane < count; ++lane) {
@@ -66,42 +68,46 @@ private:
         for (int lane = 0; lane < count; ++lane) {
             if (runs[lane].count() > 1) {
                 QuadRectangle childBox;
-                node.child[lane] = addNode(runs[lane], childBox);
-                setBox(node, lane, childBox);
-                extend(box, childBox);
+                node.child[lane] = addNode(runs[lane], depth + 1, childBox);
+                setBox(node, lane, childBox, box);
             }
         }
-        for (int lane = count; lane < kLanes; ++lane) {
-            node.child[lane] = 0;
-            setBox(node, lane, kEmptyBox);
-        }
+        leaveEmpty(node, count);
         tree_.node(line) = node;
         return line;
     }
 
-    void addBlock(const BlockRun& run, BoxNode& node, int lane, QuadRectangle& box) {
+    void addBlock(const BlockRun& run, BoxNode& node, int lane, QuadRectangle& whole) {
         const std::uint32_t line = tree_.addBlock();
         const PlanePoint* const points = points_ + run.begin;
         fillBlock(tree_.block(line), points, static_cast<int>(run.count));
-        const QuadRectangle blockBox = boxOf(points, run.count);
         node.child[lane] = BoxNode::kBlock + line;
-        setBox(node, lane, blockBox);
-        extend(box, blockBox);
+        setBox(node, lane, boxOf(points, run.count), whole);
     }
 
-    static void setBox(BoxNode& node, int lane, const QuadRectangle& box) {
+    // Sets the box of a child, which the box of the node takes in.
+    static void setBox(BoxNode& node, int lane, const QuadRectangle& box, QuadRectangle& whole) {
         node.xmin[lane] = box.xmin;
         node.ymin[lane] = box.ymin;
         node.xmax[lane] = box.xmax;
         node.ymax[lane] = box.ymax;
+        extend(whole, box);
+    }
+
+    static void leaveEmpty(BoxNode& node, int firstLane) {
+        QuadRectangle none = kEmptyBox;
+        for (int lane = firstLane; lane < kLanes; ++lane) {
+            node.child[lane] = 0;
+            setBox(node, lane, kEmptyBox, none);
+        }
     }
 
     // Cells begin above the bits within a cell.
-    void nameStart(std::uint32_t line, const Run& run) {
+    void addStart(std::uint32_t line, const Run& run) {
         if (run.count() > 0 && run.freeBits >= kBitsInCell) {
             const auto cell = static_cast<std::uint32_t>(blocks_[run.begin].key >> kBitsInCell);
             for (StartTable& table : starts_) {
-                table.name(line, cell, run.freeBits - kBitsInCell);
+                table.add(line, cell, run.freeBits - kBitsInCell);
             }
         }
     }

@@ -4,8 +4,8 @@
 /// @file
 /// Builds the boxes of NearestIndex over sorted points.
 
+#include "spatial/BoxTree.h"
 #include "spatial/LeafOrder.h"
-#include "spatial/NearestIndex.h"
 #include "spatial/StartTable.h"
 
 namespace qel {

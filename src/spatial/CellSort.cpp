@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "platform/Buffer.h"
+#include "platform/VectorDispatch.h"
 #include "spatial/DigitSort.h"
 
 namespace qel {
@@ -17,12 +18,12 @@ constexpr int kSinglePassBits = 10;
 constexpr std::size_t kShortRun = 32; // sorted by comparisons
 
 bool isInCellOrder(const PlanePoint& a, const PlanePoint& b) {
-    return a.cell < b.cell;
+    return a.group < b.group;
 }
 
 void dealByCells(const PlanePoint* from, PlanePoint* to, std::size_t count, int shift, int bits) {
     dealByDigit(
-        count, shift, bits, [=](std::size_t i) { return from[i].cell; },
+        count, shift, bits, [=](std::size_t i) { return from[i].group; },
         [=](std::size_t i, std::size_t place) { to[place] = from[i]; });
 }
 
@@ -37,32 +38,23 @@ void sortRun(PlanePoint* run, PlanePoint* scratch, std::size_t count, int bits) 
     dealByCells(scratch, run, count, lowBits, bits - lowBits);
 }
 
-QEL_KERNEL void number(const TripletBase<float>* points, std::size_t count, EvenCells cellsX,
-                       EvenCells cellsY, std::uint32_t* cells) {
-    constexpr std::size_t kChunk = 256;
-    float x[kChunk], y[kChunk]; // compilers do not gather from the points
-    for (std::size_t begin = 0; begin < count; begin += kChunk) {
-        const std::size_t size = std::min(kChunk, count - begin);
-        for (std::size_t i = 0; i < size; ++i) {
-            x[i] = points[begin + i].x;
-            y[i] = points[begin + i].y;
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            cells[begin + i] = 2 * spread(cellsX.cellOf(x[i])) + spread(cellsY.cellOf(y[i]));
+struct EvenCellsKernel {
+    QEL_KERNEL static void run(const TripletBase<float>* points, std::size_t count,
+                               EvenCells cellsX, EvenCells cellsY, std::uint32_t* cells) {
+        constexpr std::size_t kChunk = 256;
+        float x[kChunk], y[kChunk]; // compilers do not gather from the points
+        for (std::size_t begin = 0; begin < count; begin += kChunk) {
+            const std::size_t size = std::min(kChunk, count - begin);
+            for (std::size_t i = 0; i < size; ++i) {
+                x[i] = points[begin + i].x;
+                y[i] = points[begin + i].y;
+            }
+            for (std::size_t i = 0; i < size; ++i) {
+                cells[begin + i] = 2 * spread(cellsX.cellOf(x[i])) + spread(cellsY.cellOf(y[i]));
+            }
         }
     }
-}
-
-void numberPortable(const TripletBase<float>* points, std::size_t count, const EvenCells& cellsX,
-                    const EvenCells& cellsY, std::uint32_t* cells) {
-    number(points, count, cellsX, cellsY, cells);
-}
-#if defined(QEL_VECTOR_UNITS)
-QEL_AVX2 void numberAvx2(const TripletBase<float>* points, std::size_t count,
-                         const EvenCells& cellsX, const EvenCells& cellsY, std::uint32_t* cells) {
-    number(points, count, cellsX, cellsY, cells);
-}
-#endif
+};
 
 // The cell of each point.
 void numberCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
@@ -73,14 +65,13 @@ void numberCells(const std::vector<TripletBase<float>>& points, const GridCells&
         });
         return;
     }
-    const EvenCells cellsX = gridX.even(), cellsY = gridY.even();
+    const EvenCells cellsX = gridX.evenCells(), cellsY = gridY.evenCells();
 #if defined(QEL_VECTOR_UNITS)
-    if (vectorUnit() != VectorUnit::portable) {
-        numberAvx2(points.data(), points.size(), cellsX, cellsY, cells);
-        return;
+    if (vectorUnit() != VectorUnit::portable) { // wider registers do not look up edges faster
+        return runAvx2<EvenCellsKernel>(points.data(), points.size(), cellsX, cellsY, cells);
     }
 #endif
-    numberPortable(points.data(), points.size(), cellsX, cellsY, cells);
+    runPortable<EvenCellsKernel>(points.data(), points.size(), cellsX, cellsY, cells);
 }
 
 // Counts the points of every run, and puts them into their runs. The starts of the runs become
@@ -124,7 +115,7 @@ void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells&
         }
     }
     std::transform(order.points, order.points + order.count, order.cells,
-                   [](const PlanePoint& p) { return p.cell; });
+                   [](const PlanePoint& p) { return p.group; });
 }
 
 } // namespace qel

@@ -55,13 +55,15 @@ public:
 
     /// The cell that the choices between low and high halves lead to: x >= cut takes the high
     /// half. A NaN takes all low halves.
-    std::uint32_t cellOf(float x) const { return isEven_ ? even().cellOf(x) : descend(x); }
+    std::uint32_t cellOf(float x) const { return isEven_ ? evenCells().cellOf(x) : descend(x); }
 
     /// Where it matters that it is cheap and not that it is right.
-    std::uint32_t guessOf(float x) const { return static_cast<std::uint32_t>(even().guessOf(x)); }
+    std::uint32_t guessOf(float x) const {
+        return static_cast<std::uint32_t>(evenCells().guessOf(x));
+    }
 
     bool isEven() const { return isEven_; }
-    EvenCells even() const { return {edges_.data(), low_, cellsPerUnit_, lastAsFloat_}; }
+    EvenCells evenCells() const { return {edges_.data(), low_, cellsPerUnit_, lastAsFloat_}; }
     /// Edge i of 0 .. 2^levels.
     float edge(std::uint32_t i) const { return edges_[i]; }
     std::uint32_t cellCount() const { return std::uint32_t{1} << levels_; }

@@ -183,7 +183,7 @@ private:
     void finish(std::size_t begin, std::size_t end, int depth, const QuadLeaf& node) {
         const auto number = static_cast<std::uint32_t>(order_.leaves.size());
         for (std::size_t i = begin; i < end; ++i) {
-            order_.points[i].cell = number;
+            order_.points[i].group = number;
         }
         order_.leaves.push_back(node);
         order_.maxDepthReached = std::max(order_.maxDepthReached, depth);

@@ -24,7 +24,7 @@ namespace qel {
 struct PlanePoint {
     float x, y;
     std::uint32_t index; ///< position in the caller's list
-    std::uint32_t cell;  ///< Z-order number of its grid cell, later the number of its leaf
+    std::uint32_t group; ///< what it is sorted by: number of its grid cell, then of its leaf
 };
 
 /// Puts the points below a cut first; returns where the others begin.
@@ -48,7 +48,7 @@ struct QuadLeaf {
 struct LeafOrder {
     QuadRectangle root;
     std::size_t count;    ///< of the points
-    PlanePoint* points;   ///< leaf after leaf; PlanePoint::cell is the leaf's number
+    PlanePoint* points;   ///< leaf after leaf; their groups are the leaves
     std::uint32_t* cells; ///< the grid cells of the points, ascending
     std::vector<QuadLeaf> leaves;
     bool isFinite = true; ///< all coordinates of all points are

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/FloatBits.h"
 #include "platform/VectorDispatch.h"
 
 #if defined(QEL_VECTOR_UNITS)
@@ -33,23 +34,11 @@ QEL_KERNEL void prefetch(const void* place) {
 #endif
 }
 
-QEL_KERNEL std::int32_t bitsOf(float value) {
-    std::int32_t bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    return bits;
-}
-
-QEL_KERNEL float floatOf(std::int32_t bits) {
-    float value = 0.0f;
-    std::memcpy(&value, &bits, sizeof(value));
-    return value;
-}
-
 #if defined(QEL_VECTOR_UNITS)
 // In four vectors of four: compilers make a chain of 16 steps of the plain loops.
 typedef std::int32_t Four __attribute__((vector_size(16)));
 
-struct Lanes {
+struct Sixteen {
     Four part[4];
 };
 
@@ -57,14 +46,14 @@ QEL_KERNEL Four lesser(Four a, Four b) {
     return a < b ? a : b;
 }
 
-QEL_KERNEL std::int32_t least(const Lanes& v) {
+QEL_KERNEL std::int32_t least(const Sixteen& v) {
     const Four four = lesser(lesser(v.part[0], v.part[1]), lesser(v.part[2], v.part[3]));
     const Four two = lesser(four, Four{four[2], four[3], four[2], four[3]});
     return lesser(two, Four{two[1], two[1], two[1], two[1]})[0];
 }
 
 QEL_KERNEL std::int32_t least(const std::int32_t* values) {
-    Lanes v;
+    Sixteen v;
     std::memcpy(&v, values, sizeof(v));
     return least(v);
 }
@@ -73,7 +62,7 @@ QEL_KERNEL std::int32_t least(const std::int32_t* values) {
 QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
     const Four bounds = {bound, bound, bound, bound};
     const Four done = {kDone, kDone, kDone, kDone};
-    Lanes v;
+    Sixteen v;
     std::memcpy(&v, values, sizeof(v));
     for (Four& four : v.part) {
         four = four > bounds ? four : done;
@@ -212,7 +201,7 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
 // Searches a node and all below it for something better, but for one node below it.
 QEL_KERNEL void searchBelow(const NearestIndex& index, std::uint32_t line, std::uint32_t without,
                             float qx, float qy, Best& best) {
-    Frame frames[NearestIndex::kMaxHeight];
+    Frame frames[BoxTree::kMaxHeight];
     int depth = 0;
     const BoxTree& tree = index.tree();
     open(frames[0], tree.node(line), qx, qy);
@@ -275,12 +264,12 @@ struct SearchKernel {
 
 } // namespace
 
-NearestHit searchNearest(const NearestIndex& index, float qx, float qy) {
+NearestIndex::Nearest searchNearest(const NearestIndex& index, float qx, float qy) {
     const Best best = onVectorUnit<SearchKernel>(&index, qx, qy);
     if (best.block == nullptr) {
         return {};
     }
-    return {best.block->index[best.lane], floatOf(best.distance), true};
+    return {true, best.index(), floatOf(best.distance)};
 }
 
 } // namespace qel

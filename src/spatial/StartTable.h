@@ -40,9 +40,9 @@ public:
           cellBits_(2 * gridLevels),
           starts_(gridX_.levels() > 0 ? std::size_t{1} << (2 * gridX_.levels()) : 0) {}
 
-    /// Names a node that holds all points whose cells agree with `cell` but for the lowest bits.
-    /// Nodes are named before those below them.
-    void name(std::uint32_t line, std::uint32_t cell, int freeBits) {
+    /// Lets the search start at a node that holds all points whose cells agree with `cell` but for
+    /// the lowest bits. Nodes are given before those below them.
+    void add(std::uint32_t line, std::uint32_t cell, int freeBits) {
         const int coarseBits = cellBits_ - 2 * gridX_.levels();
         if (starts_.empty() || freeBits < coarseBits) {
             return;

@@ -13,9 +13,9 @@
 
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 
+#include "platform/FloatBits.h"
 #include "platform/VectorUnit.h"
 
 namespace qel {
@@ -24,24 +24,6 @@ struct RootBracket {
     double low;
     double high;
 };
-
-QEL_KERNEL std::uint64_t bitsOf(double x) {
-    std::uint64_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    return bits;
-}
-
-QEL_KERNEL std::int32_t bitsOf(float x) {
-    std::int32_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    return bits;
-}
-
-QEL_KERNEL double doubleOf(std::uint64_t bits) {
-    double x;
-    std::memcpy(&x, &bits, sizeof x);
-    return x;
-}
 
 // -- cos((acos(r) + 4 pi)/3), the middle root ----
 

@@ -18,30 +18,30 @@
 
 #include "platform/VectorDispatch.h"
 #include "tensor/FieldKernels.h"
-#include "tensor/Lanes.h"
 #include "tensor/Runs.h"
+#include "tensor/TripletLanes.h"
 
 namespace qel {
 
-#if defined(QEL_LANES)
+#if defined(QEL_SHUFFLES)
 
 template <std::size_t width, typename Element>
-QEL_KERNEL BasicTriple<Lanes<width>> groupAt(const BasicTripletRun<Element>& run,
-                                             std::size_t from) {
+QEL_KERNEL BasicTriple<FloatLanes<width>> groupAt(const BasicTripletRun<Element>& run,
+                                                  std::size_t from) {
     static_assert(sizeof(Element) == 3 * sizeof(float), "triplets lie side by side");
     return readTriples<width>(reinterpret_cast<const char*>(run.first + from));
 }
 
 template <std::size_t width>
-QEL_KERNEL BasicGradient<Lanes<width>> groupAt(const Rows& rows, std::size_t from) {
-    const BasicTriple<Lanes<width>> row1 = groupAt<width>(rows.row1, from);
-    const BasicTriple<Lanes<width>> row2 = groupAt<width>(rows.row2, from);
-    const BasicTriple<Lanes<width>> row3 = groupAt<width>(rows.row3, from);
+QEL_KERNEL BasicGradient<FloatLanes<width>> groupAt(const Rows& rows, std::size_t from) {
+    const BasicTriple<FloatLanes<width>> row1 = groupAt<width>(rows.row1, from);
+    const BasicTriple<FloatLanes<width>> row2 = groupAt<width>(rows.row2, from);
+    const BasicTriple<FloatLanes<width>> row3 = groupAt<width>(rows.row3, from);
     return {row1.x, row1.y, row1.z, row2.x, row2.y, row2.z, row3.x, row3.y, row3.z};
 }
 
 template <std::size_t width>
-QEL_KERNEL void storeGroup(const Lanes<width>& values, const FloatRun& run) {
+QEL_KERNEL void storeGroup(const FloatLanes<width>& values, const FloatRun& run) {
     if (run.stride == 1) {
         writeNumbers(values, reinterpret_cast<char*>(run.first));
         return;
@@ -54,7 +54,7 @@ QEL_KERNEL void storeGroup(const Lanes<width>& values, const FloatRun& run) {
 }
 
 template <std::size_t width>
-QEL_KERNEL void storeGroup(const BasicTriple<Lanes<width>>& values, const TripletRun& run) {
+QEL_KERNEL void storeGroup(const BasicTriple<FloatLanes<width>>& values, const TripletRun& run) {
     writeTriples(values, reinterpret_cast<char*>(run.first));
 }
 
@@ -112,7 +112,7 @@ using SplitKernel = PointKernel<Formula>;
 
 #endif
 
-#if defined(QEL_LANES) && !defined(__clang__) // which makes scalar code of so short a loop
+#if defined(QEL_SHUFFLES) && !defined(__clang__) // which makes scalar code of so short a loop
 
 /// The components of two groups side by side.
 template <std::size_t width>
@@ -121,7 +121,7 @@ struct SplitTriplets {
 
     QEL_KERNEL void read(const ConstTripletRun& run, std::size_t from) {
         for (std::size_t k = 0; k < 2 * width; k += width) {
-            const BasicTriple<Lanes<width>> group = groupAt<width>(run, from + k);
+            const BasicTriple<FloatLanes<width>> group = groupAt<width>(run, from + k);
             std::memcpy(x + k, &group.x.value, sizeof group.x);
             std::memcpy(y + k, &group.y.value, sizeof group.y);
             std::memcpy(z + k, &group.z.value, sizeof group.z);
@@ -143,7 +143,7 @@ struct SplitLoopKernel {
                                                  t2.z[k], t3.x[k], t3.y[k], t3.z[k]});
             }
             for (std::size_t k = 0; k < 2 * width; k += width) {
-                Lanes<width> group;
+                FloatLanes<width> group;
                 std::memcpy(&group.value, values + k, sizeof group);
                 storeGroup(group, out.after(from + k));
             }

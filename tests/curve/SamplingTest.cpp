@@ -42,12 +42,12 @@ void expectWalkIsPlain(const Points& p, const Values& s, const Values& parameter
                 together.push_back(point);
             });
     EXPECT_TRUE(sameBitsInAll(together, plain));
-    Points ofList;
+    const Point untouched(1, 2, 3);
+    Points ofList(parameters.size() + 1, untouched);
     qel::ParameterWalk(p, s, expected)
-        .forEach(0, parameters.size(), parameters.data(), [&](std::size_t k, const Point& point) {
-            EXPECT_EQ(k, ofList.size());
-            ofList.push_back(point);
-        });
+        .pointsAt(parameters.data(), parameters.size(), ofList.data());
+    EXPECT_EQ(ofList.back(), untouched);
+    ofList.pop_back();
     EXPECT_TRUE(sameBitsInAll(ofList, plain));
 }
 
@@ -104,9 +104,9 @@ Values crowded(CurveMaker& make, std::size_t n, double from, double power) {
     return s;
 }
 
-// Long sorted lists, whose blocks are merged: as many parameters as s-values, more or fewer, both
-// crowded in places, on s-values and beside them, repeated, beyond the ends.
-TEST(ParameterWalk, MergesBlocksOfSortedParameters) {
+// Long sorted lists, whose blocks are merged or found in windows: as many parameters as s-values,
+// more or fewer, both crowded in places, on s-values and beside them, repeated, beyond the ends.
+TEST(ParameterWalk, FindsBlocksOfSortedParameters) {
     CurveMaker make(26);
     for (const std::size_t n : {2u, 3u, 40u, 300u, 3000u, 9000u}) {
         for (const double from : {0.0, -0.0, 0.25, -0.25}) {
@@ -128,8 +128,53 @@ TEST(ParameterWalk, MergesBlocksOfSortedParameters) {
     }
 }
 
-// A block with one parameter out of place, NaN or beyond an end among others that can be merged.
-TEST(ParameterWalk, DoesNotMergeBlocksOutOfOrder) {
+// In no order, few to a step of s and many, with some on s-values, beyond the ends and NaN.
+TEST(ParameterWalk, FindsBlocksOfUnsortedParameters) {
+    CurveMaker make(29);
+    for (const std::size_t n : {2u, 3u, 17u, 300u, 4000u}) {
+        for (const double from : {0.0, -0.5, 0.25}) {
+            SCOPED_TRACE(std::to_string(n) + " s-values from " + std::to_string(from));
+            const Values s = crowded(make, n, from, 3.0);
+            Points p(s.size());
+            for (Point& point : p) {
+                point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
+            }
+            Values parameters;
+            for (std::size_t k = 0; k < 1100; ++k) {
+                parameters.push_back(make.parameter(s));
+            }
+            for (const std::size_t k : {0u, 300u, 301u, 600u, 1099u}) {
+                parameters[k] = kNaN;
+            }
+            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+        }
+    }
+}
+
+// Evenly spread parameters, on s-values and between them, from many to a parameter to few.
+TEST(ParameterWalk, FindsBlocksOfEvenParameters) {
+    CurveMaker make(28);
+    for (const std::size_t n : {17u, 100u, 700u, 2100u}) {
+        Points p(n);
+        Values s(n);
+        for (std::size_t i = 0; i < n; ++i) {
+            p[i] = Point(static_cast<double>(i), make.uniform(-1, 1), make.uniform(-1, 1));
+            s[i] = static_cast<double>(i) / static_cast<double>(n - 1);
+        }
+        for (const std::size_t count : {8u, 9u, 99u, 265u, 700u, 1399u, 2100u}) {
+            SCOPED_TRACE(std::to_string(n) + " s-values, " + std::to_string(count) + " parameters");
+            Values parameters(count);
+            for (std::size_t k = 0; k < count; ++k) {
+                parameters[k] = static_cast<double>(k) / static_cast<double>(count - 1);
+            }
+            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, n); });
+        }
+    }
+}
+
+// A block with one parameter out of place, NaN or beyond an end among others that are found
+// together.
+TEST(ParameterWalk, NoticesAParameterOutOfOrder) {
     CurveMaker make(27);
     const Values s = crowded(make, 1000, 0.0, 1.0);
     Points p(s.size());
@@ -138,7 +183,9 @@ TEST(ParameterWalk, DoesNotMergeBlocksOutOfOrder) {
     }
     const Values sorted = crowded(make, 1100, 0.0, 2.0);
     for (const double wrong : {kNaN, -1.0, 0.0, 0.5, 1.0, 2.0}) {
-        for (const std::size_t at : {0u, 1u, 255u, 256u, 300u, 511u, 512u, 1000u}) {
+        for (const std::size_t at :
+             {0u,  1u,   7u,   8u,   9u,   10u,  11u,   12u,   13u,   14u,  15u,
+              16u, 255u, 256u, 300u, 511u, 512u, 1000u, 1091u, 1092u, 1099u}) {
             Values parameters = sorted;
             parameters[at] = wrong;
             onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });

@@ -148,7 +148,7 @@ TEST(BlockFill, BlockHoldsThePointsAndTheirBox) {
             ASSERT_TRUE(sameBits(block.x[i], i < count ? points[i].x : kInfinity));
             ASSERT_TRUE(sameBits(block.y[i], i < count ? points[i].y : kInfinity));
             ASSERT_EQ(block.index[i], i < count ? points[i].index : 0u);
-            ASSERT_EQ(block.leaf[i], i < count ? points[i].cell : 0u);
+            ASSERT_EQ(block.leaf[i], i < count ? points[i].group : 0u);
         }
     }
 }

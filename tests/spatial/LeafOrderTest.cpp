@@ -35,7 +35,7 @@ void checkLeaves(const std::vector<Point>& points, int maxDepth, int capacity) {
     std::vector<std::vector<std::uint32_t>> members(leaves.size());
     ASSERT_EQ(order.count, points.size());
     for (std::size_t i = 0; i < order.count; ++i) {
-        members[order.points[i].cell].push_back(order.points[i].index);
+        members[order.points[i].group].push_back(order.points[i].index);
     }
     for (std::size_t i = 0; i < leaves.size(); ++i) {
         ASSERT_TRUE(sameBits(order.leaves[i].rectangle.xmin, leaves[i]->xmin));

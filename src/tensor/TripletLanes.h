@@ -1,5 +1,5 @@
-#ifndef QEL_TENSOR_LANES_H
-#define QEL_TENSOR_LANES_H
+#ifndef QEL_TENSOR_TRIPLETLANES_H
+#define QEL_TENSOR_TRIPLETLANES_H
 
 /// @file
 /// Several points at once: a number of each in the lanes of one vector register, which the
@@ -12,51 +12,18 @@
 /// Results get into the order of memory when they are written.
 
 #include <cstddef>
-#include <cstring>
 #include <utility>
 
-#include "platform/VectorUnit.h"
+#include "platform/Lanes.h"
 #include "tensor/PointFormulas.h"
 
-#if defined(QEL_VECTOR_UNITS) && defined(__has_builtin)
-#if __has_builtin(__builtin_shufflevector)
-#define QEL_LANES 1
-#endif
-#endif
-
-#if defined(QEL_LANES)
+#if defined(QEL_SHUFFLES)
 
 namespace qel {
 
+/// Floats that are computed with lane by lane.
 template <std::size_t width>
-struct Register;
-
-template <>
-struct Register<8> {
-    using Type = float __attribute__((vector_size(32)));
-};
-
-template <>
-struct Register<16> {
-    using Type = float __attribute__((vector_size(64)));
-};
-
-/// Floats that are computed with lane by lane. Registers themselves cannot be returned by
-/// functions that are not of the unit, such as the formulas.
-template <std::size_t width>
-struct Lanes {
-    typename Register<width>::Type value;
-
-    QEL_KERNEL friend Lanes operator+(const Lanes& a, const Lanes& b) {
-        return {a.value + b.value};
-    }
-    QEL_KERNEL friend Lanes operator-(const Lanes& a, const Lanes& b) {
-        return {a.value - b.value};
-    }
-    QEL_KERNEL friend Lanes operator*(const Lanes& a, const Lanes& b) {
-        return {a.value * b.value};
-    }
-};
+using FloatLanes = Lanes<float, width>;
 
 // -- Where the components stand ----
 
@@ -97,9 +64,9 @@ constexpr int blended(std::size_t width, std::size_t lane, bool second) {
 
 /// The component out of three registers in a row, its points in an order of its own.
 template <std::size_t component, std::size_t width, std::size_t... lane>
-QEL_KERNEL Lanes<width> gathered(const Lanes<width>& r0, const Lanes<width>& r1,
-                                 const Lanes<width>& r2, std::index_sequence<lane...>) {
-    const Lanes<width> two = {__builtin_shufflevector(
+QEL_KERNEL FloatLanes<width> gathered(const FloatLanes<width>& r0, const FloatLanes<width>& r1,
+                                      const FloatLanes<width>& r2, std::index_sequence<lane...>) {
+    const FloatLanes<width> two = {__builtin_shufflevector(
         r0.value, r1.value, blended(width, lane, registerWith(width, component, lane) == 1)...)};
     return {__builtin_shufflevector(
         two.value, r2.value, blended(width, lane, registerWith(width, component, lane) == 2)...)};
@@ -107,9 +74,9 @@ QEL_KERNEL Lanes<width> gathered(const Lanes<width>& r0, const Lanes<width>& r1,
 
 /// The register of three in a row, out of gathered components: the converse.
 template <std::size_t which, std::size_t width, std::size_t... lane>
-QEL_KERNEL Lanes<width> scattered(const BasicTriple<Lanes<width>>& t,
-                                  std::index_sequence<lane...>) {
-    const Lanes<width> two = {__builtin_shufflevector(
+QEL_KERNEL FloatLanes<width> scattered(const BasicTriple<FloatLanes<width>>& t,
+                                       std::index_sequence<lane...>) {
+    const FloatLanes<width> two = {__builtin_shufflevector(
         t.x.value, t.y.value, blended(width, lane, componentIn(width, which, lane) == 1)...)};
     return {__builtin_shufflevector(two.value, t.z.value,
                                     blended(width, lane, componentIn(width, which, lane) == 2)...)};
@@ -117,39 +84,27 @@ QEL_KERNEL Lanes<width> scattered(const BasicTriple<Lanes<width>>& t,
 
 /// From the order in which one component is gathered into that of another.
 template <std::size_t from, std::size_t to, std::size_t width, std::size_t... lane>
-QEL_KERNEL Lanes<width> reordered(const Lanes<width>& v, std::index_sequence<lane...>) {
+QEL_KERNEL FloatLanes<width> reordered(const FloatLanes<width>& v, std::index_sequence<lane...>) {
     return {__builtin_shufflevector(
         v.value, v.value, static_cast<int>(laneOf(width, from, pointIn(width, to, lane)))...)};
 }
 
 /// From the order in which x is gathered into that of the points.
 template <std::size_t width, std::size_t... lane>
-QEL_KERNEL Lanes<width> inOrder(const Lanes<width>& v, std::index_sequence<lane...>) {
+QEL_KERNEL FloatLanes<width> inOrder(const FloatLanes<width>& v, std::index_sequence<lane...>) {
     return {__builtin_shufflevector(v.value, v.value, static_cast<int>(laneOf(width, 0, lane))...)};
 }
 
 // -- Memory ----
 
-template <std::size_t width>
-QEL_KERNEL Lanes<width> readLanes(const char* from) {
-    Lanes<width> r;
-    std::memcpy(&r.value, from, sizeof r.value);
-    return r;
-}
-
-template <std::size_t width>
-QEL_KERNEL void writeLanes(const Lanes<width>& r, char* to) {
-    std::memcpy(to, &r.value, sizeof r.value);
-}
-
 /// The triplets of as many points as there are lanes, in the order in which x is gathered.
 template <std::size_t width>
-QEL_KERNEL BasicTriple<Lanes<width>> readTriples(const char* from) {
+QEL_KERNEL BasicTriple<FloatLanes<width>> readTriples(const char* from) {
     constexpr std::make_index_sequence<width> lanes{};
-    constexpr std::size_t kBytes = width * sizeof(float);
-    Lanes<width> r0 = readLanes<width>(from);
-    Lanes<width> r1 = readLanes<width>(from + kBytes);
-    Lanes<width> r2 = readLanes<width>(from + 2 * kBytes);
+    constexpr std::size_t kBytes = FloatLanes<width>::kBytes;
+    FloatLanes<width> r0 = FloatLanes<width>::read(from);
+    FloatLanes<width> r1 = FloatLanes<width>::read(from + kBytes);
+    FloatLanes<width> r2 = FloatLanes<width>::read(from + 2 * kBytes);
 #if !defined(__clang__) // which reads once by itself
     // To stay in registers: otherwise each use becomes a read of its own again. (An array of the
     // three would be in memory.)
@@ -161,20 +116,20 @@ QEL_KERNEL BasicTriple<Lanes<width>> readTriples(const char* from) {
 
 /// Both take what is in the order of readTriples.
 template <std::size_t width>
-QEL_KERNEL void writeTriples(const BasicTriple<Lanes<width>>& t, char* to) {
+QEL_KERNEL void writeTriples(const BasicTriple<FloatLanes<width>>& t, char* to) {
     constexpr std::make_index_sequence<width> lanes{};
-    constexpr std::size_t kBytes = width * sizeof(float);
-    const BasicTriple<Lanes<width>> own = {t.x, reordered<0, 1>(t.y, lanes),
-                                           reordered<0, 2>(t.z, lanes)};
-    writeLanes(scattered<0>(own, lanes), to);
-    writeLanes(scattered<1>(own, lanes), to + kBytes);
-    writeLanes(scattered<2>(own, lanes), to + 2 * kBytes);
+    constexpr std::size_t kBytes = FloatLanes<width>::kBytes;
+    const BasicTriple<FloatLanes<width>> own = {t.x, reordered<0, 1>(t.y, lanes),
+                                                reordered<0, 2>(t.z, lanes)};
+    scattered<0>(own, lanes).write(to);
+    scattered<1>(own, lanes).write(to + kBytes);
+    scattered<2>(own, lanes).write(to + 2 * kBytes);
 }
 
 template <std::size_t width>
-QEL_KERNEL void writeNumbers(const Lanes<width>& v, char* to) {
+QEL_KERNEL void writeNumbers(const FloatLanes<width>& v, char* to) {
     constexpr std::make_index_sequence<width> lanes{};
-    writeLanes(inOrder(v, lanes), to);
+    inOrder(v, lanes).write(to);
 }
 
 } // namespace qel
