@@ -26,6 +26,12 @@ void checkFlatList(const float* list, std::size_t n) {
     }
 }
 
+// The count adds up over all computations and may come to the end of int; it goes on from the
+// other.
+int successor(int count) {
+    return static_cast<int>(static_cast<unsigned>(count) + 1U);
+}
+
 // The undefined marker counts as "not yet set".
 void lower(float& extreme, float value) {
     if (extreme == kUndefinedFloat || extreme > value) {
@@ -141,7 +147,7 @@ void TripletQELVector::updateCache() const {
                 lower(s.min, magnitude);
                 raise(s.max, magnitude);
                 s.sum += magnitude;
-                ++s.nValid;
+                s.nValid = successor(s.nValid);
             }
         }
         lower(s.minExtents.x, t.x);

@@ -3,7 +3,6 @@
 #include <qel/FloatQELVector.h>
 
 #include <functional>
-#include <limits>
 #include <type_traits>
 
 #include <gmock/gmock.h>
@@ -11,9 +10,10 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "support/Bits.h"
+#include "arrays/LengthErrors.h"
 #include "support/Errors.h"
 #include "support/Slots.h"
+#include "support/SpecialFloats.h"
 
 namespace {
 
@@ -21,11 +21,12 @@ using qel::FloatQELVector;
 using qel::FloatQELVectorComponent;
 using qel::FloatQELVectorConcrete;
 using qel::TripletQELVector;
+using qel_test::kEndlessLength;
+using qel_test::kUndef;
+using qel_test::lengthErrorOf;
 using qel_test::throwsInvalid;
 using ::testing::ElementsAre;
 using Triplet = qel::TripletBase<float>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
 
 static_assert(std::is_abstract<FloatQELVector>::value, "only its kinds exist");
 static_assert(std::has_virtual_destructor<FloatQELVector>::value, "deletable through the base");
@@ -187,6 +188,23 @@ TEST(FloatQELVectorConcrete, WhatExpiresTheStatistics) {
     EXPECT_TRUE(expires([](FloatQELVectorConcrete& v) { v.resize(3); }));
     EXPECT_TRUE(expires([](FloatQELVectorConcrete& v) { v.erase(); }));
     EXPECT_TRUE(expires([&](FloatQELVectorConcrete& v) { v.redefine(values, 2); }));
+}
+
+TEST(FloatQELVectorConcrete, StatisticsExpireBeforeAChangeOfLengthThatFails) {
+    EXPECT_TRUE(expires([](FloatQELVectorConcrete& v) {
+        EXPECT_EQ(lengthErrorOf([&] { v.resize(kEndlessLength); }), "vector<T> too long");
+        EXPECT_THAT(v.getInternals(), ElementsAre(50, 2, 3));
+    }));
+}
+
+TEST(FloatQELVectorConcrete, RedefineFromAStorageLeavesExpiredStatisticsExpired) {
+    FloatQELVectorConcrete v = arrayOf({1, 2, 3});
+    v.redefine(storageOf({7, 8}));
+    EXPECT_EQ(v.getMax(), 8.0f) << "not asked for before";
+    v.invalidateCache();
+    v.redefine(storageOf({4}));
+    EXPECT_EQ(v.getMax(), 4.0f);
+    EXPECT_EQ(v.getNvalid(), 1);
 }
 
 TEST(FloatQELVectorConcrete, WhatLeavesTheStatisticsInForce) {
@@ -353,6 +371,31 @@ TEST(FloatQELVector, VirtualOperationsStandInOrder) {
     EXPECT_EQ(slotOf(static_cast<void (V::*)(std::size_t, std::size_t) const>(&V::dbprint)),
               slot++);
     EXPECT_EQ(slotOf(static_cast<void (V::*)() const>(&V::dbprint)), slot++);
+}
+
+// Private operations that a derived class overrides keep their places.
+TEST(FloatQELVector, PrivateVirtualOperationsStandBehindTheOthers) {
+    struct Overriding : FloatQELVectorConcrete {
+        int getStride() const override { return 1; }
+        void updateCache() const override {}
+    };
+    const std::size_t behindDbprint = qel_test::kFirstSlotAfterDestructor + 8;
+    EXPECT_EQ(qel_test::slotOf(&Overriding::getStride), behindDbprint);
+    EXPECT_EQ(qel_test::slotOf(&Overriding::updateCache), behindDbprint + 1);
+}
+
+// The flag stays down, since only the library's own computation raises it.
+TEST(FloatQELVector, StatisticsAskTheVirtualUpdateWhileTheyAreExpired) {
+    struct Counting : FloatQELVectorConcrete {
+        void updateCache() const override { ++updates; }
+        mutable int updates = 0;
+    };
+    const Counting v;
+    EXPECT_EQ(v.getMin(), kUndef);
+    EXPECT_EQ(v.getMax(), kUndef);
+    EXPECT_EQ(v.getSum(), kUndef) << "as built";
+    EXPECT_EQ(v.getNvalid(), 0);
+    EXPECT_EQ(v.updates, 4);
 }
 
 // A kind of a caller's own, of values two floats apart.

@@ -2,7 +2,6 @@
 // the loop value by value gives.
 
 #include <cmath>
-#include <limits>
 #include <random>
 #include <vector>
 
@@ -11,21 +10,20 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "platform/VectorUnit.h"
 #include "support/Bits.h"
+#include "support/SpecialFloats.h"
+#include "support/VectorUnits.h"
 
 namespace {
 
 using qel::FloatQELVector;
 using qel::FloatQELVectorComponent;
 using qel::FloatQELVectorConcrete;
-using qel::VectorUnit;
+using qel_test::kInf;
+using qel_test::kNan;
+using qel_test::kUndef;
 using qel_test::sameBits;
 using Values = std::vector<float>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 struct Statistics {
     float min = kUndef;
@@ -69,16 +67,12 @@ void checkStatistics(const Values& values) {
         triplets.push_back({-v, v, 7.0f});
     }
     const FloatQELVectorComponent view(triplets, 1);
-    for (const VectorUnit unit : {VectorUnit::portable, VectorUnit::avx2, VectorUnit::avx512}) {
-        if (qel::hasVectorUnit(unit)) {
-            qel::forceVectorUnit(unit);
-            owning.invalidateCache();
-            view.invalidateCache();
-            EXPECT_TRUE(has(owning, expected)) << "unit " << static_cast<int>(unit);
-            EXPECT_TRUE(has(view, expected)) << "unit " << static_cast<int>(unit);
-        }
-    }
-    qel::restoreVectorUnit();
+    qel_test::onEveryVectorUnit([&] {
+        owning.invalidateCache();
+        view.invalidateCache();
+        EXPECT_TRUE(has(owning, expected));
+        EXPECT_TRUE(has(view, expected));
+    });
 }
 
 TEST(FloatStatistics, OfANewArray) {

@@ -1,7 +1,6 @@
 // Text of the float arrays.
 
 #include <iostream>
-#include <limits>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -9,16 +8,16 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "support/Capture.h"
+#include "support/SpecialFloats.h"
+#include "support/StandardStreams.h"
 
 namespace {
 
 using qel::FloatQELVector;
 using qel::FloatQELVectorComponent;
 using qel::FloatQELVectorConcrete;
+using qel_test::kUndef;
 using qel_test::standardOutputOf;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
 
 FloatQELVectorConcrete counted(std::size_t n) {
     FloatQELVectorConcrete v;

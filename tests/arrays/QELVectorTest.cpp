@@ -1,7 +1,5 @@
 #include <qel/QELVector.h>
 
-#include <limits>
-#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
@@ -9,10 +7,12 @@
 
 #include <qel/TripletBase.h>
 
+#include "arrays/LengthErrors.h"
 #include "support/Slots.h"
 
 namespace {
 
+using qel_test::lengthErrorOf;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -114,16 +114,6 @@ TEST(QELVector, DeletingThroughTheBaseReleasesTheElements) {
     EXPECT_EQ(alive, 1);
     delete v;
     EXPECT_EQ(alive, 0);
-}
-
-template <typename Action>
-std::string lengthErrorOf(const Action& action) {
-    try {
-        action();
-    } catch (const std::length_error& error) {
-        return error.what();
-    }
-    return "no length error";
 }
 
 TEST(QELVector, BeyondTheMaximumLengthIsTheLengthError) {

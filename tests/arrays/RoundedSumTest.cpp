@@ -8,51 +8,26 @@
 
 #include <gtest/gtest.h>
 
+#include "arrays/RandomFields.h"
 #include "arrays/RoundedSum.h"
-#include "platform/VectorUnit.h"
 #include "support/Bits.h"
+#include "support/VectorUnits.h"
 
 namespace {
 
-using qel::VectorUnit;
 using qel_test::sameBits;
-using Values = std::vector<float>;
+using qel_test::Values;
+using Field = qel_test::RandomField;
 
 void checkSum(double start, const Values& values) {
     double expected = start;
     for (const float v : values) {
         expected += static_cast<double>(v);
     }
-    for (const VectorUnit unit : {VectorUnit::portable, VectorUnit::avx2, VectorUnit::avx512}) {
-        if (qel::hasVectorUnit(unit)) {
-            qel::forceVectorUnit(unit);
-            const double sum = qel::sumInOrder(start, values.data(), values.size());
-            EXPECT_TRUE(sameBits(sum, expected)) << sum << " for " << expected << ", unit "
-                                                 << static_cast<int>(unit) << ", from " << start;
-        }
-    }
-    qel::restoreVectorUnit();
-}
-
-// Floats of few digits, from 2^lowest over so many octaves.
-struct Field {
-    int digits;
-    int lowest;
-    int octaves;
-    bool bothSigns;
-
-    float draw(std::mt19937& random) const {
-        const auto mantissa = static_cast<int>(random() % (1U << digits)) | (1 << digits);
-        const int octave = lowest + static_cast<int>(random() % static_cast<unsigned>(octaves));
-        const float value = std::ldexp(static_cast<float>(mantissa), octave - digits);
-        return bothSigns && random() % 2 == 0 ? -value : value;
-    }
-};
-
-Values drawn(std::mt19937& random, const Field& field, std::size_t n) {
-    Values values(n);
-    std::generate(values.begin(), values.end(), [&] { return field.draw(random); });
-    return values;
+    qel_test::onEveryVectorUnit([&] {
+        const double sum = qel::sumInOrder(start, values.data(), values.size());
+        EXPECT_TRUE(sameBits(sum, expected)) << sum << " for " << expected << ", from " << start;
+    });
 }
 
 Field anyField(std::mt19937& random) {
@@ -81,7 +56,7 @@ TEST(RoundedSum, IsThatOfThePlainLoopOnRandomFields) {
     for (int round = 0; round < 20000; ++round) {
         const Field field = anyField(random);
         const double start = anyStart(random, field);
-        checkSum(start, drawn(random, field, random() % 200));
+        checkSum(start, field.drawn(random, random() % 200));
     }
 }
 
@@ -89,7 +64,7 @@ TEST(RoundedSum, IsThatOfThePlainLoopOnLongFields) {
     std::mt19937 random(22);
     for (int round = 0; round < 100; ++round) {
         const Field field = anyField(random);
-        checkSum(0.0, drawn(random, field, 20000));
+        checkSum(0.0, field.drawn(random, 20000));
     }
 }
 
@@ -116,7 +91,7 @@ TEST(RoundedSum, ThatCrossesAPowerOfTwo) {
     for (int round = 0; round < 2000; ++round) {
         const int exponent = 40 + static_cast<int>(random() % 30);
         const Field field = {23, -10 + static_cast<int>(random() % 20), 12, round % 2 == 0};
-        const Values values = drawn(random, field, 64);
+        const Values values = field.drawn(random, 64);
         double half = 0.0;
         for (std::size_t i = 0; i < 20; ++i) {
             half += static_cast<double>(values[i]);

@@ -4,26 +4,30 @@
 
 #include <cmath>
 #include <iostream>
-#include <limits>
 #include <sstream>
 #include <type_traits>
 
 #include <gmock/gmock.h>
 
+#include "arrays/LengthErrors.h"
 #include "support/Bits.h"
-#include "support/Capture.h"
 #include "support/Errors.h"
+#include "support/SpecialFloats.h"
+#include "support/StandardStreams.h"
 
 namespace {
 
 using qel::TripletQELVector;
+using qel_test::kEndlessLength;
+using qel_test::kInf;
+using qel_test::kNan;
+using qel_test::kUndef;
+using qel_test::lengthErrorOf;
 using qel_test::sameBitsInAll;
 using qel_test::standardOutputOf;
 using qel_test::throwsInvalid;
 using Triplet = qel::TripletBase<float>;
 using Triplets = std::vector<Triplet>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
 
 static_assert(std::has_virtual_destructor<TripletQELVector>::value, "deletable through the base");
 
@@ -155,6 +159,13 @@ TEST(TripletQELVector, ChangesOfLength) {
     EXPECT_TRUE(v.empty());
 }
 
+TEST(TripletQELVector, LengthsBeyondTheMaximumLeaveTheElements) {
+    TripletQELVector v(countedTriplets(2));
+    EXPECT_EQ(lengthErrorOf([&] { v.resize(kEndlessLength); }), "vector<T> too long");
+    EXPECT_EQ(lengthErrorOf([&] { v.reserve(kEndlessLength); }), "vector<T> too long");
+    EXPECT_TRUE(sameBitsInAll<Triplets>(v.getInternals(), countedTriplets(2)));
+}
+
 TEST(TripletQELVector, EveryWayToTheElements) {
     TripletQELVector v(countedTriplets(3));
     const TripletQELVector& c = v;
@@ -197,11 +208,9 @@ TEST(TripletQELVector, NormalizeDividesUndefinedTripletsByTheMarker) {
 }
 
 TEST(TripletQELVector, NormalizeDividesByTheRoundedLengthInSinglePrecision) {
-    const float inf = std::numeric_limits<float>::infinity();
-    const float nan = std::numeric_limits<float>::quiet_NaN();
     const Triplets list = {
-        {1, 2, 3},        {1e-30f, 2e-30f, 0}, {1e30f, 1, 2},           {inf, 1, 2},
-        {nan, 1, kUndef}, {nan, 1, 2},         {1e-20f, 3e-23f, 1e-44f}};
+        {1, 2, 3},         {1e-30f, 2e-30f, 0}, {1e30f, 1, 2},           {kInf, 1, 2},
+        {kNan, 1, kUndef}, {kNan, 1, 2},        {1e-20f, 3e-23f, 1e-44f}};
     TripletQELVector v(list);
     v.normalize();
     for (std::size_t i = 0; i < list.size(); ++i) {
@@ -280,8 +289,11 @@ TEST(TripletQELVector, WriteKeepsTheStreamsFormatting) {
 }
 
 TEST(TripletQELVector, DbprintWritesTheWholeArray) {
-    const TripletQELVector v(countedTriplets(2));
-    EXPECT_EQ(standardOutputOf([&] { v.dbprint(); }), "size=2\n0:(0, 0.25, 0.5),(1, 1.25, 1.5),\n");
+    const TripletQELVector v(countedTriplets(3));
+    EXPECT_EQ(standardOutputOf([&] { v.dbprint(); }),
+              "size=3\n0:(0, 0.25, 0.5),(1, 1.25, 1.5),(2, 2.25, 2.5),\n");
+    EXPECT_EQ(standardOutputOf([] { TripletQELVector().dbprint(); }),
+              "size=0\n18446744073709551615>= size 0\n");
 }
 
 TEST(TripletQELVector, DbprintOfARangeExtendsTheSign) {

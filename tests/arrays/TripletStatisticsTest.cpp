@@ -4,25 +4,26 @@
 
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <random>
 #include <sstream>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 
+#include "arrays/LengthErrors.h"
 #include "support/Bits.h"
-#include "support/Capture.h"
+#include "support/SpecialFloats.h"
+#include "support/StandardStreams.h"
 
 namespace {
 
 using qel::TripletQELVector;
+using qel_test::kInf;
+using qel_test::kNan;
+using qel_test::kUndef;
 using qel_test::sameBits;
 using Triplet = qel::TripletBase<float>;
 using Triplets = std::vector<Triplet>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 struct Statistics {
     float min = kUndef, max = kUndef, sum = kUndef;
@@ -145,6 +146,16 @@ TEST(TripletStatistics, MagnitudesThatOverflowCount) {
     EXPECT_EQ(v.getNvalid(), 1);
 }
 
+TEST(TripletStatistics, OfAllUndefinedTripletsAreTheExtentsAlone) {
+    const TripletQELVector v(Triplets{{kUndef, 1, -2}, {3, kUndef, 4}});
+    EXPECT_EQ(v.getMin(), kUndef);
+    EXPECT_EQ(v.getMax(), kUndef);
+    EXPECT_EQ(v.getSum(), kUndef);
+    EXPECT_EQ(v.getNvalid(), 0);
+    EXPECT_EQ(v.getMinExtents(), Triplet(3, 1, -2));
+    EXPECT_EQ(v.getMaxExtents(), Triplet(3, kUndef, 4));
+}
+
 // -- Expiry, seen in the count: each new computation adds to it ----
 
 using Action = std::function<void(TripletQELVector&)>;
@@ -176,6 +187,18 @@ TEST(TripletStatistics, WhatExpiresThem) {
     EXPECT_EQ(
         countAfter([](TripletQELVector& v) { qel_test::standardOutputOf([&] { v.dbprint(); }); }),
         4);
+    EXPECT_EQ(countAfter([](TripletQELVector& v) {
+                  qel_test::standardOutputOf([&] { v.dbprint(5, 1); });
+              }),
+              4)
+        << "also where the range is bad";
+}
+
+TEST(TripletStatistics, ExpireBeforeAChangeOfLengthThatFails) {
+    EXPECT_EQ(countAfter([](TripletQELVector& v) {
+                  EXPECT_THROW(v.resize(qel_test::kEndlessLength), std::length_error);
+              }),
+              4);
 }
 
 TEST(TripletStatistics, WhatLeavesThemInForce) {
@@ -189,7 +212,17 @@ TEST(TripletStatistics, WhatLeavesThemInForce) {
                   static_cast<void>(c[0]);
               }),
               2);
-    EXPECT_EQ(countAfter([](TripletQELVector& v) { EXPECT_ANY_THROW(v.redefine(nullptr, 3)); }), 2);
+    const float flat[4] = {};
+    for (const float* const list : {static_cast<const float*>(nullptr), flat}) {
+        EXPECT_EQ(countAfter([&](TripletQELVector& v) {
+                      EXPECT_THROW(v.redefine(list, 4), qel::data::invalid);
+                  }),
+                  2);
+    }
+    EXPECT_EQ(countAfter([](TripletQELVector& v) {
+                  EXPECT_THROW(v.reserve(qel_test::kEndlessLength), std::length_error);
+              }),
+              2);
 }
 
 TEST(TripletStatistics, SwapOfTwoArraysExpiresBoth) {
@@ -204,17 +237,21 @@ TEST(TripletStatistics, SwapOfTwoArraysExpiresBoth) {
 }
 
 TEST(TripletStatistics, CopiesTakeThemAlong) {
-    TripletQELVector v(Triplets{{1, 2, 3}});
-    EXPECT_EQ(v.getNvalid(), 1);
+    TripletQELVector v(Triplets{{1, 2, 3}, {5e31f, -6, 7}});
+    Statistics expected;
+    expected.update(v);
+    expectStatistics(v, expected);
     v.begin()->x = 100;
-    const TripletQELVector valid(v);
-    EXPECT_LT(valid.getMax(), 100.0f) << "copied while in force: not computed again";
-    static_cast<void>(v[0]);
-    const TripletQELVector expired(v);
-    EXPECT_EQ(expired.getNvalid(), 2) << "goes on from the copied values";
     TripletQELVector assigned;
+    expectStatistics(TripletQELVector(v), expected); // in force: not computed again
     assigned = v;
-    EXPECT_EQ(assigned.getNvalid(), 2);
+    expectStatistics(assigned, expected);
+
+    static_cast<void>(v[0]);
+    expected.update(v);
+    expectStatistics(TripletQELVector(v), expected); // expired: goes on from the copied values
+    assigned = v;
+    expectStatistics(assigned, expected);
 }
 
 } // namespace

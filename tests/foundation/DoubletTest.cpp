@@ -8,11 +8,14 @@
 #include <gtest/gtest.h>
 
 #include "support/Bits.h"
+#include "support/Rounded.h"
 #include "support/Samples.h"
 
 using qel::Doublet;
+using qel_test::product;
 using qel_test::sameBits;
 using qel_test::Samples;
+using qel_test::sum;
 
 namespace {
 
@@ -26,18 +29,8 @@ constexpr int kSamples = 20000;
     return ::testing::AssertionFailure() << a << " is not " << b;
 }
 
-// Single operations, each rounded on its own: the reference for the order of operations.
-float product(float a, float b) {
-    volatile float result = a * b;
-    return result;
-}
-float sum(float a, float b) {
-    volatile float result = a + b;
-    return result;
-}
 float scaled(float a, double factor) {
-    volatile double wide = static_cast<double>(a) * factor;
-    return static_cast<float>(wide);
+    return static_cast<float>(product(static_cast<double>(a), factor));
 }
 
 } // namespace

@@ -250,6 +250,30 @@ TEST(LineSegment2D, SlackHoldsOnTheOtherSegmentToo) {
     EXPECT_EQ(t, 0.5);
 }
 
+// 10001/10000 and -1/10000 round to the very limits.
+TEST(LineSegment2D, LimitsBelongToTheRangeOnBothSegments) {
+    const float length = 10000.0f;
+    const auto meets = [&](float along, float across, double& t) {
+        t = kKept;
+        return segment(0.0f, 0.0f, length, 0.0f)
+            .intersectWithLimits(segment(along, -across, along, length - across), t);
+    };
+    double t = kKept;
+    for (const float along : {-1.0f, 0.0f, length, length + 1.0f}) {
+        for (const float across : {-1.0f, 0.0f, length, length + 1.0f}) {
+            EXPECT_TRUE(meets(along, across, t)) << along << " " << across;
+            EXPECT_EQ(t, static_cast<double>(along) / 10000.0);
+            EXPECT_FALSE(meets(along, std::nextafter(length + 1.0f, 2.0f * length), t));
+            EXPECT_EQ(t, static_cast<double>(along) / 10000.0) << "written all the same";
+            EXPECT_FALSE(meets(along, std::nextafter(-1.0f, -2.0f), t));
+        }
+    }
+    EXPECT_FALSE(meets(std::nextafter(-1.0f, -2.0f), 0.0f, t));
+    EXPECT_LT(t, -0.0001);
+    EXPECT_FALSE(meets(std::nextafter(length + 1.0f, 2.0f * length), 0.0f, t));
+    EXPECT_GT(t, 1.0001);
+}
+
 TEST(LineSegment2D, LimitsAcceptNan) {
     double t = kKept;
     EXPECT_TRUE(segment(0.0f, 0.0f, 1.0f, 0.0f)

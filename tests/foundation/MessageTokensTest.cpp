@@ -2,7 +2,10 @@
 
 #include <cstddef>
 #include <iostream>
+#include <limits>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -12,16 +15,27 @@ namespace {
 
 using qel::SystemMsg;
 using qel::UserMsg;
-using qel_test::CapturedStandardError;
+using qel_test::standardErrorOf;
 
-std::string filled(SystemMsg& message) {
+// The template with its tokens filled by the values, in order, the first of them as token number
+// `first`.
+template <typename... Values>
+std::string filledFrom(int first, const std::string& text, Values... values) {
+    SystemMsg message(text);
+    message.tokenCount = first - 1;
+    (message % ... % values);
+    EXPECT_EQ(message.tokenCount, first - 1 + static_cast<int>(sizeof...(values)));
     return message;
 }
 
+template <typename... Values>
+std::string filled(const std::string& text, Values... values) {
+    return filledFrom(1, text, values...);
+}
+
 TEST(MessageTokens, FillsTokensInOrder) {
-    SystemMsg message("First id=%1, Second id=%2");
-    EXPECT_EQ(filled(message % 3 % 7), "First id=3, Second id=7");
-    EXPECT_EQ(message.tokenCount, 2);
+    EXPECT_EQ(filled("First id=%1, Second id=%2", 3, 7), "First id=3, Second id=7");
+    EXPECT_EQ(filled("%1%2%3", "a", "b", "c"), "abc");
 }
 
 TEST(MessageTokens, ReturnsItsLeftOperand) {
@@ -32,96 +46,97 @@ TEST(MessageTokens, ReturnsItsLeftOperand) {
 }
 
 TEST(MessageTokens, FillsEveryOccurrenceOfAToken) {
-    SystemMsg message("%1 and %1 again");
-    EXPECT_EQ(filled(message % 5), "5 and 5 again");
+    EXPECT_EQ(filled("%1 and %1 again", 5), "5 and 5 again");
+    EXPECT_EQ(filled("%1%1%1", "ab"), "ababab");
 }
 
 TEST(MessageTokens, FillsTheTokensOfAnyOrder) {
-    SystemMsg message("%2 before %1");
-    EXPECT_EQ(filled(message % "a" % "b"), "b before a");
+    EXPECT_EQ(filled("%2 before %1", "a", "b"), "b before a");
 }
 
 TEST(MessageTokens, StreamsValuesWithDefaultFormatting) {
-    const auto text = [](auto value) {
-        SystemMsg message("%1");
-        return filled(message % value);
-    };
+    const auto text = [](auto value) { return filled("%1", value); };
     EXPECT_EQ(text(-12), "-12");
+    EXPECT_EQ(text(std::numeric_limits<int>::min()), "-2147483648");
     EXPECT_EQ(text("0..3"), "0..3");
+    EXPECT_EQ(text(""), "");
     EXPECT_EQ(text(std::size_t{12}), "12");
     EXPECT_EQ(text(~std::size_t{0}), "18446744073709551615");
     EXPECT_EQ(text(3.14159265), "3.14159");
     EXPECT_EQ(text(0.1), "0.1");
+    EXPECT_EQ(text(-0.0), "-0");
     EXPECT_EQ(text(1234567.0), "1.23457e+06");
+    EXPECT_EQ(text(std::numeric_limits<double>::max()), "1.79769e+308");
+    EXPECT_EQ(text(std::numeric_limits<double>::infinity()), "inf");
     EXPECT_EQ(text(0.1f), "0.1");
     EXPECT_EQ(text(1234567.0f), "1.23457e+06");
+    EXPECT_EQ(text(std::numeric_limits<float>::max()), "3.40282e+38");
+}
+
+template <typename Message, typename Value, typename = void>
+struct TakesToken : std::false_type {};
+template <typename Message, typename Value>
+struct TakesToken<Message, Value,
+                  std::void_t<decltype(std::declval<Message&>() % std::declval<Value>())>>
+    : std::true_type {};
+
+TEST(MessageTokens, AStringIsNoValue) {
+    EXPECT_TRUE((TakesToken<SystemMsg, const char*>::value));
+    EXPECT_TRUE((TakesToken<UserMsg, const char*>::value));
+    EXPECT_FALSE((TakesToken<SystemMsg, std::string>::value));
+    EXPECT_FALSE((TakesToken<UserMsg, std::string>::value));
 }
 
 TEST(MessageTokens, AnUnusedTokenWarnsWithoutALineEndAndLeavesTheText) {
-    SystemMsg message("only %1");
-    CapturedStandardError standardError;
-    EXPECT_EQ(filled(message % 1 % 0.5), "only 1");
-    EXPECT_EQ(standardError.text(), "Warning: token %2 was not used in the message: \"0.5\"");
-    EXPECT_EQ(message.tokenCount, 2);
+    EXPECT_EQ(standardErrorOf([] { EXPECT_EQ(filled("only %1", 1, 0.5), "only 1"); }),
+              "Warning: token %2 was not used in the message: \"0.5\"");
+    EXPECT_EQ(standardErrorOf([] { EXPECT_EQ(filled("", "a", std::size_t{7}), ""); }),
+              "Warning: token %1 was not used in the message: \"a\""
+              "Warning: token %2 was not used in the message: \"7\"");
 }
 
 TEST(MessageTokens, AUsedTokenDoesNotWarn) {
-    SystemMsg message("%1 %2");
-    CapturedStandardError standardError;
-    message % 1 % 2;
-    EXPECT_EQ(standardError.text(), "");
+    EXPECT_EQ(standardErrorOf([] { filled("%1 %2", 1, 2); }), "");
 }
 
 // Two characters are replaced whatever the token: the second digit stays.
 TEST(MessageTokens, ATokenOfTwoDigitsKeepsItsSecondDigit) {
-    SystemMsg first("%10");
-    EXPECT_EQ(filled(first % "X"), "X0");
-
-    SystemMsg tenth("%10");
-    tenth.tokenCount = 9;
-    EXPECT_EQ(filled(tenth % "X"), "X0");
+    EXPECT_EQ(filled("%10", "X"), "X0");
+    EXPECT_EQ(filledFrom(10, "%10", "X"), "X0");
+    EXPECT_EQ(filledFrom(10, "%10 and %10", "X"), "X0 and X0");
+    EXPECT_EQ(filledFrom(123, "%123", "X"), "X23");
 }
 
 TEST(MessageTokens, ATokenCompletedByAReplacementIsFilledToo) {
-    SystemMsg message("%%11");
-    EXPECT_EQ(filled(message % ""), "");
-    SystemMsg inserted("a %1 b");
-    EXPECT_EQ(filled(inserted % "%2" % "x"), "a x b");
+    EXPECT_EQ(filled("%%11", ""), "");
+    EXPECT_EQ(filled("a %1 b", "%2", "x"), "a x b");
+    EXPECT_EQ(filledFrom(12, "%1%12", ""), "2");
 }
 
 // Replaced until none is left, such a value would be replaced for ever.
 TEST(MessageTokens, AValueThatHoldsItsOwnTokenIsInsertedOnce) {
-    SystemMsg message("<%1> <%1>");
-    EXPECT_EQ(filled(message % "%1!"), "<%1!> <%1!>");
+    EXPECT_EQ(filled("<%1> <%1>", "%1!"), "<%1!> <%1!>");
 }
 
 // The digit that stays behind completes the token anew.
 TEST(MessageTokens, AValueThatTheLeftDigitsMakeItsOwnTokenIsInsertedOnce) {
-    SystemMsg message("%10");
-    message.tokenCount = 9;
-    EXPECT_EQ(filled(message % "%1"), "%10");
-    SystemMsg growing("%10");
-    growing.tokenCount = 9;
-    EXPECT_EQ(filled(growing % "x%1"), "x%10");
+    EXPECT_EQ(filledFrom(10, "%10", "%1"), "%10");
+    EXPECT_EQ(filledFrom(10, "%10", "x%1"), "x%10");
 }
 
 // Each replacement leaves more that the next one completes.
 TEST(MessageTokens, AValueThatGoesOnCompletingTokensEnds) {
-    SystemMsg message("%%11");
-    EXPECT_GT(filled(message % "11%%").size(), 1000u);
+    EXPECT_GT(filled("%%11", "11%%").size(), 1000u);
 }
 
 TEST(MessageTokens, TheWarningDoesNotDependOnTheFormatOfTheStream) {
-    CapturedStandardError captured;
     const std::ios_base::fmtflags flags =
         std::cerr.setf(std::ios_base::hex, std::ios_base::basefield);
     std::cerr.width(12);
-    SystemMsg message("text");
-    message.tokenCount = 9;
-    message % 7;
+    const std::string warning = standardErrorOf([] { filledFrom(10, "text", 7); });
     std::cerr.flags(flags);
     std::cerr.width(0);
-    EXPECT_EQ(captured.text(), "Warning: token %10 was not used in the message: \"7\"");
+    EXPECT_EQ(warning, "Warning: token %10 was not used in the message: \"7\"");
 }
 
 TEST(MessageTokens, UserMessagesFillBothTexts) {
@@ -138,11 +153,20 @@ TEST(MessageTokens, UserMessagesKeepACounterForEachText) {
     UserMsg message("%1 %2", nullptr);
     message.logged.text = "%2";
     message.logged.tokenCount = 1;
-    CapturedStandardError standardError;
-    const std::string shown = message % "a";
-    EXPECT_EQ(shown, "a %2");
+    EXPECT_EQ(standardErrorOf([&] { message % "a"; }), "");
+    EXPECT_EQ(message.shown.text, "a %2");
     EXPECT_EQ(message.logged.text, "a");
-    EXPECT_EQ(standardError.text(), "");
+}
+
+// Each text that has no such token is named, with the number that its own counter has reached.
+TEST(MessageTokens, UserMessagesWarnForEachText) {
+    UserMsg message("text", nullptr);
+    message.logged.tokenCount = 4;
+    EXPECT_EQ(standardErrorOf([&] { message % 8; }),
+              "Warning: token %1 was not used in the message: \"8\""
+              "Warning: token %5 was not used in the message: \"8\"");
+    EXPECT_EQ(message.shown.text, "text");
+    EXPECT_EQ(message.logged.text, "text");
 }
 
 TEST(MessageTokens, UserMessagesTakeEveryType) {

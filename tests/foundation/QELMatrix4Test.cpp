@@ -9,12 +9,15 @@
 
 #include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/Rounded.h"
 #include "support/Samples.h"
 
 using qel::QELMatrix3base;
 using qel::QELMatrix4;
+using qel_test::product;
 using qel_test::sameBits;
 using qel_test::Samples;
+using qel_test::sum;
 using qel_test::throwsInternal;
 using qel_test::throwsInvalid;
 using Point = qel::TripletBase<float>;
@@ -62,17 +65,10 @@ QELMatrix4 sampled(Samples<float>& samples, bool ordinary) {
     return m;
 }
 
-float rounded(float value) {
-    volatile float result = value;
-    return result;
-}
-
 // x*m0 + y*m1 + z*m2 + m3, every operation rounded to float.
 float rowTimes(const float* row, const Point& p) {
-    float result = rounded(p.x * row[0]);
-    result = rounded(result + rounded(p.y * row[1]));
-    result = rounded(result + rounded(p.z * row[2]));
-    return rounded(result + row[3]);
+    const float xy = sum(product(p.x, row[0]), product(p.y, row[1]));
+    return sum(sum(xy, product(p.z, row[2])), row[3]);
 }
 
 Point transformed(const QELMatrix4& m, const Point& p) {
@@ -331,18 +327,18 @@ TEST(QELMatrix4, OperationsFollowTheStatedOrder) {
         ASSERT_TRUE(sameMatrix(copy.homogenize(), homogeneous));
         ASSERT_TRUE(sameBits(a * p, transformed(homogeneous, p)));
 
-        QELMatrix4 product;
+        QELMatrix4 expected;
         for (int i = 0; i < 4; ++i) {
             for (int j = 0; j < 4; ++j) {
                 for (int k = 0; k < 4; ++k) {
-                    product[i][j] = rounded(product[i][j] + rounded(a[i][k] * b[k][j]));
+                    expected[i][j] = sum(expected[i][j], product(a[i][k], b[k][j]));
                 }
             }
         }
         QELMatrix4 result = numbered();
         a.multMat(result, b);
-        ASSERT_TRUE(sameMatrix(result, product));
-        ASSERT_TRUE(sameMatrix(a * b, product));
+        ASSERT_TRUE(sameMatrix(result, expected));
+        ASSERT_TRUE(sameMatrix(a * b, expected));
 
         double terms[4];
         for (int j = 0; j < 4; ++j) {

@@ -7,11 +7,14 @@
 #include <gtest/gtest.h>
 
 #include "support/Bits.h"
+#include "support/Rounded.h"
 #include "support/Samples.h"
 
 using qel::NumericalUtils;
+using qel_test::product;
 using qel_test::sameBits;
 using qel_test::Samples;
+using qel_test::sum;
 
 namespace {
 
@@ -138,10 +141,6 @@ TEST(QuadrilateralValue, CornersAndMiddle) {
 TEST(QuadrilateralValue, FollowsTheStatedOrder) {
     Samples<double> doubles(301);
     Samples<float> floats(302);
-    const auto rounded = [](float value) {
-        volatile float result = value;
-        return static_cast<float>(result);
-    };
     for (int i = 0; i < kSamples; ++i) {
         const double s = doubles.any(), t = doubles.plain() / 7;
         const double f[4] = {doubles.any(), doubles.plain(), doubles.plain(), doubles.any()};
@@ -153,11 +152,11 @@ TEST(QuadrilateralValue, FollowsTheStatedOrder) {
         const float g[4] = {floats.any(), floats.plain(), floats.plain(), floats.any()};
         const float s1 = static_cast<float>(1.0 - static_cast<double>(sf));
         const float t1 = static_cast<float>(1.0 - static_cast<double>(tf));
-        const float weights[4] = {rounded(t1 * s1), rounded(t1 * sf), rounded(s1 * tf),
-                                  rounded(sf * tf)};
-        float value = rounded(weights[0] * g[0]);
+        const float weights[4] = {product(t1, s1), product(t1, sf), product(s1, tf),
+                                  product(sf, tf)};
+        float value = product(weights[0], g[0]);
         for (int k = 1; k < 4; ++k) {
-            value = rounded(value + rounded(weights[k] * g[k]));
+            value = sum(value, product(weights[k], g[k]));
         }
         ASSERT_TRUE(sameBits(
             NumericalUtils::calculateValueInQuadFromST(sf, tf, g[0], g[1], g[2], g[3]), value));
@@ -248,6 +247,55 @@ TEST(Quadrilateral, SingularityIsJudgedInSinglePrecision) {
     EXPECT_TRUE(searchD(strip(1e-5), 0.5, 0.5e-5, 20, 0.1, 0.0).singular);
     // ... and one above is not, nor would the double epsilon call the first one singular.
     EXPECT_FALSE(searchD(strip(1e-4), 0.5, 0.5e-4, 20, 0.1, 0.0).singular);
+}
+
+// A determinant of exactly 100 spacings is not less.
+TEST(Quadrilateral, SingularityEndsAtAHundredSpacings) {
+    const auto isSingular = [](double height) {
+        const Quad strip = {{0, 1, 0, 1}, {0, 0, height, height}};
+        return searchD(strip, 0.5, 0.5 * height, 20, 0.1, 0.0).singular; // numerators of zero
+    };
+    const double threshold = 100.0 * 1.1920928955078125e-7;
+    EXPECT_FALSE(isSingular(threshold));
+    EXPECT_TRUE(isSingular(std::nextafter(threshold, 0.0)));
+}
+
+// The determinant of the unit square is 1: below 100 spacings of numerators in the decade above
+// 1e5, not of those in the one below. Numerators are rounded to float first.
+TEST(Quadrilateral, SingularityDependsOnTheDecadeOfTheLargerNumerator) {
+    const auto singular = [](double rx, double ry) {
+        const Outcome o = searchD(kUnitSquare, 0.5 + rx, 0.5 + ry, 1, 1e6, 1e-9);
+        EXPECT_EQ(o.s, o.singular ? 0.5 : 0.5 + rx);
+        EXPECT_EQ(o.t, o.singular ? 0.5 : 0.5 + ry);
+        return o.singular;
+    };
+    const double border = 1e5, aboveInFloat = 100000.0078125;
+    EXPECT_FALSE(singular(border, 0.0));
+    EXPECT_FALSE(singular(border + 0.001953125, 0.0)) << "rounds down to the border";
+    EXPECT_TRUE(singular(aboveInFloat, 0.0));
+    EXPECT_TRUE(singular(-aboveInFloat, 1.0));
+    EXPECT_TRUE(singular(1.0, aboveInFloat));
+    EXPECT_FALSE(singular(-border, -border));
+}
+
+// Both tests of convergence are for strictly less.
+TEST(Quadrilateral, WhatEqualsAToleranceHasNotConverged) {
+    // Residual 0.25, extent 1.
+    EXPECT_TRUE(sameOutcome(searchD(kUnitSquare, 0.75, 0.5, 1, 0.1, 0.25),
+                            {0.75, 0.5, false, false, false}));
+    EXPECT_TRUE(sameOutcome(searchD(kUnitSquare, 0.5, 0.75, 1, 0.1, 0.25),
+                            {0.5, 0.75, false, false, false}));
+    EXPECT_TRUE(sameOutcome(searchD(kUnitSquare, 0.75, 0.5, 1, 0.1, std::nextafter(0.25, 1.0)),
+                            {0.5, 0.5, false, true, false}));
+    // Residual 0.25, extent 0.5, numerator 0.125.
+    const Quad half = {{0, 0.5, 0, 0.5}, {0, 0, 0.5, 0.5}};
+    for (const double tolerance : {0.125, std::nextafter(0.125, 1.0)}) {
+        const bool converged = tolerance > 0.125;
+        EXPECT_TRUE(sameOutcome(searchD(half, 0.5, 0.25, 1, 0.1, tolerance),
+                                {1.0, 0.5, false, converged, false}));
+        EXPECT_TRUE(sameOutcome(searchD(half, 0.25, 0.5, 1, 0.1, tolerance),
+                                {0.5, 1.0, false, converged, false}));
+    }
 }
 
 TEST(Quadrilateral, SkewedMappingIsInverted) {

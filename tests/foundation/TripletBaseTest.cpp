@@ -14,11 +14,15 @@
 
 #include "support/Bits.h"
 #include "support/Errors.h"
+#include "support/Rounded.h"
+#include "support/Samples.h"
 
 namespace {
 
 using qel::TripletBase;
+using qel_test::product;
 using qel_test::sameBits;
+using qel_test::sum;
 using qel_test::throwsInvalid;
 using Double3 = TripletBase<double>;
 using Float3 = TripletBase<float>;
@@ -76,6 +80,10 @@ TYPED_TEST(TripletBaseTest, ArraysAreOneRunOfNumbers) {
 TEST(TripletBase, ConvertsBetweenFloatAndDoubleOnRequestOnly) {
     EXPECT_EQ(Double3(Float3(0.1f, 2.0f, 3.0f)), Double3(static_cast<double>(0.1f), 2.0, 3.0));
     EXPECT_EQ(Float3(Double3(0.1, 1e-300, 3.0)), Float3(0.1f, 0.0f, 3.0f));
+    // The marker of one type is an ordinary value of the other.
+    EXPECT_EQ(Double3(Float3(FLT_MAX, 0, 0)).x, 3.4028234663852886e38);
+    EXPECT_FALSE(Double3(Float3(FLT_MAX, 0, 0)).isUndefined());
+    EXPECT_EQ(Float3(Double3(3.4028234663852886e38, 0, 0)).x, FLT_MAX);
     EXPECT_FALSE((std::is_convertible<Float3, Double3>::value));
     EXPECT_FALSE((std::is_convertible<Double3, Float3>::value));
 }
@@ -148,6 +156,33 @@ TEST(TripletBase, NormalisingNaNSpreadsIt) {
     Double3 d(NAN, 1.0, 0.0);
     d.normalize();
     EXPECT_TRUE(sameBits(d, Double3(NAN, NAN, NAN)));
+}
+
+// Each component is divided in double by the rounded length, and rounded.
+TYPED_TEST(TripletBaseTest, LengthAndNormalisingFollowTheStatedOrder) {
+    using T = TypeParam;
+    using Triplet = TripletBase<T>;
+    constexpr T largestFloat = std::numeric_limits<float>::max();
+    qel_test::Samples<T> samples(20240118);
+    int undefined = 0;
+    for (int i = 0; i < 50000; ++i) {
+        const Triplet t(samples.any(), samples.any(), samples.any());
+        const bool isUndefined = t.x == this->marker || t.y == this->marker || t.z == this->marker;
+        undefined += isUndefined;
+        const T square = sum(sum(product(t.x, t.x), product(t.y, t.y)), product(t.z, t.z));
+        const T length = isUndefined ? largestFloat : std::sqrt(square);
+        ASSERT_TRUE(sameBits(t.length(), length)) << t;
+
+        const auto divided = [&](T c) {
+            return static_cast<T>(static_cast<double>(c) / static_cast<double>(length));
+        };
+        const Triplet expected =
+            length == T(0) ? t : Triplet(divided(t.x), divided(t.y), divided(t.z));
+        Triplet normalized = t;
+        normalized.normalize();
+        ASSERT_TRUE(sameBits(normalized, expected)) << t;
+    }
+    EXPECT_GT(undefined, 1000);
 }
 
 // -- Division ----

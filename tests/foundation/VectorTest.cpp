@@ -7,11 +7,14 @@
 #include <gtest/gtest.h>
 
 #include "support/Bits.h"
+#include "support/Rounded.h"
 #include "support/Samples.h"
 
 using qel::Vector;
+using qel_test::product;
 using qel_test::sameBits;
 using qel_test::Samples;
+using qel_test::sum;
 
 namespace {
 
@@ -24,15 +27,6 @@ constexpr int kSamples = 20000;
     }
     return ::testing::AssertionFailure() << "(" << v.x << ", " << v.y << ", " << v.z << ") is not ("
                                          << x << ", " << y << ", " << z << ")";
-}
-
-double product(double a, double b) {
-    volatile double result = a * b;
-    return result;
-}
-double sum(double a, double b) {
-    volatile double result = a + b;
-    return result;
 }
 
 } // namespace

@@ -254,8 +254,16 @@ TEST(QuadtreeBucket, IsMovedNotCopied) {
 
     QuadtreeBucket assigned;
     assigned.construct({Point(7, 7, 0)});
+    assigned.findNearestPoint(Point(7, 7, 0));
+    const QuadtreeBucket& left = target;
     assigned = std::move(target);
+    EXPECT_EQ(assigned.getMaxDepth(), 3);
+    EXPECT_EQ(assigned.getBucketCapacity(), 2);
+    EXPECT_EQ(assigned.getBestObject()->index, 1u);
     EXPECT_EQ(assigned.findNearestPoint(Point(0.9f, 0, 0)), 1u);
+    EXPECT_EQ(left.getMaxDepth(), 3);
+    EXPECT_EQ(left.getBucketCapacity(), 2);
+    EXPECT_EQ(left.getBestObject(), nullptr);
 }
 
 TEST(QuadtreeBucket, DefaultLimitsAreTen) {
@@ -437,6 +445,23 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInCloudsThatThicken) {
         checkQueries(points, 8 + n, 1 + n, queries);
         ASSERT_FALSE(HasFatalFailure()) << "cloud " << n;
     }
+}
+
+// Two blocks of points beside each power of two: most nodes of the index hold so few that there are
+// more of them than were set aside.
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInMoreNodesThanForeseen) {
+    Samples<float> samples(422);
+    Points points, queries;
+    for (int exponent = 0; exponent < 60; ++exponent) {
+        const auto near = [&] {
+            return std::ldexp(1.0f + 0.01f * (samples.plain() + 10.0f), -exponent);
+        };
+        for (int i = 0; i < 24; ++i) {
+            points.emplace_back(near(), near(), 0.0f);
+            queries.emplace_back(near(), 1.5f * near(), 0.0f);
+        }
+    }
+    checkQueries(points, 24, 10, queries);
 }
 
 TEST(QuadtreeBucket, FindsTheLeastDistance) {

@@ -1,7 +1,7 @@
 #ifndef QEL_TESTS_SUPPORT_STANDARDSTREAMS_H
 #define QEL_TESTS_SUPPORT_STANDARDSTREAMS_H
 
-// Collects what is written to std::cout or std::cerr while the object lives.
+// What is written to std::cout or std::cerr: while an object lives, or by an action.
 
 #include <iostream>
 #include <sstream>
@@ -32,6 +32,20 @@ struct CapturedStandardOutput : CapturedStream {
 struct CapturedStandardError : CapturedStream {
     CapturedStandardError() : CapturedStream(std::cerr) {}
 };
+
+template <typename Action>
+std::string standardOutputOf(const Action& action) {
+    const CapturedStandardOutput captured;
+    action();
+    return captured.text();
+}
+
+template <typename Action>
+std::string standardErrorOf(const Action& action) {
+    const CapturedStandardError captured;
+    action();
+    return captured.text();
+}
 
 } // namespace qel_test
 

@@ -4,12 +4,18 @@
 
 #include <string>
 #include <type_traits>
-#include <typeinfo>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/Errors.h"
+#include "support/Slots.h"
+#include "support/StandardStreams.h"
+
 namespace {
+
+using qel_test::describe;
+using qel_test::standardErrorOf;
 
 // -- Messages ----
 
@@ -17,6 +23,13 @@ TEST(SystemMsg, StartsWithItsTextAndNoTokenFilled) {
     const qel::SystemMsg message("Index (%1) out of range %2");
     EXPECT_EQ(message.tokenCount, 0);
     EXPECT_EQ(message.text, "Index (%1) out of range %2");
+}
+
+TEST(SystemMsg, HoldsTheCounterBeforeTheText) {
+    const qel::SystemMsg message("text");
+    EXPECT_EQ(static_cast<const void*>(&message.tokenCount), &message);
+    EXPECT_EQ(sizeof(message.tokenCount), 4u);
+    EXPECT_GT(static_cast<const void*>(&message.text), &message.tokenCount);
 }
 
 TEST(SystemMsg, ConvertsToItsCurrentText) {
@@ -60,12 +73,8 @@ TEST(UserMsg, LeavesItsFlagAlone) {
 
 class Recorder : public qel::ErrorReporter {
 public:
-    void report(const qel::Error& error) override {
-        messages.push_back(error.getMessage());
-        exactlyInvalid = typeid(error) == typeid(qel::data::invalid);
-    }
-    std::vector<std::string> messages;
-    bool exactlyInvalid = false;
+    void report(const qel::Error& error) override { reported.push_back(describe(error)); }
+    std::vector<std::string> reported;
 };
 
 const qel::data::invalid kCondition("ParametricCurve", "intersectWithSegment", "Not plane.",
@@ -87,8 +96,7 @@ TEST_F(ErrorReporter, HostsReporterTakesTheErrorWhole) {
     qel::ErrorReporter::setInstance(&recorder);
     EXPECT_EQ(qel::ErrorReporter::instance(), &recorder);
     qel::ErrorReporter::instance()->report(kCondition);
-    EXPECT_EQ(recorder.messages, std::vector<std::string>{"Not plane."});
-    EXPECT_TRUE(recorder.exactlyInvalid);
+    EXPECT_EQ(recorder.reported, std::vector<std::string>{describe(kCondition)});
 }
 
 TEST_F(ErrorReporter, SetInstanceReturnsTheOneBefore) {
@@ -111,10 +119,10 @@ TEST_F(ErrorReporter, NullRestoresTheBuiltInOneAlsoTwice) {
 TEST_F(ErrorReporter, BuiltInOneWritesOneLineForEachErrorAndCounts) {
     qel::ErrorReporter* const builtIn = qel::ErrorReporter::instance();
     const std::size_t before = builtIn->getReportCount();
-    ::testing::internal::CaptureStderr();
-    builtIn->report(kCondition);
-    builtIn->report(qel::internal::error("A", "b", "c", qel::argumentError));
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(),
+    EXPECT_EQ(standardErrorOf([&] {
+                  builtIn->report(kCondition);
+                  builtIn->report(qel::internal::error("A", "b", "c", qel::argumentError));
+              }),
               "ParametricCurve::intersectWithSegment: Not plane. (kind 8)\n"
               "A::b: c (kind 4)\n");
     EXPECT_EQ(builtIn->getReportCount(), before + 2);
@@ -125,16 +133,14 @@ TEST_F(ErrorReporter, HostsReporterKeepsTheBuiltInOneQuiet) {
     const std::size_t before = builtIn->getReportCount();
     Recorder recorder;
     qel::ErrorReporter::setInstance(&recorder);
-    ::testing::internal::CaptureStderr();
-    qel::ErrorReporter::instance()->report(kCondition);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(standardErrorOf([] { qel::ErrorReporter::instance()->report(kCondition); }), "");
     EXPECT_EQ(builtIn->getReportCount(), before);
     EXPECT_EQ(recorder.getReportCount(), 0u);
 }
 
-// The library calls through the second virtual operation, after the destructor.
-TEST_F(ErrorReporter, IsPolymorphic) {
+TEST_F(ErrorReporter, ReportIsTheSecondVirtualOperationBehindTheDestructor) {
     EXPECT_TRUE(std::has_virtual_destructor<qel::ErrorReporter>::value);
+    EXPECT_EQ(qel_test::slotOf(&qel::ErrorReporter::report), qel_test::kFirstSlotAfterDestructor);
 }
 
 } // namespace

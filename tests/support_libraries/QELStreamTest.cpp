@@ -12,10 +12,12 @@
 #include <gtest/gtest.h>
 
 #include "support/Errors.h"
+#include "support/StandardStreams.h"
 
 namespace {
 
 using qel::QELStream;
+using qel_test::standardErrorOf;
 using qel_test::throwsInvalid;
 
 constexpr int kWrite = 2;
@@ -129,12 +131,11 @@ TEST_F(QELStreamTest, CloseReportsAnEarlierFailureToWrite) {
 }
 
 TEST_F(QELStreamTest, DestructionOfAFailedStreamIsSilent) {
-    ::testing::internal::CaptureStderr();
-    {
-        QELStream stream(path_, kWrite, false);
-        stream.setstate(std::ios::badbit);
-    }
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(standardErrorOf([&] {
+                  QELStream stream(path_, kWrite, false);
+                  stream.setstate(std::ios::badbit);
+              }),
+              "");
 }
 
 TEST_F(QELStreamTest, IsAnOrdinaryOutputStream) {

@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstddef>
-#include <limits>
 #include <random>
 #include <vector>
 
@@ -13,13 +12,11 @@
 #include <qel/TensorEigenizer.h>
 #include <qel/TripletQELVector.h>
 
+#include "support/SpecialFloats.h"
+
 namespace qel_test {
 
 using Triplet = qel::TripletBase<float>;
-
-constexpr float kUndef = std::numeric_limits<float>::max();
-constexpr float kInf = std::numeric_limits<float>::infinity();
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 // Row by row.
 using Tensor = std::array<float, 9>;

@@ -2,6 +2,7 @@
 // over the points in order, and the expiry of statistics that goes with it.
 
 #include <functional>
+#include <numeric>
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,9 @@
 #include <qel/TensorEigenizer.h>
 
 #include "support/Bits.h"
+#include "support/Errors.h"
 #include "tensor/Fields.h"
+#include "tensor/Operations.h"
 #include "tensor/PlainFormulas.h"
 
 namespace {
@@ -30,26 +33,61 @@ std::vector<Tensor> tensors() {
 
 // -- A caller's own kind ----
 
-TEST(CallersArrays, AreWrittenThroughTheirOperationsInOrder) {
+std::vector<std::size_t> upTo(std::size_t n) {
+    std::vector<std::size_t> indices(n);
+    std::iota(indices.begin(), indices.end(), std::size_t{0});
+    return indices;
+}
+
+TEST(CallersArrays, AreResizedAndWrittenThroughTheirOperationsInOrder) {
     const Field field(tensors());
-    CallersArray out;
-    field.eigenizer().getInvariantQ(out);
-    EXPECT_EQ(out.resized, 1);
-    ASSERT_EQ(out.asked.size(), kCount);
-    for (std::size_t k = 0; k < kCount; ++k) {
-        ASSERT_EQ(out.asked[k], k);
+    const TensorEigenizer t = field.eigenizer();
+    TripletQELVector velocity = field.row3;
+    CallersArray swirl, eigenvalue;
+    t.getSwirlStrength(swirl, eigenvalue);
+    for (const CallersArray* const out : {&swirl, &eigenvalue}) {
+        EXPECT_EQ(out->resized, 1);
+        EXPECT_EQ(out->asked, upTo(kCount));
     }
+    for (const auto& operation : kFloatOperations) {
+        SCOPED_TRACE(operation.name);
+        CallersArray out;
+        operation.run(t, {swirl, eigenvalue, velocity}, out);
+        EXPECT_EQ(out.resized, 1);
+        EXPECT_EQ(out.asked, upTo(kCount));
+    }
+}
+
+TEST(CallersArrays, AreReadThroughTheirOperationsInOrder) {
+    const Field field(tensors());
+    const TensorEigenizer t = field.eigenizer();
+    TripletQELVector velocity;
+    forEachOperation<FloatQELVectorConcrete>([&](const auto& operation, auto& out) {
+        if (!operation.takesSwirl) {
+            return;
+        }
+        CallersArray swirl, eigenvalue;
+        swirl.resize(kCount); // nothing swirls: the eigenvalues are read all the same
+        eigenvalue.resize(kCount);
+        operation.run(t, {swirl, eigenvalue, velocity}, out);
+        EXPECT_EQ(swirl.asked, upTo(kCount));
+        EXPECT_EQ(eigenvalue.asked, upTo(kCount));
+        EXPECT_EQ(swirl.resized + eigenvalue.resized, 2) << "by this test";
+    });
 }
 
 TEST(CallersArrays, OfNoPointsAreOnlyResized) {
     const Field field;
-    CallersArray swirl, eigenvalue, out;
-    TripletQELVector triplets;
-    field.eigenizer().getSwirlStretchRate(swirl, eigenvalue, out);
-    field.eigenizer().getEVecReal(swirl, eigenvalue, triplets);
-    EXPECT_EQ(out.resized, 1);
-    EXPECT_EQ(swirl.resized, 0);
-    EXPECT_TRUE(out.asked.empty() && swirl.asked.empty() && eigenvalue.asked.empty());
+    CallersArray swirl, eigenvalue;
+    TripletQELVector velocity;
+    for (const auto& operation : kFloatOperations) {
+        CallersArray out;
+        operation.run(field.eigenizer(), {swirl, eigenvalue, velocity}, out);
+        EXPECT_EQ(out.resized, 1) << operation.name;
+        EXPECT_TRUE(out.asked.empty()) << operation.name;
+    }
+    EXPECT_EQ(swirl.resized + eigenvalue.resized, 0);
+    EXPECT_TRUE(swirl.asked.empty() && eigenvalue.asked.empty());
 }
 
 // A class derived from the library's, with an operation of its own.
@@ -78,23 +116,18 @@ struct Results {
 Results resultsOf(const TensorEigenizer& t, FloatQELVector& swirl, FloatQELVector& eigenvalue,
                   FloatQELVector& out, TripletQELVector velocity) {
     Results r;
-    const auto keep = [&] { r.floats.push_back(valuesOf(out)); };
-    TripletQELVector triplets;
-    const auto keepTriplets = [&] { r.triplets.push_back(triplets.getInternals()); };
-    t.getInvariantQ(out), keep();
-    t.getDivergence(out), keep();
-    t.getDiscrim(out), keep();
-    t.get2ndEValSymmTT(out), keep();
-    t.getHelicity(velocity, out), keep();
-    t.getVorticity(triplets), keepTriplets();
     t.getSwirlStrength(swirl, eigenvalue);
-    r.floats.push_back(valuesOf(swirl));
-    r.floats.push_back(valuesOf(eigenvalue));
-    t.getSwirlStretchRate(swirl, eigenvalue, out), keep();
-    t.getRealEigenHelicity(swirl, eigenvalue, out), keep();
-    t.getNormEigenHelicity(swirl, eigenvalue, out), keep();
-    t.getSwirlNormal(swirl, eigenvalue, triplets), keepTriplets();
-    t.getEVecReal(swirl, eigenvalue, triplets), keepTriplets();
+    r.floats = {valuesOf(swirl), valuesOf(eigenvalue)};
+    const Inputs in = {swirl, eigenvalue, velocity};
+    for (const auto& operation : kFloatOperations) {
+        operation.run(t, in, out);
+        r.floats.push_back(valuesOf(out));
+    }
+    TripletQELVector triplets;
+    for (const auto& operation : kTripletOperations) {
+        operation.run(t, in, triplets);
+        r.triplets.push_back(triplets.getInternals());
+    }
     return r;
 }
 
@@ -247,21 +280,30 @@ bool expires(FloatQELVectorConcrete& array, const Action& action) {
     return array.getMax() == 1e9f;
 }
 
-TEST(SharedMemory, InputsReadByIndexExpire) {
+template <typename FloatOutput>
+void expectInputsToExpire() {
     const Field field(std::vector<Tensor>(3, Tensor{0, -1, 0, 1, 0, 0, 0, 0, 0}));
     const TensorEigenizer t = field.eigenizer();
     const TensorEigenizer none(0, field.row1, field.row2, field.row3);
-    FloatQELVectorConcrete swirl, eigenvalue, out;
-    CallersArray callers;
-    for (FloatQELVector* const output :
-         {static_cast<FloatQELVector*>(&out), static_cast<FloatQELVector*>(&callers)}) {
+    TripletQELVector velocity;
+    forEachOperation<FloatOutput>([&](const auto& operation, auto& out) {
+        if (!operation.takesSwirl) {
+            return;
+        }
+        FloatQELVectorConcrete swirl, eigenvalue;
+        const Inputs in = {swirl, eigenvalue, velocity};
         t.getSwirlStrength(swirl, eigenvalue);
-        EXPECT_TRUE(expires(swirl, [&] { t.getSwirlStretchRate(swirl, eigenvalue, *output); }));
-        EXPECT_TRUE(
-            expires(eigenvalue, [&] { t.getSwirlStretchRate(swirl, eigenvalue, *output); }));
+        EXPECT_TRUE(expires(swirl, [&] { operation.run(t, in, out); }));
+        EXPECT_TRUE(expires(eigenvalue, [&] { operation.run(t, in, out); }));
         t.getSwirlStrength(swirl, eigenvalue);
-        EXPECT_FALSE(expires(swirl, [&] { none.getSwirlStretchRate(swirl, eigenvalue, *output); }));
-    }
+        EXPECT_FALSE(expires(swirl, [&] { operation.run(none, in, out); }));
+        EXPECT_FALSE(expires(eigenvalue, [&] { operation.run(none, in, out); }));
+    });
+}
+
+TEST(SharedMemory, InputsReadByIndexExpire) {
+    expectInputsToExpire<FloatQELVectorConcrete>();
+    expectInputsToExpire<CallersArray>();
 }
 
 TEST(SharedMemory, VelocityExpiresAndRowsDoNot) {
@@ -304,7 +346,8 @@ TEST(SharedMemory, ABadComponentIsRefusedAtTheFirstPoint) {
     const Field field(std::vector<Tensor>(3, Tensor{}));
     TripletQELVector triplets;
     FloatQELVectorComponent view(triplets, 3);
-    EXPECT_THROW(field.eigenizer().getInvariantQ(view), qel::data::invalid);
+    EXPECT_THAT([&] { field.eigenizer().getInvariantQ(view); },
+                throwsInvalid("Triplet", "getRef", "Index (3) out of range 0..2"));
     EXPECT_EQ(triplets.size(), 3u) << "resized before";
 }
 

@@ -9,6 +9,7 @@
 #include "platform/VectorUnit.h"
 #include "support/Bits.h"
 #include "tensor/Fields.h"
+#include "tensor/Operations.h"
 #include "tensor/PlainFormulas.h"
 
 namespace {
@@ -30,45 +31,46 @@ protected:
     void TearDown() override { qel::restoreVectorUnit(); }
 };
 
-// Compares all outputs with those that go point by point, into arrays of a caller's kind.
+TripletQELVector plainVorticity(const std::vector<Tensor>& tensors) {
+    TripletQELVector vorticity;
+    for (const Tensor& tensor : tensors) {
+        vorticity.push_back(plain::vorticity(tensor));
+    }
+    return vorticity;
+}
+
+// Compares all outputs with those that go point by point: into arrays of a caller's kind, or from
+// them.
 void checkAll(const std::vector<Tensor>& tensors) {
     const Field field(tensors);
     const TensorEigenizer t = field.eigenizer();
-    FloatQELVectorConcrete own, swirl, eigenvalue;
-    CallersArray callers, callersSwirl, callersEigenvalue;
-    const auto same = [&](const char* what) {
-        EXPECT_TRUE(sameBitsInAll(valuesOf(own), valuesOf(callers))) << what;
-    };
-    t.getInvariantQ(own), t.getInvariantQ(callers), same("Q");
-    t.getDivergence(own), t.getDivergence(callers), same("divergence");
-    t.getDiscrim(own), t.getDiscrim(callers), same("discriminant");
-    t.get2ndEValSymmTT(own), t.get2ndEValSymmTT(callers), same("lambda-2");
     TripletQELVector velocity = field.row3;
-    t.getHelicity(velocity, own), t.getHelicity(velocity, callers), same("helicity");
-
+    FloatQELVectorConcrete swirl, eigenvalue;
+    CallersArray callersSwirl, callersEigenvalue;
     t.getSwirlStrength(swirl, eigenvalue);
     t.getSwirlStrength(callersSwirl, callersEigenvalue);
     EXPECT_TRUE(sameBitsInAll(valuesOf(swirl), valuesOf(callersSwirl)));
     EXPECT_TRUE(sameBitsInAll(valuesOf(eigenvalue), valuesOf(callersEigenvalue)));
-    t.getSwirlStretchRate(swirl, eigenvalue, own);
-    t.getSwirlStretchRate(swirl, eigenvalue, callers), same("stretch rate");
-    t.getRealEigenHelicity(swirl, eigenvalue, own);
-    t.getRealEigenHelicity(swirl, eigenvalue, callers), same("eigenvector helicity");
-    t.getNormEigenHelicity(swirl, eigenvalue, own);
-    t.getNormEigenHelicity(swirl, eigenvalue, callers), same("normal helicity");
+    const Inputs in = {swirl, eigenvalue, velocity};
+    const Inputs callersIn = {callersSwirl, callersEigenvalue, velocity};
+    for (const auto& operation : kFloatOperations) {
+        FloatQELVectorConcrete own;
+        CallersArray callers;
+        operation.run(t, in, own);
+        operation.run(t, in, callers);
+        EXPECT_TRUE(sameBitsInAll(valuesOf(own), valuesOf(callers))) << operation.name;
+    }
 
     TripletQELVector fast, plain;
-    t.getVorticity(fast);
-    for (const Tensor& tensor : tensors) {
-        plain.push_back(plain::vorticity(tensor));
+    for (const auto& operation : kTripletOperations) {
+        operation.run(t, in, fast);
+        if (operation.takesSwirl) {
+            operation.run(t, callersIn, plain);
+        } else {
+            plain = plainVorticity(tensors);
+        }
+        EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << operation.name;
     }
-    EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << "vorticity";
-    t.getSwirlNormal(swirl, eigenvalue, fast);
-    t.getSwirlNormal(callersSwirl, callersEigenvalue, plain);
-    EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << "normal";
-    t.getEVecReal(swirl, eigenvalue, fast);
-    t.getEVecReal(callersSwirl, callersEigenvalue, plain);
-    EXPECT_TRUE(sameBitsInAll(fast.getInternals(), plain.getInternals())) << "eigenvector";
 }
 
 TEST_P(VectorUnits, RandomTensors) {
@@ -169,16 +171,13 @@ TEST_P(VectorUnits, OutputsWithinTriplets) {
         const TensorEigenizer t = field.eigenizer();
         TripletQELVector triplets = field.row1, velocity = field.row2;
         qel::FloatQELVectorComponent view(triplets, 1);
-        FloatQELVectorConcrete own;
-        const auto same = [&] { return sameBitsInAll(valuesOf(own), valuesOf(view)); };
-        t.getInvariantQ(own), t.getInvariantQ(view);
-        EXPECT_TRUE(same()) << "Q";
-        t.getDivergence(own), t.getDivergence(view);
-        EXPECT_TRUE(same()) << "divergence";
-        t.getDiscrim(own), t.getDiscrim(view);
-        EXPECT_TRUE(same()) << "discriminant";
-        t.getHelicity(velocity, own), t.getHelicity(velocity, view);
-        EXPECT_TRUE(same()) << "helicity";
+        FloatQELVectorConcrete own, swirl, eigenvalue;
+        t.getSwirlStrength(swirl, eigenvalue);
+        for (const auto& operation : kFloatOperations) {
+            operation.run(t, {swirl, eigenvalue, velocity}, own);
+            operation.run(t, {swirl, eigenvalue, velocity}, view);
+            EXPECT_TRUE(sameBitsInAll(valuesOf(own), valuesOf(view))) << operation.name;
+        }
     }
 }
 
