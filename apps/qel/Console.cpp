@@ -5,8 +5,11 @@
 #include <chrono>
 #include <csignal>
 #include <iostream>
+#include <map>
 
 #include <unistd.h>
+
+#include <CLI/CLI.hpp>
 
 #include <vtkAlgorithm.h>
 #include <vtkCallbackCommand.h>
@@ -21,6 +24,10 @@ namespace {
 constexpr double kSilentSeconds = 0.5;
 constexpr int kBarWidth = 40;
 
+enum class Bars { automatic, always, never };
+
+Bars bars = Bars::automatic;
+
 volatile std::sig_atomic_t stopAsked = 0;
 
 void onSignal(int number) {
@@ -31,6 +38,12 @@ void onSignal(int number) {
 double seconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch())
         .count();
+}
+
+bool isBarDue(double start) {
+    static const bool terminal = isatty(STDERR_FILENO) != 0;
+    return bars == Bars::always ||
+           (bars == Bars::automatic && terminal && seconds() - start >= kSilentSeconds);
 }
 
 void line(const std::string& text) {
@@ -81,15 +94,27 @@ ProgressBar::~ProgressBar() {
 }
 
 void ProgressBar::show(double share) {
-    static const bool terminal = isatty(STDERR_FILENO) != 0;
     const int percent = static_cast<int>(100.0 * std::clamp(share, 0.0, 1.0));
-    if (!terminal || percent == shown_ || seconds() - start_ < kSilentSeconds) {
+    if (percent == shown_ || !isBarDue(start_)) {
         return;
     }
     shown_ = percent;
     const auto full = static_cast<std::size_t>(kBarWidth * percent / 100);
     std::cerr << "\r\033[K" << label_ << " [" << std::string(full, '#')
               << std::string(kBarWidth - full, '.') << "] " << percent << " %" << std::flush;
+}
+
+void addProgressOption(CLI::App* command) {
+    static const std::map<std::string, Bars> kChoices{
+        {"auto", Bars::automatic}, {"always", Bars::always}, {"never", Bars::never}};
+    command
+        ->add_option_function<std::string>(
+            "--progress", [](const std::string& choice) { bars = kChoices.at(choice); },
+            "Bars of progress on standard error: auto (on a terminal, for what takes longer), "
+            "always or never")
+        ->check(CLI::IsMember(kChoices))
+        ->type_name("WHEN")
+        ->default_str("auto");
 }
 
 // -- VTK's work ----

@@ -8,6 +8,9 @@
 #include <stdexcept>
 #include <string>
 
+namespace CLI {
+class App;
+}
 class vtkAlgorithm;
 
 namespace program {
@@ -37,8 +40,8 @@ void fail(const std::string& text);
 void catchInterrupts();
 void throwIfInterrupted();
 
-/// A bar on standard error, if that is a terminal, that is wiped at the end. Nothing is shown for
-/// work of less than half a second.
+/// A bar on standard error that is wiped at the end. Unless the user chooses otherwise it is shown
+/// on a terminal alone, and only once the work has taken half a second.
 class ProgressBar {
 public:
     explicit ProgressBar(std::string label);
@@ -53,6 +56,9 @@ private:
     double start_;
     int shown_ = -1;
 };
+
+/// Gives a command the option by which the user chooses when bars are shown.
+void addProgressOption(CLI::App* command);
 
 /// Updates a VTK algorithm under a progress bar; Ctrl-C aborts it.
 ///

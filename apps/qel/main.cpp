@@ -38,6 +38,9 @@ int parseAndRun(int argc, char** argv) {
     program::addCurveCommand(app);
     program::addNearestCommand(app);
     program::addDemoCommand(app);
+    for (CLI::App* command : app.get_subcommands(nullptr)) {
+        program::addProgressOption(command);
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {

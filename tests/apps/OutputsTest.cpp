@@ -100,14 +100,12 @@ TEST_F(Outputs, DevicesAndPipesAreNoFiles) {
     expectRefused("nearest curve.csv curve.csv -o pipe.csv", "it is no ordinary file");
 }
 
+// Open for reading alone, it takes nothing.
 TEST_F(Outputs, StandardOutputThatCannotBeWrittenIsAnError) {
-    if (!fs::exists("/dev/full")) {
-        GTEST_SKIP() << "there is no /dev/full";
-    }
     for (const char* arguments : {"vortex flow.vti --stats -", "vortex flow.vti",
                                   "curve curve.csv --print", "nearest curve.csv curve.csv"}) {
         SCOPED_TRACE(arguments);
-        const auto run = shell(std::string("qel ") + arguments + " >/dev/full");
+        const auto run = shell(std::string("qel ") + arguments + " 1</dev/null");
         EXPECT_EQ(run.status, 2);
         EXPECT_NE(run.err.find("qel: error: cannot write to standard output"), std::string::npos);
     }
