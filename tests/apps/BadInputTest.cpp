@@ -13,10 +13,7 @@ class BadInput : public qel_test::Program {
 protected:
     void SetUp() override {
         qel_test::Program::SetUp();
-        vtkNew<vtkXMLImageDataWriter> writer;
-        writer->SetInputData(qel_test::rotation(12, 12, 12));
-        writer->SetFileName((folder / "flow.vti").c_str());
-        ASSERT_EQ(writer->Write(), 1);
+        writeData<vtkXMLImageDataWriter>("flow.vti", qel_test::rotation(12, 12, 12));
         write("curve.csv", "x,y\n0,0\n1,0\n1,1\n");
         write("empty", "");
         write("words.txt", "nothing here\nbut words\n");

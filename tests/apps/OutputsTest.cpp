@@ -15,17 +15,11 @@ class Outputs : public qel_test::Program {
 protected:
     void SetUp() override {
         qel_test::Program::SetUp();
-        vtkNew<vtkXMLImageDataWriter> writer;
-        writer->SetInputData(qel_test::rotation(12, 12, 12));
-        writer->SetFileName((folder / "flow.vti").c_str());
-        ASSERT_EQ(writer->Write(), 1);
+        writeData<vtkXMLImageDataWriter>("flow.vti", qel_test::rotation(12, 12, 12));
         vtkNew<vtkMultiBlockDataSet> blocks;
         blocks->SetBlock(0, qel_test::rotation(9, 5, 5));
         blocks->SetBlock(1, qel_test::rotation(4, 5, 6));
-        vtkNew<vtkXMLMultiBlockDataWriter> blockWriter;
-        blockWriter->SetInputData(blocks);
-        blockWriter->SetFileName((folder / "blocks.vtm").c_str());
-        ASSERT_EQ(blockWriter->Write(), 1);
+        writeData<vtkXMLMultiBlockDataWriter>("blocks.vtm", blocks);
         write("curve.csv", "x,y\n0,0\n1,0\n1,1\n");
     }
 
