@@ -23,6 +23,7 @@ namespace {
 
 constexpr double kSilentSeconds = 0.5;
 constexpr int kBarWidth = 40;
+constexpr const char* kWipe = "\r\033[K"; // empties the line
 
 enum class Bars { automatic, always, never };
 
@@ -40,14 +41,21 @@ double seconds() {
         .count();
 }
 
-bool isBarDue(double start) {
+bool mayShowBars() {
     static const bool terminal = isatty(STDERR_FILENO) != 0;
-    return bars == Bars::always ||
-           (bars == Bars::automatic && terminal && seconds() - start >= kSilentSeconds);
+    return bars == Bars::always || (bars == Bars::automatic && terminal);
 }
 
-void line(const std::string& text) {
-    std::cerr << "qel: " << text << std::endl;
+bool isBarDue(double start) {
+    return mayShowBars() && (bars == Bars::always || seconds() - start >= kSilentSeconds);
+}
+
+std::string lineOf(const std::string& text) {
+    return "qel: " + text + "\n";
+}
+
+void say(const std::string& text) {
+    std::cerr << lineOf(text) << std::flush;
 }
 
 } // namespace
@@ -55,15 +63,19 @@ void line(const std::string& text) {
 // -- Messages ----
 
 void note(const std::string& text) {
-    line(text);
+    say(text);
 }
 
 void warn(const std::string& text) {
-    line("warning: " + text);
+    say("warning: " + text);
 }
 
 void fail(const std::string& text) {
-    line("error: " + text);
+    say("error: " + text);
+}
+
+std::string lastWords(const std::string& text) {
+    return (mayShowBars() ? kWipe : "") + lineOf("error: " + text);
 }
 
 // -- Stopping ----
@@ -89,7 +101,7 @@ ProgressBar::ProgressBar(std::string label) : label_(std::move(label)), start_(s
 
 ProgressBar::~ProgressBar() {
     if (shown_ >= 0) {
-        std::cerr << "\r\033[K" << std::flush;
+        std::cerr << kWipe << std::flush;
     }
 }
 
@@ -100,7 +112,7 @@ void ProgressBar::show(double share) {
     }
     shown_ = percent;
     const auto full = static_cast<std::size_t>(kBarWidth * percent / 100);
-    std::cerr << "\r\033[K" << label_ << " [" << std::string(full, '#')
+    std::cerr << kWipe << label_ << " [" << std::string(full, '#')
               << std::string(kBarWidth - full, '.') << "] " << percent << " %" << std::flush;
 }
 

@@ -35,6 +35,9 @@ void note(const std::string& text);
 void warn(const std::string& text);
 void fail(const std::string& text);
 
+/// The line that fail() would write, for a CrashGuard to write in its place; it wipes off a bar.
+std::string lastWords(const std::string& text);
+
 /// From now on Ctrl-C, a request to end and a terminal that is closed stop the work at its next
 /// step; a second one ends the program at once. With nohup, a closed terminal has no effect.
 void catchInterrupts();

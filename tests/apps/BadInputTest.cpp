@@ -9,6 +9,14 @@
 
 namespace {
 
+std::string repeated(const std::string& part, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += part;
+    }
+    return text;
+}
+
 class BadInput : public qel_test::Program {
 protected:
     void SetUp() override {
@@ -128,6 +136,29 @@ TEST_F(BadInput, EveryPartOfABinaryFile) {
     for (std::size_t part = 1; part < 20; ++part) {
         write("part.vtk", whole.substr(0, part * whole.size() / 20));
         expectRefused("curve part.vtk -o out.csv", "part.vtk");
+    }
+}
+
+// Trees of any depth cannot be taken apart by recursion, which is what VTK does.
+TEST_F(BadInput, FilesThatNestTooDeeply) {
+    constexpr int n = 100000;
+    const std::string elements = repeated("<a>", n) + repeated("</a>", n);
+    write("deep.vti", "<VTKFile type=\"ImageData\">" + elements +
+                          "<ImageData WholeExtent=\"0 1 0 1 0 1\"/></VTKFile>");
+    write("deep.pvtk", "<File version=\"pvtk-1.0\">" + elements + "</File>");
+    write("deep.gpx", "<gpx>" + elements + "</gpx>");
+    write("deep.json",
+          repeated(R"({"type": "GeometryCollection", "geometries": [)", n) + repeated("]}", n));
+    for (const auto& [arguments, reason] :
+         {std::pair("vortex deep.vti", "deep.vti: the reader fails, the file is damaged"),
+          std::pair("vortex deep.pvtk", "deep.pvtk is no partitioned VTK file, or damaged"),
+          std::pair("curve deep.gpx", "deep.gpx is no GPX, or damaged"),
+          std::pair("curve deep.json", "deep.json: geometries are nested too deeply")}) {
+        SCOPED_TRACE(arguments);
+        const auto run = shell(std::string("ulimit -s 1024; qel ") + arguments); // 1 MiB
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err.rfind("qel: error: ", 0), 0U) << run.err;
+        EXPECT_NE(run.err.find(reason), std::string::npos) << run.err;
     }
 }
 
