@@ -46,6 +46,7 @@
 
 #include "Console.h"
 #include "CrashGuard.h"
+#include "DataCheck.h"
 #include "FileKind.h"
 #include "Leaves.h"
 #include "NetcdfSize.h"
@@ -288,6 +289,9 @@ vtkSmartPointer<vtkDataObject> read(const std::string& path, const Make& make,
     const std::vector<Leaf> leaves = data == nullptr ? std::vector<Leaf>() : leavesOf(data);
     if (leaves.empty()) {
         throw UserError(path + " has no points, or is damaged");
+    }
+    for (const Leaf& leaf : leaves) {
+        checkData(leaf.data, path);
     }
     if (leaves.size() == 1) {
         return leaves.front().data; // without the composite around it, if there is one
