@@ -50,6 +50,30 @@ bool isBarDue(double start) {
     return mayShowBars() && (bars == Bars::always || seconds() - start >= kSilentSeconds);
 }
 
+// Shows how far an algorithm has come, and aborts it if the user asks for that.
+class Watch {
+public:
+    Watch(vtkAlgorithm* algorithm, const std::string& what) : algorithm_(algorithm), bar_(what) {
+        vtkNew<vtkCallbackCommand> command;
+        command->SetClientData(&bar_);
+        command->SetCallback([](vtkObject* caller, unsigned long, void* bar, void* share) {
+            static_cast<ProgressBar*>(bar)->show(*static_cast<double*>(share));
+            if (stopAsked != 0) {
+                vtkAlgorithm::SafeDownCast(caller)->SetAbortExecute(1);
+            }
+        });
+        observer_ = algorithm->AddObserver(vtkCommand::ProgressEvent, command);
+    }
+    ~Watch() { algorithm_->RemoveObserver(observer_); }
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+
+private:
+    vtkAlgorithm* algorithm_;
+    ProgressBar bar_;
+    unsigned long observer_;
+};
+
 std::string lineOf(const std::string& text) {
     return "qel: " + text + "\n";
 }
@@ -133,20 +157,12 @@ void addProgressOption(CLI::App* command) {
 
 void watched(vtkAlgorithm* algorithm, const std::string& what, const std::function<void()>& work) {
     throwIfInterrupted();
-    ProgressBar bar(what);
-    vtkNew<vtkCallbackCommand> watch;
-    watch->SetClientData(&bar);
-    watch->SetCallback([](vtkObject* caller, unsigned long, void* data, void* share) {
-        static_cast<ProgressBar*>(data)->show(*static_cast<double*>(share));
-        if (stopAsked != 0) {
-            vtkAlgorithm::SafeDownCast(caller)->SetAbortExecute(1);
-        }
-    });
     VtkMessages& messages = VtkMessages::instance();
     messages.clear();
-    const unsigned long observer = algorithm->AddObserver(vtkCommand::ProgressEvent, watch);
-    work();
-    algorithm->RemoveObserver(observer);
+    {
+        const Watch watch(algorithm, what);
+        work();
+    }
     throwIfInterrupted();
     if (!messages.errors().empty()) {
         throw UserError(what + ": " + messages.errors().front());

@@ -1,4 +1,6 @@
 // Bad input: one clear line, exit code 2, nothing left behind.
+#include <cstdint>
+
 #include "Flows.h"
 #include "Program.h"
 
@@ -87,6 +89,8 @@ TEST_F(BadInput, Outputs) {
     expectRefused("curve curve.csv -o out.xyz", "curves are written to .csv");
     expectRefused("curve curve.csv --image p.gif", "has to end in .png or .svg");
     expectRefused("nearest curve.csv curve.csv -o nowhere/n.csv", "there is no folder nowhere");
+    std::filesystem::create_symlink("round", folder / "round");
+    expectRefused("curve curve.csv -o round/out.csv", "round/out.csv: Too many levels");
 }
 
 TEST_F(BadInput, SaysWhatToInstallWithoutADisplay) {
@@ -137,6 +141,31 @@ TEST_F(BadInput, EveryPartOfABinaryFile) {
         write("part.vtk", whole.substr(0, part * whole.size() / 20));
         expectRefused("curve part.vtk -o out.csv", "part.vtk");
     }
+}
+
+// Numbers that are all but equal, and those that are too far apart for a difference.
+TEST_F(BadInput, CurvesThatAreHardToDraw) {
+    write("close.csv", "x,y\n1e20,0\n100000000000000016384,1\n");
+    const auto run = qel("curve close.csv --image close.svg");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_LT(text("close.svg").size(), 10000U);
+    write("far.csv", "x,y\n-1.7e308,0\n1.7e308,1\n");
+    expectRefused("curve far.csv --image far.svg", "the curves are too large to draw");
+}
+
+// Whose length leads back to where it stands.
+TEST_F(BadInput, NamesInExodusFilesThatNeverEnd) {
+    const auto number = [](std::uint64_t value) {
+        std::string bytes;
+        for (int shift = 56; shift >= 0; shift -= 8) {
+            bytes += static_cast<char>(value >> static_cast<unsigned>(shift));
+        }
+        return bytes;
+    };
+    const std::string header = std::string("CDF\5", 4) + number(1);
+    const std::string dimensions = std::string("\0\0\0\12", 4) + number(std::uint64_t{1} << 60U);
+    write("flow.ex2", header + dimensions + number(std::uint64_t(0) - 16) + number(5));
+    expectRefused("vortex flow.ex2", "flow.ex2 is damaged: it ends too early");
 }
 
 // Trees of any depth cannot be taken apart by recursion, which is what VTK does.
