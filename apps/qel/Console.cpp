@@ -28,6 +28,7 @@ constexpr const char* kWipe = "\r\033[K"; // empties the line
 enum class Bars { automatic, always, never };
 
 Bars bars = Bars::automatic;
+bool barStands = false;
 
 volatile std::sig_atomic_t stopAsked = 0;
 
@@ -79,6 +80,7 @@ std::string lineOf(const std::string& text) {
 }
 
 void say(const std::string& text) {
+    wipeBar();
     std::cerr << lineOf(text) << std::flush;
 }
 
@@ -124,9 +126,7 @@ void throwIfInterrupted() {
 ProgressBar::ProgressBar(std::string label) : label_(std::move(label)), start_(seconds()) {}
 
 ProgressBar::~ProgressBar() {
-    if (shown_ >= 0) {
-        std::cerr << kWipe << std::flush;
-    }
+    wipeBar();
 }
 
 void ProgressBar::show(double share) {
@@ -135,9 +135,17 @@ void ProgressBar::show(double share) {
         return;
     }
     shown_ = percent;
+    barStands = true;
     const auto full = static_cast<std::size_t>(kBarWidth * percent / 100);
     std::cerr << kWipe << label_ << " [" << std::string(full, '#')
               << std::string(kBarWidth - full, '.') << "] " << percent << " %" << std::flush;
+}
+
+void wipeBar() {
+    if (barStands) {
+        barStands = false;
+        std::cerr << kWipe << std::flush;
+    }
 }
 
 void addProgressOption(CLI::App* command) {

@@ -60,6 +60,10 @@ private:
     int shown_ = -1;
 };
 
+/// Wipes the bar off until its work has gone on, for what is written to standard output; messages
+/// do so by themselves.
+void wipeBar();
+
 /// Gives a command the option by which the user chooses when bars are shown.
 void addProgressOption(CLI::App* command);
 

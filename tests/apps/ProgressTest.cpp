@@ -73,9 +73,24 @@ TEST_F(Progress, IsAlwaysShownIfWanted) {
     printToASlowReader("--progress always");
     std::string all;
     for (int percent = 10; percent <= 100; percent += 10) {
-        all += bar("curves", percent);
+        all += bar("curves", percent) + kWipe; // before the next curve is printed
     }
-    EXPECT_EQ(text("errors"), all + kWipe);
+    EXPECT_EQ(text("errors"), all);
+}
+
+TEST_F(Progress, DoesNotMixWithWhatIsPrinted) {
+    write("curves.csv", "x,y,curve\n0,0,1\n1,0,1\n0,0,2\n2,0,2\n");
+    for (const std::string step :
+         {"--print", "--simplify 2", "--project probe.csv", "--intersect probe.csv"}) {
+        SCOPED_TRACE(step);
+        write("probe.csv", "x,y\n0.5,-1\n0.5,1\n");
+        const auto run = shell("qel curve curves.csv --dim 2 --progress always " + step + " 2>&1");
+        EXPECT_EQ(run.status, 0);
+        const std::size_t between = run.out.find(bar("curves", 50));
+        ASSERT_NE(between, std::string::npos) << run.out;
+        EXPECT_EQ(run.out.compare(between + bar("curves", 50).size(), kWipe.size(), kWipe), 0)
+            << run.out;
+    }
 }
 
 TEST_F(Progress, ComesFromVtk) {
