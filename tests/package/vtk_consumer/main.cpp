@@ -2,7 +2,6 @@
 // the number of things that went wrong.
 
 #include <cmath>
-#include <iostream>
 
 #include <vtkCellArray.h>
 #include <vtkDataArray.h>
@@ -16,16 +15,9 @@
 #include <vtkQELPolyline.h>
 #include <vtkQELVortexFilter.h>
 
+#include "../Expect.h"
+
 namespace {
-
-int failures = 0;
-
-void expect(bool holds, const char* what) {
-    if (!holds) {
-        std::cerr << "wrong: " << what << "\n";
-        ++failures;
-    }
-}
 
 // Rotation about z at the rate 1.
 void checkVortexFilter() {
