@@ -133,10 +133,10 @@ TEST_F(Outputs, AFullDiskLeavesNothing) {
 TEST_F(Outputs, GoToRelativePathsWithBlanks) {
     fs::create_directories(folder / "my flows/of today");
     fs::rename(folder / "flow.vti", folder / "my flows/flow 1.vti");
-    ASSERT_EQ(shell("cd 'my flows' && qel vortex 'flow 1.vti' -o '../my flows/of today/out 1' "
-                    "--stats 'of today/s 1.csv' --image 'of today/p 1.png'")
-                  .status,
-              0);
+    const auto run =
+        shell("cd 'my flows' && qel vortex 'flow 1.vti' -o '../my flows/of today/out 1' "
+              "--stats 'of today/s 1.csv' --image 'of today/p 1.png'");
+    ASSERT_EQ(run.status, 0) << run.err;
     for (const char* file : {"out 1.vti", "s 1.csv", "p 1.png"}) {
         EXPECT_TRUE(fs::exists(folder / "my flows/of today" / file)) << file;
     }
