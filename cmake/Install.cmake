@@ -34,6 +34,23 @@ install(FILES ${PROJECT_BINARY_DIR}/QELDataHandlingConfig.cmake
               ${PROJECT_BINARY_DIR}/QELDataHandlingConfigVersion.cmake
         DESTINATION ${qel_package_dir})
 
+# The component VTK of it is for the version of VTK that the filters are built with: VTK's libraries
+# carry that in their names.
+if(QEL_HAVE_VTK)
+    install(
+        EXPORT QELDataHandlingVTKTargets
+        NAMESPACE QEL::
+        DESTINATION ${qel_package_dir})
+    get_target_property(qel_vtk_modules QELVTK LINK_LIBRARIES)
+    list(FILTER qel_vtk_modules INCLUDE REGEX "^VTK::")
+    list(TRANSFORM qel_vtk_modules REPLACE "^VTK::" "")
+    list(JOIN qel_vtk_modules " " qel_vtk_modules)
+    math(EXPR qel_vtk_next_minor "${VTK_MINOR_VERSION} + 1")
+    configure_file(cmake/QELDataHandlingVTK.cmake.in ${PROJECT_BINARY_DIR}/QELDataHandlingVTK.cmake
+                   @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/QELDataHandlingVTK.cmake DESTINATION ${qel_package_dir})
+endif()
+
 # -- pkg-config module ----
 
 # The same flags that the CMake target hands on.

@@ -8,6 +8,9 @@
 #include <stdexcept>
 #include <string>
 
+namespace CLI {
+class App;
+}
 class vtkAlgorithm;
 
 namespace program {
@@ -32,13 +35,16 @@ void note(const std::string& text);
 void warn(const std::string& text);
 void fail(const std::string& text);
 
+/// The line that fail() would write, for a CrashGuard to write in its place; it wipes off a bar.
+std::string lastWords(const std::string& text);
+
 /// From now on Ctrl-C, a request to end and a terminal that is closed stop the work at its next
 /// step; a second one ends the program at once. With nohup, a closed terminal has no effect.
 void catchInterrupts();
 void throwIfInterrupted();
 
-/// A bar on standard error, if that is a terminal, that is wiped at the end. Nothing is shown for
-/// work of less than half a second.
+/// A bar on standard error that is wiped at the end. Unless the user chooses otherwise it is shown
+/// on a terminal alone, and only once the work has taken half a second.
 class ProgressBar {
 public:
     explicit ProgressBar(std::string label);
@@ -53,6 +59,13 @@ private:
     double start_;
     int shown_ = -1;
 };
+
+/// Wipes the bar off until its work has gone on, for what is written to standard output; messages
+/// do so by themselves.
+void wipeBar();
+
+/// Gives a command the option by which the user chooses when bars are shown.
+void addProgressOption(CLI::App* command);
 
 /// Updates a VTK algorithm under a progress bar; Ctrl-C aborts it.
 ///

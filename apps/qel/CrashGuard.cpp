@@ -1,29 +1,49 @@
 // Crashes of code that reads damaged files.
 #include "CrashGuard.h"
 
-#include <unistd.h>
+#include <atomic>
+#include <new>
+#include <utility>
 
-#include "Console.h"
+#include <unistd.h>
 
 namespace program {
 namespace {
 
-// What the handler writes; it may not ask for memory.
-std::string lastWords;
+// Ample for the handler and for the registers that the system saves there.
+constexpr std::size_t kStackSize = 64 * 1024;
 
-void onCrash(int) {
-    const ssize_t ignored = write(STDERR_FILENO, lastWords.data(), lastWords.size());
-    static_cast<void>(ignored);
-    _exit(kExitBadInput);
-}
+std::atomic<const CrashGuard*> innermost{nullptr};
+static_assert(std::atomic<const CrashGuard*>::is_always_lock_free, "a signal handler reads it");
 
 } // namespace
 
-CrashGuard::CrashGuard(const std::string& message) {
-    const char* wipe = isatty(STDERR_FILENO) != 0 ? "\r\033[K" : ""; // of a progress bar
-    lastWords = wipe + ("qel: error: " + message + "\n");
+// Runs in whatever state the crash has left: it asks for no memory, takes no lock and calls nothing
+// but what is safe in a signal handler.
+void CrashGuard::onCrash(int) {
+    const CrashGuard* guard = innermost.load();
+    const ssize_t ignored =
+        write(STDERR_FILENO, guard->lastWords_.data(), guard->lastWords_.size());
+    static_cast<void>(ignored);
+    _exit(guard->exitCode_);
+}
+
+CrashGuard::CrashGuard(std::string lastWords, int exitCode) noexcept
+    : lastWords_(std::move(lastWords)),
+      exitCode_(exitCode),
+      outer_(innermost.load()),
+      stack_(new (std::nothrow) char[kStackSize]) {
+    if (stack_ != nullptr) {
+        stack_t stack{};
+        stack.ss_sp = stack_.get();
+        stack.ss_size = kStackSize;
+        sigaltstack(&stack, &stackBefore_);
+    }
+    innermost.store(this);
     struct sigaction action {};
     action.sa_handler = onCrash;
+    action.sa_flags = SA_ONSTACK; // the usual stack may be what has run out
+    sigfillset(&action.sa_mask);
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
         sigaction(kSignals[i], &action, &before_[i]);
     }
@@ -32,6 +52,10 @@ CrashGuard::CrashGuard(const std::string& message) {
 CrashGuard::~CrashGuard() {
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
         sigaction(kSignals[i], &before_[i], nullptr);
+    }
+    innermost.store(outer_);
+    if (stack_ != nullptr) {
+        sigaltstack(&stackBefore_, nullptr);
     }
 }
 

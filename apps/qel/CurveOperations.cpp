@@ -59,6 +59,12 @@ std::string text(const Point& p) {
     return stream.str();
 }
 
+// For what steps print.
+std::ostream& out() {
+    wipeBar();
+    return std::cout;
+}
+
 // -- Point data ----
 
 // The points that are left of those before, found again in order; the last is the last.
@@ -183,7 +189,7 @@ Step simplify(const Words& words) {
         const std::size_t before = curve.curve.getSize();
         std::vector<int> kept;
         curve.curve.optimizeByNormalDistance(count, kept, tolerance);
-        std::cout << curve.name << ": kept " << kept.size() << " of " << before << " points:";
+        out() << curve.name << ": kept " << kept.size() << " of " << before << " points:";
         for (const int id : kept) {
             std::cout << " " << id;
         }
@@ -214,7 +220,7 @@ Step toAxialRadialTheta(const Words& words) {
 Step project(const Words& words) {
     const auto probes = std::make_shared<Points>(readPoints(words[0], {}));
     return [probes](NamedCurve& curve) {
-        std::cout << "# " << curve.name << "\nx,y,z,foot_x,foot_y,foot_z,s,distance\n";
+        out() << "# " << curve.name << "\nx,y,z,foot_x,foot_y,foot_z,s,distance\n";
         for (const Point& probe : *probes) {
             double s = 0.0;
             const Point foot = curve.curve.projectPoint(probe, s);
@@ -233,15 +239,15 @@ Step intersect(const Words& words) {
         for (const NamedCurve& other : *others) {
             qel::TripletBase<float> crossing;
             const bool found = curve.curve.intersectWithCurve(other.curve, crossing);
-            std::cout << curve.name << " x " << other.name << ": "
-                      << (found ? text(Point(crossing)) : "no crossing") << std::endl;
+            out() << curve.name << " x " << other.name << ": "
+                  << (found ? text(Point(crossing)) : "no crossing") << std::endl;
         }
     };
 }
 
 Step print(const Words&) {
     return [](NamedCurve& curve) {
-        std::cout << std::flush;
+        out() << std::flush;
         curve.curve.printCurveAndSvalues(curve.name);
         std::cout << std::flush;
     };

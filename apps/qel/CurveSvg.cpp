@@ -62,9 +62,10 @@ public:
     void addAxes() {
         for (const std::size_t axis : {std::size_t{0}, std::size_t{1}}) {
             const double step = tickStep(frame_.high[axis] - frame_.low[axis]);
-            for (double k = std::ceil(frame_.low[axis] / step); k * step <= frame_.high[axis];
-                 ++k) {
-                addTick(axis, k * step + 0.0); // no minus before a zero
+            const double first = std::ceil(frame_.low[axis] / step);
+            const double last = std::floor(frame_.high[axis] / step);
+            for (int i = 0; i <= static_cast<int>(last - first); ++i) {
+                addTick(axis, (first + i) * step + 0.0); // no minus before a zero
             }
         }
         out_ << "<rect x=\"" << kLeft << "\" y=\"" << kTop << "\" width=\"" << kRight - kLeft

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include <vtkAlgorithm.h>
@@ -45,6 +46,7 @@
 
 #include "Console.h"
 #include "CrashGuard.h"
+#include "DataCheck.h"
 #include "FileKind.h"
 #include "Leaves.h"
 #include "NetcdfSize.h"
@@ -58,6 +60,21 @@ namespace {
 
 using Reader = vtkSmartPointer<vtkAlgorithm>;
 using Make = std::function<Reader(const std::string&)>;
+
+std::string lastWordsOf(const std::string& path) {
+    return lastWords("reading " + path + ": the reader fails, the file is damaged");
+}
+
+// Has code of others work on a file. Some of it crashes where the file is damaged.
+template <typename Work>
+void guarded(const std::string& path, const Work& work) {
+    const CrashGuard guard(lastWordsOf(path), kExitBadInput);
+    work();
+}
+
+void updateInformation(vtkAlgorithm* reader, const std::string& path) {
+    guarded(path, [&] { reader->UpdateInformation(); });
+}
 
 template <typename T>
 Reader plainReader(const std::string& path) {
@@ -117,11 +134,13 @@ Reader makeExodusReader(const std::string& path) {
         throw UserError(path + " is damaged: it ends too early");
     }
     auto reader = vtkSmartPointer<vtkExodusIIReader>::New();
-    if (reader->CanReadFile(path.c_str()) == 0) {
+    bool readable = false;
+    guarded(path, [&] { readable = reader->CanReadFile(path.c_str()) != 0; });
+    if (!readable) {
         throw UserError(path + " is damaged or no Exodus file");
     }
     reader->SetFileName(path.c_str());
-    reader->UpdateInformation();
+    updateInformation(reader, path);
     reader->SetAllArrayStatus(vtkExodusIIReader::NODAL, 1);
     reader->SetAllArrayStatus(vtkExodusIIReader::ELEM_BLOCK, 1);
     return reader;
@@ -136,7 +155,7 @@ Reader makeFoamReader(const std::string& path) {
     reader->SetCaseType(decomposed ? vtkPOpenFOAMReader::DECOMPOSED_CASE
                                    : vtkPOpenFOAMReader::RECONSTRUCTED_CASE);
     reader->SkipZeroTimeOff();
-    reader->UpdateInformation();
+    updateInformation(reader, path);
     reader->EnableAllCellArrays();
     reader->EnableAllPointArrays();
     return reader;
@@ -144,18 +163,24 @@ Reader makeFoamReader(const std::string& path) {
 
 // VTK's reader ends the program where a file cannot be opened.
 void checkCgns(const std::string& path) {
-    int file = 0;
-    if (cg_open(path.c_str(), CG_MODE_READ, &file) != CG_OK) {
+    bool readable = false;
+    guarded(path, [&] {
+        int file = 0;
+        readable = cg_open(path.c_str(), CG_MODE_READ, &file) == CG_OK;
+        if (readable) {
+            cg_close(file);
+        }
+    });
+    if (!readable) {
         throw UserError(path + " is damaged or no CGNS file: " + cg_get_error());
     }
-    cg_close(file);
 }
 
 Reader makeCgnsReader(const std::string& path) {
     checkCgns(path);
     auto reader = vtkSmartPointer<vtkCGNSReader>::New();
     reader->SetFileName(path.c_str());
-    reader->UpdateInformation();
+    updateInformation(reader, path);
     reader->EnableAllBases();
     reader->EnableAllFamilies();
     reader->EnableAllPointArrays();
@@ -218,19 +243,42 @@ void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
                                          *chosen);
 }
 
+UserError tooLarge(const std::string& path) {
+    return UserError("reading " + path + ": there is not enough memory, or it is damaged");
+}
+
+// Lets go of a reader at the end, however it comes: some take trees apart then that are too deep.
+class GuardedRelease {
+public:
+    GuardedRelease(Reader& reader, const std::string& path)
+        : reader_(reader), lastWords_(lastWordsOf(path)) {}
+    ~GuardedRelease() {
+        const CrashGuard guard(std::move(lastWords_), kExitBadInput); // memory may have run out
+        reader_ = nullptr;
+    }
+    GuardedRelease(const GuardedRelease&) = delete;
+    GuardedRelease& operator=(const GuardedRelease&) = delete;
+
+private:
+    Reader& reader_;
+    std::string lastWords_;
+};
+
 vtkSmartPointer<vtkDataObject> read(const std::string& path, const Make& make,
                                     std::optional<double> time) {
     Reader reader;
+    const GuardedRelease release(reader, path);
     try {
-        const CrashGuard guard("reading " + path + ": VTK's reader fails, the file is damaged");
         reader = make(path);
         watched(reader, "reading " + path, [&] {
-            reader->UpdateInformation();
+            updateInformation(reader, path);
             chooseTime(reader, time);
-            reader->Update();
+            guarded(path, [&] { reader->Update(); });
         });
     } catch (const std::bad_alloc&) {
-        throw UserError("reading " + path + ": there is not enough memory, or it is damaged");
+        throw tooLarge(path);
+    } catch (const std::length_error&) {
+        throw tooLarge(path);
     }
     // The legacy readers warn where a file ends too early, and fill up with what they have.
     const std::vector<std::string>& warnings = VtkMessages::instance().warnings();
@@ -241,6 +289,9 @@ vtkSmartPointer<vtkDataObject> read(const std::string& path, const Make& make,
     const std::vector<Leaf> leaves = data == nullptr ? std::vector<Leaf>() : leavesOf(data);
     if (leaves.empty()) {
         throw UserError(path + " has no points, or is damaged");
+    }
+    for (const Leaf& leaf : leaves) {
+        checkData(leaf.data, path);
     }
     if (leaves.size() == 1) {
         return leaves.front().data; // without the composite around it, if there is one

@@ -12,24 +12,29 @@ namespace {
 
 using Json = nlohmann::json;
 
+constexpr int kDeepest = 100; // collections of geometries in each other
+
 class GeoJsonReader {
 public:
     GeoJson result;
 
-    void readObject(const Json& object, const std::string& name) {
+    void readObject(const Json& object, const std::string& name, int depth = 0) {
+        if (depth > kDeepest) {
+            throw UserError("geometries are nested too deeply");
+        }
         const std::string type = object.at("type").get<std::string>();
         if (type == "FeatureCollection") {
             for (const Json& feature : object.at("features")) {
-                readObject(feature, "");
+                readObject(feature, "", depth + 1);
             }
         } else if (type == "Feature") {
             const Json& geometry = object.at("geometry");
             if (!geometry.is_null()) {
-                readObject(geometry, nameOf(object));
+                readObject(geometry, nameOf(object), depth + 1);
             }
         } else if (type == "GeometryCollection") {
             for (const Json& geometry : object.at("geometries")) {
-                readObject(geometry, name);
+                readObject(geometry, name, depth + 1);
             }
         } else {
             readGeometry(type, object.at("coordinates"), name);

@@ -16,6 +16,7 @@ namespace {
 
 constexpr std::uint64_t kDamaged = std::numeric_limits<std::uint64_t>::max();
 constexpr std::uint64_t kAlignment = 4;
+constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 60U; // more than any file has
 // Bytes of the types 1 to 11: byte, char, short, int, float, double and the whole numbers of 5.
 constexpr std::array<std::uint64_t, 12> kTypeSizes{0, 1, 1, 2, 4, 4, 8, 1, 2, 4, 8, 8};
 
@@ -64,10 +65,15 @@ private:
         return value;
     }
 
+    // Always forwards, so that what a damaged file says cannot keep the reader going round.
     void skip(std::uint64_t bytes) {
-        file_.seekg(static_cast<std::streamoff>(bytes), std::ios::cur);
+        if (bytes > kMostBytes) {
+            file_.setstate(std::ios::failbit);
+            return;
+        }
+        file_.seekg(static_cast<std::streamoff>(padded(bytes)), std::ios::cur);
     }
-    void skipName() { skip(padded(number(countBytes()))); }
+    void skipName() { skip(number(countBytes())); }
 
     // Of a list: its tag is left out.
     std::uint64_t listLength() {
@@ -97,7 +103,7 @@ private:
         for (std::uint64_t i = 0; i < count && file_; ++i) {
             skipName();
             const std::uint64_t size = typeSize();
-            skip(padded(size * number(countBytes())));
+            skip(size * number(countBytes()));
         }
     }
 

@@ -24,6 +24,7 @@ struct PlotFrame {
 
 /// The plane of the two longest extents of all curves, with room around them, in a frame of the
 /// given size in pixels; one unit is as long on both axes.
+/// @throws UserError  if that is beyond the range of numbers
 PlotFrame frameOf(const std::vector<const std::vector<NamedCurve>*>& curves, double width,
                   double height);
 

@@ -12,7 +12,8 @@ class vtkXMLDataElement;
 
 namespace program {
 
-/// The outermost element, if it has this name; null otherwise and if the file is damaged.
+/// The outermost element, if it has this name; null otherwise and if the file is damaged or nests
+/// its elements deeper than any of its kind.
 vtkSmartPointer<vtkXMLDataElement> readXml(const std::string& path, const std::string& root);
 
 } // namespace program

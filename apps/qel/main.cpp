@@ -1,5 +1,6 @@
 // The qel program: command line, and what ends it.
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <new>
 #include <string>
@@ -38,6 +39,9 @@ int parseAndRun(int argc, char** argv) {
     program::addCurveCommand(app);
     program::addNearestCommand(app);
     program::addDemoCommand(app);
+    for (CLI::App* command : app.get_subcommands(nullptr)) {
+        program::addProgressOption(command);
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& asked) {
@@ -70,6 +74,9 @@ int main(int argc, char** argv) {
         return program::kExitInterrupted;
     } catch (const qel::Error& error) {
         program::fail(error.getMessage());
+        return program::kExitBadInput;
+    } catch (const std::filesystem::filesystem_error& error) {
+        program::fail(error.path1().string() + ": " + error.code().message());
         return program::kExitBadInput;
     } catch (const std::bad_alloc&) {
         program::fail("there is not enough memory");

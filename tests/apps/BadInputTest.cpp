@@ -1,4 +1,6 @@
 // Bad input: one clear line, exit code 2, nothing left behind.
+#include <cstdint>
+
 #include "Flows.h"
 #include "Program.h"
 
@@ -9,14 +11,19 @@
 
 namespace {
 
+std::string repeated(const std::string& part, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += part;
+    }
+    return text;
+}
+
 class BadInput : public qel_test::Program {
 protected:
     void SetUp() override {
         qel_test::Program::SetUp();
-        vtkNew<vtkXMLImageDataWriter> writer;
-        writer->SetInputData(qel_test::rotation(12, 12, 12));
-        writer->SetFileName((folder / "flow.vti").c_str());
-        ASSERT_EQ(writer->Write(), 1);
+        writeData<vtkXMLImageDataWriter>("flow.vti", qel_test::rotation(12, 12, 12));
         write("curve.csv", "x,y\n0,0\n1,0\n1,1\n");
         write("empty", "");
         write("words.txt", "nothing here\nbut words\n");
@@ -82,6 +89,8 @@ TEST_F(BadInput, Outputs) {
     expectRefused("curve curve.csv -o out.xyz", "curves are written to .csv");
     expectRefused("curve curve.csv --image p.gif", "has to end in .png or .svg");
     expectRefused("nearest curve.csv curve.csv -o nowhere/n.csv", "there is no folder nowhere");
+    std::filesystem::create_symlink("round", folder / "round");
+    expectRefused("curve curve.csv -o round/out.csv", "round/out.csv: Too many levels");
 }
 
 TEST_F(BadInput, SaysWhatToInstallWithoutADisplay) {
@@ -131,6 +140,54 @@ TEST_F(BadInput, EveryPartOfABinaryFile) {
     for (std::size_t part = 1; part < 20; ++part) {
         write("part.vtk", whole.substr(0, part * whole.size() / 20));
         expectRefused("curve part.vtk -o out.csv", "part.vtk");
+    }
+}
+
+// Numbers that are all but equal, and those that are too far apart for a difference.
+TEST_F(BadInput, CurvesThatAreHardToDraw) {
+    write("close.csv", "x,y\n1e20,0\n100000000000000016384,1\n");
+    const auto run = qel("curve close.csv --image close.svg");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_LT(text("close.svg").size(), 10000U);
+    write("far.csv", "x,y\n-1.7e308,0\n1.7e308,1\n");
+    expectRefused("curve far.csv --image far.svg", "the curves are too large to draw");
+}
+
+// Whose length leads back to where it stands.
+TEST_F(BadInput, NamesInExodusFilesThatNeverEnd) {
+    const auto number = [](std::uint64_t value) {
+        std::string bytes;
+        for (int shift = 56; shift >= 0; shift -= 8) {
+            bytes += static_cast<char>(value >> static_cast<unsigned>(shift));
+        }
+        return bytes;
+    };
+    const std::string header = std::string("CDF\5", 4) + number(1);
+    const std::string dimensions = std::string("\0\0\0\12", 4) + number(std::uint64_t{1} << 60U);
+    write("flow.ex2", header + dimensions + number(std::uint64_t(0) - 16) + number(5));
+    expectRefused("vortex flow.ex2", "flow.ex2 is damaged: it ends too early");
+}
+
+// Trees of any depth cannot be taken apart by recursion, which is what VTK does.
+TEST_F(BadInput, FilesThatNestTooDeeply) {
+    constexpr int n = 100000;
+    const std::string elements = repeated("<a>", n) + repeated("</a>", n);
+    write("deep.vti", "<VTKFile type=\"ImageData\">" + elements +
+                          "<ImageData WholeExtent=\"0 1 0 1 0 1\"/></VTKFile>");
+    write("deep.pvtk", "<File version=\"pvtk-1.0\">" + elements + "</File>");
+    write("deep.gpx", "<gpx>" + elements + "</gpx>");
+    write("deep.json",
+          repeated(R"({"type": "GeometryCollection", "geometries": [)", n) + repeated("]}", n));
+    for (const auto& [arguments, reason] :
+         {std::pair("vortex deep.vti", "deep.vti: the reader fails, the file is damaged"),
+          std::pair("vortex deep.pvtk", "deep.pvtk is no partitioned VTK file, or damaged"),
+          std::pair("curve deep.gpx", "deep.gpx is no GPX, or damaged"),
+          std::pair("curve deep.json", "deep.json: geometries are nested too deeply")}) {
+        SCOPED_TRACE(arguments);
+        const auto run = shell(std::string("ulimit -s 1024; qel ") + arguments); // 1 MiB
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err.rfind("qel: error: ", 0), 0U) << run.err;
+        EXPECT_NE(run.err.find(reason), std::string::npos) << run.err;
     }
 }
 

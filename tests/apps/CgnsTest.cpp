@@ -128,10 +128,7 @@ protected:
         grid->SetDimensions(kSize);
         grid->SetPoints(points);
         grid->GetPointData()->AddArray(velocity);
-        vtkNew<vtkXMLStructuredGridWriter> writer;
-        writer->SetInputData(grid);
-        writer->SetFileName((folder / name).c_str());
-        ASSERT_EQ(writer->Write(), 1);
+        writeData<vtkXMLStructuredGridWriter>(name, grid);
     }
 
     vtkSmartPointer<vtkStructuredGrid> read(const std::string& name) const {

@@ -146,10 +146,7 @@ TEST_F(CurveCommand, JoinsUnorderedSegments) {
     }
     slice->SetPoints(points);
     slice->SetLines(cells);
-    vtkNew<vtkXMLPolyDataWriter> writer;
-    writer->SetInputData(slice);
-    writer->SetFileName((folder / "slice.vtp").c_str());
-    writer->Write();
+    writeData<vtkXMLPolyDataWriter>("slice.vtp", slice);
     const Rows rows = result("slice.vtp");
     ASSERT_EQ(rows.size(), 5U);
     EXPECT_EQ(rows[3][x], 9.0);

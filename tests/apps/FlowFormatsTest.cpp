@@ -120,10 +120,7 @@ TEST_F(FlowFormats, EveryLevelOfRefinedGrids) {
         levels->SetRefinementRatio(level, 2);
     }
     levels->GenerateParentChildInformation();
-    vtkNew<vtkXMLUniformGridAMRWriter> writer;
-    writer->SetInputData(levels);
-    writer->SetFileName((folder / "flow.vth").c_str());
-    ASSERT_EQ(writer->Write(), 1);
+    writeData<vtkXMLUniformGridAMRWriter>("flow.vth", levels);
     expectRotation("flow.vth", 9 * 9 * 9 + 5 * 5 * 5);
 }
 

@@ -1,6 +1,5 @@
-// A flow that is large enough for its memory and for a progress bar.
+// A flow that is large enough for its memory to be measured.
 #include <cmath>
-#include <cstdlib>
 #include <string>
 
 #include <sys/resource.h>
@@ -12,14 +11,6 @@
 #include <vtkXMLImageDataWriter.h>
 
 #include "Program.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define QEL_TEST_ADDRESS_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QEL_TEST_ADDRESS_SANITIZED 1
-#endif
-#endif
 
 namespace {
 
@@ -68,9 +59,6 @@ protected:
 };
 
 TEST_F(LargeFlow, TakesLittleMoreMemoryThanItsArrays) {
-#ifdef QEL_TEST_ADDRESS_SANITIZED
-    GTEST_SKIP() << "AddressSanitizer takes memory of its own";
-#endif
     writeVortex("small.vti", 5);
     ASSERT_EQ(qel("vortex small.vti -o out.vti").status, 0);
     const double programAlone = peak();
@@ -79,26 +67,6 @@ TEST_F(LargeFlow, TakesLittleMoreMemoryThanItsArrays) {
     ASSERT_EQ(qel("vortex large.vti -o out.vti").status, 0);
     EXPECT_LT(peak() - programAlone, 1.2 * kBytesPerPoint * n * n * n);
     EXPECT_GT(peak() - programAlone, 0.8 * kBytesPerPoint * n * n * n); // measured at all
-}
-
-TEST_F(LargeFlow, ShowsABarOnATerminalAlone) {
-    if (shell("command -v script").status != 0) {
-        GTEST_SKIP() << "there is no script to stand in for a terminal";
-    }
-    writeVortex("large.vti", 180);
-    const auto seen = shell("script -qec \"'" QEL_PROGRAM "' vortex large.vti --timing\" log");
-    EXPECT_EQ(seen.status, 0);
-    const std::string log = text("log");
-    const std::string stage = "both and statistics";
-    ASSERT_NE(log.find(stage), std::string::npos) << log;
-    if (std::strtod(log.c_str() + log.find(stage) + stage.size(), nullptr) < 0.8) {
-        GTEST_SKIP() << "too fast for a bar";
-    }
-    EXPECT_NE(log.find("analysis [##"), std::string::npos);
-    EXPECT_NE(log.find("\r\033[K"), std::string::npos);
-    const auto unseen = qel("vortex large.vti");
-    EXPECT_EQ(unseen.status, 0);
-    EXPECT_EQ(unseen.err.find('['), std::string::npos) << unseen.err;
 }
 
 } // namespace

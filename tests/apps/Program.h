@@ -16,6 +16,9 @@
 
 #include <gtest/gtest.h>
 
+#include <vtkDataObject.h>
+#include <vtkNew.h>
+
 namespace qel_test {
 
 namespace fs = std::filesystem;
@@ -69,6 +72,15 @@ protected:
 
     void write(const std::string& file, const std::string& content) const {
         std::ofstream(folder / file, std::ios::binary) << content;
+    }
+
+    // Writes data by one of VTK's writers.
+    template <typename Writer>
+    void writeData(const std::string& file, vtkDataObject* data) const {
+        vtkNew<Writer> writer;
+        writer->SetInputDataObject(data);
+        writer->SetFileName((folder / file).c_str());
+        ASSERT_EQ(writer->Write(), 1);
     }
 
     // Names of what is in the folder.

@@ -20,10 +20,7 @@ namespace {
 class VortexCommand : public qel_test::Program {
 protected:
     void writeXml(const std::string& file, vtkImageData* image) const {
-        vtkNew<vtkXMLImageDataWriter> writer;
-        writer->SetInputData(image);
-        writer->SetFileName((folder / file).c_str());
-        ASSERT_EQ(writer->Write(), 1);
+        writeData<vtkXMLImageDataWriter>(file, image);
     }
 };
 
@@ -84,10 +81,7 @@ TEST_F(VortexCommand, KeepsTheBlocksOfAMultiBlockFile) {
     blocks->SetBlock(0, qel_test::rotation(5, 5, 5));
     blocks->SetBlock(1, qel_test::rotation(4, 5, 6));
     blocks->SetBlock(2, qel_test::rotation(4, 5, 1)); // a wall beside the volumes
-    vtkNew<vtkXMLMultiBlockDataWriter> writer;
-    writer->SetInputData(blocks);
-    writer->SetFileName((folder / "in.vtm").c_str());
-    writer->Write();
+    writeData<vtkXMLMultiBlockDataWriter>("in.vtm", blocks);
     const auto run = qel("vortex in.vtm --fields q -o out.vtm --stats -");
     ASSERT_EQ(run.status, 0) << run.err;
     EXPECT_EQ(statistics(run.out).at("Q").valid, 125 + 120);

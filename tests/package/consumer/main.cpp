@@ -1,7 +1,6 @@
 // A stranger's program: calls the library, catches what it throws across the library's border, and
 // installs a reporter of its own. Leaves with the number of things that went wrong.
 
-#include <iostream>
 #include <vector>
 
 #include <qel/NumericalUtils.h>
@@ -12,20 +11,13 @@
 #include <qel/QELStream.h>
 #include <qel/TripletBase.h>
 
+#include "../Expect.h"
+
 #if defined(__GLIBCXX__) && !defined(_GLIBCXX_ASSERTIONS)
 #error "the package must switch the checked element access on"
 #endif
 
 namespace {
-
-int failures = 0;
-
-void expect(bool holds, const char* what) {
-    if (!holds) {
-        std::cerr << "wrong: " << what << "\n";
-        ++failures;
-    }
-}
 
 class Counter : public qel::ErrorReporter {
 public:
