@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
@@ -14,7 +15,7 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kRun = RunBoxes::kRun;
 constexpr std::size_t kFan = RunBoxes::kFan;
-static_assert(kRun == kDistanceLanes, "a run is measured at once");
+static_assert(kRun <= 64, "a word has a bit for each vertex of a run");
 
 // A box of level l holds the vertices whose index shifted right by this is the box's number.
 constexpr std::size_t levelBits(std::size_t level) {
@@ -49,14 +50,34 @@ QEL_KERNEL bool mayPrecede(double d2, std::size_t first, const Best& best) {
     return (d2 < best.d2) | ((d2 == best.d2) & (first < best.index));
 }
 
+QEL_KERNEL std::size_t lowestBit(std::uint64_t bits) {
+#if defined(QEL_VECTOR_UNITS)
+    return static_cast<std::size_t>(__builtin_ctzll(bits));
+#else
+    std::size_t lowest = 0;
+    while ((bits >> lowest & 1u) == 0) {
+        ++lowest;
+    }
+    return lowest;
+#endif
+}
+
 QEL_KERNEL void searchRun(const RunBoxes::View& view, std::size_t run, const Point& q, Best& best) {
     // The last run is looked at from kRun vertices before the end; the vertices seen twice, or
     // without need, change nothing.
     const std::size_t first = std::min(run * kRun, view.count - kRun);
-    const Point* points = view.points + first;
-    const double least = leastSquaredDistance(points, kRun, q, kInfinity);
+    double d2[kRun];
+    for (std::size_t i = 0; i < kRun; ++i) {
+        const double d = squaredDistance(view.points[first + i], q);
+        d2[i] = d < kInfinity ? d : kInfinity; // nor does a NaN come in
+    }
+    const double least = leastOf<kRun>(d2);
     if (mayPrecede(least, first, best)) {
-        const std::size_t index = first + firstAtSquaredDistance(least, points, q);
+        std::uint64_t nearest = 0; // a bit for each
+        for (std::size_t i = 0; i < kRun; ++i) {
+            nearest |= (d2[i] == least ? std::uint64_t{1} : std::uint64_t{0}) << i;
+        }
+        const std::size_t index = first + lowestBit(nearest);
         if (mayPrecede(least, index, best)) {
             best = {least, index};
         }
@@ -117,15 +138,16 @@ QEL_KERNEL std::size_t search(const RunBoxes::View& view, const Point& q, std::s
     if (std::isnan(best.d2) || !std::isfinite(q.x) || !std::isfinite(q.y) || !std::isfinite(q.z)) {
         return 0;
     }
-    searchRun(view, guess / kRun, q, best);
+    const std::size_t guessed = guess / kRun;
+    searchRun(view, guessed, q, best);
     Stack stack;
     std::size_t level = view.top;
     std::size_t number = 0;
     for (;;) {
-        if (level == 0) {
-            searchRun(view, number, q, best);
-        } else {
+        if (level > 0) {
             pushInner(view.boxes[view.levelStart[level] + number], level, number, q, best, stack);
+        } else if (number != guessed) {
+            searchRun(view, number, q, best);
         }
         do {
             if (stack.depth == 0) {
