@@ -5,19 +5,24 @@
 /// The stored points around an s, and the point between them.
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
-#include <qel/NumericalUtils.h>
-
 #include "curve/Conversions.h"
+#include "foundation/MachineSpacing.h"
 
 namespace qel {
 
 constexpr double kEqualSvalues = 100.0; // spacings of the greater one
 
 inline bool countAsEqual(double sLo, double sHi) {
-    return kEqualSvalues * NumericalUtils::spacing(sHi) > sHi - sLo;
+    const double step = sHi - sLo;
+    const double magnitude = std::abs(sHi);
+    if (magnitude > kLeastOfSpacings && step > kHundredSpacings * magnitude) {
+        return false; // without the search for the decade
+    }
+    return kEqualSvalues * spacingAt(sHi) > step;
 }
 
 /// hi is the first index whose s-value is greater than s; lo is the first index whose s-value

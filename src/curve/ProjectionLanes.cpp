@@ -4,14 +4,13 @@
 #include <cmath>
 #include <limits>
 
+#include "foundation/MachineSpacing.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kChunk = kProjectionChunk;
-constexpr double kSurely = 0x1p-41;        // more than a hundred spacings of a number are of it
-constexpr double kSmallestSquare = 1e-290; // of a length: nothing that is compared underflows
 constexpr double kMarker = std::numeric_limits<double>::max();
 
 // Points, coordinate by coordinate.
@@ -74,9 +73,9 @@ QEL_KERNEL Foot footTowards(const Chunk& c, const Coordinates& to, const double*
     const double x = qx - (isInside ? fx : vx);
     const double y = qy - (isInside ? fy : vy);
     const double z = qz - (isInside ? fz : vz);
-    const double tolerance = kSurely * length2;
-    const bool isSettled = (length2 > kSmallestSquare) & (tolerance < d2i) & (tolerance < d2j) &
-                           (along != 0.0) & (kSurely * std::fabs(along) < length2);
+    const double tolerance = kHundredSpacings * length2;
+    const bool isSettled = (length2 > kLeastOfSpacings) & (tolerance < d2i) & (tolerance < d2j) &
+                           (along != 0.0) & (kHundredSpacings * std::fabs(along) < length2);
     return {isInside ? sFoot : c.s[i], lengthOf(x, y, z), isSettled};
 }
 
@@ -101,7 +100,7 @@ struct ProjectionKernel {
             const double nearer = after.distance > before.distance ? before.s : after.s;
             s[i] = before.distance == after.distance ? c.s[i] : nearer;
             const bool isInner = (nearest[i] - 1) < (last - 1);
-            settled[i] = isInner & before.isSettled & after.isSettled ? 1 : 0;
+            settled[i] = (isInner & before.isSettled & after.isSettled) ? 1 : 0;
         }
     }
 };

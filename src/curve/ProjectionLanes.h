@@ -10,8 +10,7 @@
 /// ParametricCurve::projectBesideVertex in their order, so the bits are the same.
 ///
 /// What is rare is left out: the ends of the curve, and probes and edges for which the machine
-/// spacings that the plain statement compares with might matter. A spacing is less than 2^-48 of a
-/// number, hence a hundred of them less than 2^-41; only where that decides do lanes go on.
+/// spacings that the plain statement compares with might matter: see kHundredSpacings.
 
 #include <cstddef>
 #include <cstdint>

@@ -25,6 +25,13 @@ inline T spacingAt(T x) {
                           static_cast<double>(epsilon));
 }
 
+/// A share of a number that is more than a hundred spacings of it: its decade is at most ten times
+/// the number, but for what the steps to it round. For numbers of a magnitude above the second, as
+/// nothing underflows then. Where one thing exceeds this share of another, no spacing need be found
+/// to tell that it exceeds a hundred of them.
+constexpr double kHundredSpacings = 0x1p-41;
+constexpr double kLeastOfSpacings = 1e-290;
+
 } // namespace qel
 
 #endif
