@@ -152,10 +152,11 @@ QEL_KERNEL void takeFarthestOfGroup(const Point* p, std::size_t first, std::size
     for (std::size_t k = first; k < last; k += kBlock, ++count) {
         bounds[count] = blockBound(p + k, std::min(kBlock, last - k), chord);
     }
-    takeByBounds(bounds, count, chord, farthest, [&](std::size_t block, FarthestVertex& vertex) {
-        const std::size_t k = first + block * kBlock;
-        takeFarthestOfBlock(p, k, std::min(kBlock, last - k), chord, vertex);
-    });
+    takeByBounds(bounds, count, chord, farthest,
+                 [&](std::size_t block, FarthestVertex& vertex) QEL_KERNEL_LAMBDA {
+                     const std::size_t k = first + block * kBlock;
+                     takeFarthestOfBlock(p, k, std::min(kBlock, last - k), chord, vertex);
+                 });
 }
 
 struct BlocksKernel {
@@ -182,9 +183,10 @@ QEL_KERNEL void takeFarthestOfRun(const Point* p, std::size_t first, const Chord
 struct RunsKernel {
     QEL_KERNEL static void run(const Point* p, std::size_t firstRun, const double* bounds,
                                std::size_t count, Chord chord, FarthestVertex* farthest) {
-        takeByBounds(bounds, count, chord, *farthest, [&](std::size_t r, FarthestVertex& vertex) {
-            takeFarthestOfRun(p, (firstRun + r) * RunSegments::kRun, chord, vertex);
-        });
+        takeByBounds(bounds, count, chord, *farthest,
+                     [&](std::size_t r, FarthestVertex& vertex) QEL_KERNEL_LAMBDA {
+                         takeFarthestOfRun(p, (firstRun + r) * RunSegments::kRun, chord, vertex);
+                     });
     }
 };
 
