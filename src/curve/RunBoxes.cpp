@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "curve/DistanceLanes.h"
+#include "platform/LowestBit.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
@@ -50,18 +51,6 @@ QEL_KERNEL bool mayPrecede(double d2, std::size_t first, const Best& best) {
     return (d2 < best.d2) | ((d2 == best.d2) & (first < best.index));
 }
 
-QEL_KERNEL std::size_t lowestBit(std::uint64_t bits) {
-#if defined(QEL_VECTOR_UNITS)
-    return static_cast<std::size_t>(__builtin_ctzll(bits));
-#else
-    std::size_t lowest = 0;
-    while ((bits >> lowest & 1u) == 0) {
-        ++lowest;
-    }
-    return lowest;
-#endif
-}
-
 QEL_KERNEL void searchRun(const RunBoxes::View& view, std::size_t run, const Point& q, Best& best) {
     // The last run is looked at from kRun vertices before the end; the vertices seen twice, or
     // without need, change nothing.
@@ -69,15 +58,15 @@ QEL_KERNEL void searchRun(const RunBoxes::View& view, std::size_t run, const Poi
     double d2[kRun];
     for (std::size_t i = 0; i < kRun; ++i) {
         const double d = squaredDistance(view.points[first + i], q);
-        d2[i] = d < kInfinity ? d : kInfinity; // nor does a NaN come in
+        d2[i] = d < kInfinity ? d : kInfinity; // a NaN is never the least
     }
     const double least = leastOf<kRun>(d2);
     if (mayPrecede(least, first, best)) {
-        std::uint64_t nearest = 0; // a bit for each
+        std::uint64_t nearest = 0; // a bit for each vertex that is
         for (std::size_t i = 0; i < kRun; ++i) {
             nearest |= (d2[i] == least ? std::uint64_t{1} : std::uint64_t{0}) << i;
         }
-        const std::size_t index = first + lowestBit(nearest);
+        const std::size_t index = first + static_cast<std::size_t>(lowestBit(nearest));
         if (mayPrecede(least, index, best)) {
             best = {least, index};
         }

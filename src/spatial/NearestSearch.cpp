@@ -12,6 +12,7 @@
 #include <limits>
 
 #include "platform/FloatBits.h"
+#include "platform/LowestBit.h"
 #include "platform/VectorDispatch.h"
 
 #if defined(QEL_VECTOR_UNITS)
@@ -81,10 +82,6 @@ QEL_KERNEL unsigned lanesAt(std::int32_t value, const std::int32_t* values) {
     }
     return lanes;
 }
-
-QEL_KERNEL int firstLane(unsigned lanes) {
-    return __builtin_ctz(lanes);
-}
 #else
 QEL_KERNEL std::int32_t leastAbove(std::int32_t bound, const std::int32_t* values) {
     std::int32_t result = kDone;
@@ -104,14 +101,6 @@ QEL_KERNEL unsigned lanesAt(std::int32_t value, const std::int32_t* values) {
         lanes |= static_cast<unsigned>(values[i] == value) << i;
     }
     return lanes;
-}
-
-QEL_KERNEL int firstLane(unsigned lanes) {
-    int lane = 0;
-    while ((lanes >> lane & 1u) == 0) {
-        ++lane;
-    }
-    return lane;
 }
 #endif
 
@@ -184,13 +173,13 @@ QEL_KERNEL void scanBlock(const NearestIndex& index, const PointBlock& block, fl
     if (nearest < best.distance || best.block == nullptr) {
         prefetch(block.index);
         best.distance = nearest;
-        best.lane = firstLane(lanes);
+        best.lane = lowestBit(lanes);
         best.block = &block;
         best.isRanked = false;
         lanes &= lanes - 1;
     }
     for (; lanes != 0; lanes &= lanes - 1) { // as near as the best
-        const int lane = firstLane(lanes);
+        const int lane = lowestBit(lanes);
         if (winsTie(index, block, lane, qx, qy, best)) {
             best.lane = lane;
             best.block = &block;

@@ -19,7 +19,7 @@ constexpr int kCode = 7;
 constexpr std::array<int, 5> kCrashes{SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 
 // Calls itself until the stack, a small one, has run out.
-int overflow(int depth) { // NOLINT(misc-no-recursion)
+int overflow(int depth) {
     volatile char room[4096];
     room[depth % 4096] = static_cast<char>(depth);
     return depth < 0 ? 0 : overflow(depth + 1) + room[depth % 4096];

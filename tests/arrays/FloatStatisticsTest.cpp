@@ -10,6 +10,7 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
+#include "arrays/PlainStatistics.h"
 #include "support/Bits.h"
 #include "support/SpecialFloats.h"
 #include "support/VectorUnits.h"
@@ -23,27 +24,9 @@ using qel_test::kInf;
 using qel_test::kNan;
 using qel_test::kUndef;
 using qel_test::sameBits;
+using qel_test::Statistics;
+using qel_test::valueByValue;
 using Values = std::vector<float>;
-
-struct Statistics {
-    float min = kUndef;
-    float max = kUndef;
-    double sum = 0.0;
-    int count = 0;
-};
-
-Statistics valueByValue(const Values& values) {
-    Statistics s;
-    for (const float v : values) {
-        if (v != kUndef) {
-            s.min = s.min == kUndef || s.min > v ? v : s.min;
-            s.max = s.max == kUndef || v > s.max ? v : s.max;
-            s.count += 1;
-            s.sum += static_cast<double>(v);
-        }
-    }
-    return s;
-}
 
 ::testing::AssertionResult has(const FloatQELVector& v, const Statistics& s) {
     const float sum = static_cast<float>(s.sum);

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "arrays/PlainStatistics.h"
 #include "arrays/RandomFields.h"
 #include "support/Bits.h"
 #include "support/SpecialFloats.h"
@@ -24,11 +25,13 @@ using qel_test::kNan;
 using qel_test::kUndef;
 using qel_test::RandomField;
 using qel_test::sameBits;
+using qel_test::Statistics;
+using qel_test::valueByValue;
 using qel_test::Values;
 
 constexpr std::size_t kBlock = 1024; // values that are looked at together
 
-::testing::AssertionResult same(const ValueStatistics& a, const ValueStatistics& b) {
+::testing::AssertionResult same(const ValueStatistics& a, const Statistics& b) {
     if (sameBits(a.min, b.min) && sameBits(a.max, b.max) && sameBits(a.sum, b.sum) &&
         a.count == b.count) {
         return ::testing::AssertionSuccess();
@@ -40,15 +43,9 @@ constexpr std::size_t kBlock = 1024; // values that are looked at together
 
 // Side by side and every third, on every vector unit.
 void checkStatistics(const Values& values) {
-    ValueStatistics expected;
+    const Statistics expected = valueByValue(values);
     Values everyThird;
     for (const float v : values) {
-        if (v != kUndef) {
-            expected.min = expected.min == kUndef || expected.min > v ? v : expected.min;
-            expected.max = expected.max == kUndef || v > expected.max ? v : expected.max;
-            expected.count += 1;
-            expected.sum += static_cast<double>(v);
-        }
         everyThird.insert(everyThird.end(), {v, -1e30f, kNan});
     }
     qel_test::onEveryVectorUnit([&] {
