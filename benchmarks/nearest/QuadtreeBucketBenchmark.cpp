@@ -1,11 +1,10 @@
 // Nearest-point search in the plane: building and querying, on clouds spread evenly, clustered at
 // a wall, and on a grid where every query is a tie.
 //
-// Memory per point of the bucket, on top of the caller's list: 24 bytes for the stored points, and
-// 20 to 34 for the index (28 on even clouds, up to 34 on small clustered ones), of which 16 hold
-// coordinates, index and leaf; the rest is the unused places of its blocks, its boxes and the
-// leaves. Building sorts in the memory of the stored points and takes 2 bytes more, for the list of
-// blocks.
+// Memory per point of the bucket, on top of the caller's list: 25 to 32 bytes (30 on even clouds
+// and in layers at a capacity of 16), of which 16 hold coordinates, index and leaf; the rest is the
+// unused places of its blocks, its boxes and the leaves. 4 bytes more where the points differ in z.
+// Building takes 2 bytes more, for the list of blocks; it sorts where the index will lie.
 
 #include <algorithm>
 #include <cstdint>

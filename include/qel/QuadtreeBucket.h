@@ -9,7 +9,6 @@
 #include <vector>
 
 #include <qel/Export.h>
-#include <qel/QELVector.h>
 #include <qel/QuadtreeObject.h>
 #include <qel/TripletBase.h>
 
@@ -66,8 +65,8 @@ public:
 
     /// Squared distance of the point that the last query found; the largest float if none.
     float getBestDistance() const { return bestDistance_; }
-    /// The point that the last query found; null if none. Valid until construct() is called again.
-    const QuadtreeObject* getBestObject() const { return bestObject_; }
+    /// The point that the last query found, null if none. The next query overwrites it.
+    const QuadtreeObject* getBestObject() const { return hasBest_ ? &best_ : nullptr; }
 
     // -- State ----
 
@@ -78,17 +77,19 @@ public:
     int getMaxDepthReached() const { return maxDepthReached_; }
 
 private:
+    void forgetBest();
     void swap(QuadtreeBucket& other) noexcept;
 
     float bestDistance_;
-    const QuadtreeObject* bestObject_ = nullptr;
+    bool hasBest_ = false;
+    QuadtreeObject best_;
     float queryX_ = 0.0f;
     float queryY_ = 0.0f;
     int maxDepth_ = 10;
     int bucketCapacity_ = 10;
     int maxDepthReached_ = 0;
-    std::unique_ptr<const NearestIndex> index_; // null before construct
-    QELVector<QuadtreeObject> objects_;
+    std::unique_ptr<const NearestIndex> index_; // of x and y; null before construct
+    std::vector<float> heights_;                // z of each point, or a single one of them all
 };
 
 } // namespace qel

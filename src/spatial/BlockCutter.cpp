@@ -97,11 +97,17 @@ private:
         cut(begin, end, key, shift);
     }
 
-    // Where a cut in the middle of the longer side leaves no more than two blocks: cheaper than the
-    // finer cells, of which as many would be the halves.
+    // Where a cut in the middle of a side, rather of the longer one, leaves no more than two
+    // blocks: cheaper than the finer cells, of which as many would be the halves.
     bool cutInTwo(std::size_t begin, std::size_t end, const QuadRectangle& box, std::uint64_t key,
                   int shift) {
-        const bool acrossX = box.xmax - box.xmin > box.ymax - box.ymin;
+        const bool isWide = box.xmax - box.xmin > box.ymax - box.ymin;
+        return cutInTwo(begin, end, box, isWide, key, shift) ||
+               cutInTwo(begin, end, box, !isWide, key, shift);
+    }
+
+    bool cutInTwo(std::size_t begin, std::size_t end, const QuadRectangle& box, bool acrossX,
+                  std::uint64_t key, int shift) {
         const float cut = acrossX ? middle(box.xmin, box.xmax) : middle(box.ymin, box.ymax);
         const std::size_t middlePoint = partition(order_.points, begin, end, acrossX, cut);
         if (middlePoint - begin > kCapacity || end - middlePoint > kCapacity ||

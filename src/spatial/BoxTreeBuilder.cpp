@@ -36,26 +36,30 @@ struct Run {
 
 class BoxTreeBuilder {
 public:
-    BoxTreeBuilder(const LeafOrder& order, const std::vector<BlockRun>& blocks, StartTables& starts)
+    BoxTreeBuilder(const LeafOrder& order, const std::vector<BlockRun>& blocks, BoxTree& tree,
+                   StartTables& starts)
         : points_(order.points),
           blocks_(blocks),
+          tree_(tree),
           starts_(starts),
           keyBits_(kBitsInCell + 2 * order.gridLevels) {}
 
-    BoxTree build() {
-        tree_.reserve(blocks_.size() / 6 + 2, blocks_.size());
+    void build() {
+        // Beyond the blocks there is room for those that a node adds before their turn.
+        tree_.reserve(blocks_.size() / 6 + 2, blocks_.size() + kLanes);
         QuadRectangle box;
         addNode({0, blocks_.size(), keyBits_}, 0, box);
-        return std::move(tree_);
+        tree_.dropSource();
     }
 
 private:
-    // Adds the node over a run and all below it, blocks first; returns the line of the node and
-    // the box of its points.
+    // Adds the node over a run and all below it, its blocks first; returns the line of the node and
+    // the box of its points. All points before the run have been read.
     std::uint32_t addNode(const Run& whole, int depth, QuadRectangle& box) {
         assert(depth < BoxTree::kMaxHeight);
         Run runs[kLanes];
         const int count = splitIntoRuns(whole, runs);
+        tree_.keepSourceFrom(points_ + (whole.count() > 0 ? blocks_[whole.begin].begin : 0));
         const std::uint32_t line = tree_.addNode();
         addStart(line, whole);
         BoxNode node;
@@ -78,8 +82,8 @@ private:
     }
 
     void addBlock(const BlockRun& run, BoxNode& node, int lane, QuadRectangle& whole) {
-        const std::uint32_t line = tree_.addBlock();
         const PlanePoint* const points = points_ + run.begin;
+        const std::uint32_t line = tree_.addBlock();
         fillBlock(tree_.block(line), points, static_cast<int>(run.count));
         node.child[lane] = BoxNode::kBlock + line;
         setBox(node, lane, boxOf(points, run.count), whole);
@@ -132,7 +136,7 @@ private:
         return static_cast<int>(whole.count());
     }
 
-    // Splits the longest part until none is too long or there are 16.
+    // Splits the longest part until none is too long or there are 16. Parts stay in their order.
     int splitLongRun(const Run& whole, Run* runs) const {
         const std::size_t longEnough = childSize(whole.count());
         int count = 1;
@@ -144,7 +148,9 @@ private:
             if (longest->count() <= longEnough) {
                 break;
             }
-            runs[count++] = splitOff(*longest);
+            std::copy_backward(longest + 1, runs + count, runs + count + 1);
+            longest[1] = splitOff(*longest);
+            ++count;
         }
         return count;
     }
@@ -170,9 +176,9 @@ private:
 
     const PlanePoint* points_;
     const std::vector<BlockRun>& blocks_;
+    BoxTree& tree_;
     StartTables& starts_;
     int keyBits_;
-    BoxTree tree_;
 };
 
 bool isFinite(const PlanePoint& p) {
@@ -196,7 +202,7 @@ void dropNonFinitePoints(LeafOrder& order) {
 
 } // namespace
 
-BoxTree buildBoxTree(LeafOrder& order, StartTables& starts) {
+void buildBoxTree(LeafOrder& order, BoxTree& tree, StartTables& starts) {
     if (!order.isFinite) {
         dropNonFinitePoints(order);
     }
@@ -205,7 +211,7 @@ BoxTree buildBoxTree(LeafOrder& order, StartTables& starts) {
         table = StartTable(order.root, order.count, cellSize, order.gridLevels);
         cellSize *= kLanes;
     }
-    return BoxTreeBuilder(order, cutIntoBlocks(order), starts).build();
+    BoxTreeBuilder(order, cutIntoBlocks(order), tree, starts).build();
 }
 
 } // namespace qel

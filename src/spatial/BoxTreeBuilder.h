@@ -10,10 +10,11 @@
 
 namespace qel {
 
-/// The tree of all points with finite coordinates. Drops the others from the order, and reorders
-/// those that share a cell.
-/// @param[out] starts  where the search may start
-BoxTree buildBoxTree(LeafOrder& order, StartTables& starts);
+/// Builds the tree of all points with finite coordinates. Drops the others from the order, reorders
+/// those that share a cell, and overwrites them all.
+/// @param[in,out] tree  without nodes; its source is the memory of the order
+/// @param[out] starts   where the search may start
+void buildBoxTree(LeafOrder& order, BoxTree& tree, StartTables& starts);
 
 } // namespace qel
 

@@ -97,6 +97,11 @@ std::uint32_t dealIntoRuns(const TripletBase<float>* points, const LeafOrder& or
     return longest;
 }
 
+void listCells(const LeafOrder& order, std::size_t begin, std::size_t end) {
+    std::transform(order.points + begin, order.points + end, order.cells + begin,
+                   [](const PlanePoint& p) { return p.group; });
+}
+
 } // namespace
 
 void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells& gridX,
@@ -106,16 +111,17 @@ void sortByCells(const std::vector<TripletBase<float>>& points, const GridCells&
     numberCells(points, gridX, gridY, order.cells);
     std::vector<std::uint32_t> runs(std::size_t{1} << (cellBits - runBits));
     const std::uint32_t longest = dealIntoRuns(points.data(), order, runBits, runs);
-    if (runBits > 0) {
-        Buffer<PlanePoint> scratch(longest);
-        std::size_t begin = 0;
-        for (const std::uint32_t end : runs) {
-            sortRun(order.points + begin, scratch.data(), end - begin, runBits);
-            begin = end;
-        }
+    if (runBits == 0) {
+        listCells(order, 0, order.count);
+        return;
     }
-    std::transform(order.points, order.points + order.count, order.cells,
-                   [](const PlanePoint& p) { return p.group; });
+    Buffer<PlanePoint> scratch(longest);
+    std::size_t begin = 0;
+    for (const std::uint32_t end : runs) {
+        sortRun(order.points + begin, scratch.data(), end - begin, runBits);
+        listCells(order, begin, end); // while the run is in the cache
+        begin = end;
+    }
 }
 
 } // namespace qel

@@ -202,10 +202,9 @@ std::size_t partitionFew(PlanePoint* points, std::size_t begin, std::size_t end,
                          float cut, PlanePoint* scratch) {
     std::size_t low = begin, high = 0;
     for (std::size_t i = begin; i < end; ++i) {
-        const PlanePoint p = points[i];
-        const std::size_t isHigh = (acrossX ? p.x : p.y) >= cut ? 1 : 0;
-        points[low] = p;
-        scratch[high] = p;
+        const std::size_t isHigh = (acrossX ? points[i].x : points[i].y) >= cut ? 1 : 0;
+        scratch[high] = points[i];
+        points[low] = points[i];
         low += 1 - isHigh;
         high += isHigh;
     }
@@ -232,8 +231,8 @@ LeafOrder sortIntoLeaves(const std::vector<TripletBase<float>>& points, int maxD
                          std::size_t capacity, void* memory) {
     LeafOrder order;
     order.count = points.size();
-    order.points = new (memory) PlanePoint[points.size()];
-    order.cells = new (order.points + points.size()) std::uint32_t[points.size()];
+    order.cells = new (memory) std::uint32_t[points.size()];
+    order.points = new (order.cells + points.size()) PlanePoint[points.size()];
     const Extent extent = extentOf(points);
     order.isFinite = extent.zero == 0.0f;
     order.root = rootRectangle(extent.box);

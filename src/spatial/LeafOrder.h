@@ -48,16 +48,16 @@ struct QuadLeaf {
 struct LeafOrder {
     QuadRectangle root;
     std::size_t count;    ///< of the points
-    PlanePoint* points;   ///< leaf after leaf; their groups are the leaves
     std::uint32_t* cells; ///< the grid cells of the points, ascending
+    PlanePoint* points;   ///< leaf after leaf; their groups are the leaves
     std::vector<QuadLeaf> leaves;
     bool isFinite = true; ///< all coordinates of all points are
     int gridLevels = 0;   ///< a cell has twice as many bits
     int maxDepthReached = 0;
 };
 
-/// Memory that sorting takes, for a point. The order lives in it.
-constexpr std::size_t kSortingBytes = sizeof(PlanePoint) + sizeof(std::uint32_t);
+/// Memory that sorting takes, for a point. The order lives in it, cells first.
+constexpr std::size_t kSortingBytes = sizeof(std::uint32_t) + sizeof(PlanePoint);
 
 /// @param points    not empty, and fewer than 2^31
 /// @param maxDepth  negative: no limit

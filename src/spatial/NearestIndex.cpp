@@ -10,11 +10,12 @@
 namespace qel {
 
 NearestIndex::NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth,
-                           std::size_t capacity, void* memory) {
-    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity, memory);
+                           std::size_t capacity) {
+    LeafOrder order = sortIntoLeaves(points, maxDepth, capacity,
+                                     tree_.makeSourceRoom(points.size() * kSortingBytes));
     root_ = order.root;
     maxDepthReached_ = order.maxDepthReached;
-    tree_ = buildBoxTree(order, starts_);
+    buildBoxTree(order, tree_, starts_);
     leaves_ = std::move(order.leaves);
 }
 

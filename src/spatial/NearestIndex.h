@@ -34,14 +34,13 @@ class NearestIndex {
 public:
     struct Nearest {
         bool isFound = false;
-        std::size_t index = 0; ///< in the list given
+        std::uint32_t index = 0; ///< in the list given
+        float x = 0.0f, y = 0.0f;
         float distance = 0.0f; ///< squared
     };
 
     /// @param points  not empty, and fewer than 2^31
-    /// @param memory  kSortingBytes for every point, for use until the index is built
-    NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth, std::size_t capacity,
-                 void* memory);
+    NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth, std::size_t capacity);
 
     /// The point that the stated search finds. Nothing if none is at a squared distance below the
     /// largest float.

@@ -258,7 +258,8 @@ NearestIndex::Nearest searchNearest(const NearestIndex& index, float qx, float q
     if (best.block == nullptr) {
         return {};
     }
-    return {true, best.index(), floatOf(best.distance)};
+    return {true, best.index(), best.block->x[best.lane], best.block->y[best.lane],
+            floatOf(best.distance)};
 }
 
 } // namespace qel

@@ -5,13 +5,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <iterator>
+#include <cstdint>
 #include <limits>
 #include <utility>
 
 #include <qel/QELException.h>
 
-#include "platform/LargePages.h"
+#include "platform/FloatBits.h"
 #include "spatial/NearestIndex.h"
 
 namespace qel {
@@ -21,31 +21,19 @@ constexpr const char* kClassName = "Quadtree"; // as messages have always called
 constexpr float kNoDistance = std::numeric_limits<float>::max();
 constexpr std::size_t kMostPoints = std::size_t{1} << 31;
 
-// Makes stored points of a list. An insertion of many knows its room beforehand, which an appended
-// point has to ask for.
-class ObjectIterator {
-public:
-    using iterator_category = std::forward_iterator_tag;
-    using value_type = QuadtreeObject;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const QuadtreeObject*;
-    using reference = QuadtreeObject;
-
-    ObjectIterator(const std::vector<TripletBase<float>>& points, std::size_t index)
-        : points_(points.data()), index_(index) {}
-
-    QuadtreeObject operator*() const { return {points_[index_], index_}; }
-    ObjectIterator& operator++() {
-        ++index_;
-        return *this;
+// The z of every point, or one where they are the same: most clouds lie in a plane.
+std::vector<float> heightsOf(const std::vector<TripletBase<float>>& points) {
+    const std::int32_t first = bitsOf(points.front().z);
+    std::int32_t differing = 0;
+    for (const TripletBase<float>& p : points) {
+        differing |= bitsOf(p.z) ^ first;
     }
-    bool operator==(const ObjectIterator& other) const { return index_ == other.index_; }
-    bool operator!=(const ObjectIterator& other) const { return index_ != other.index_; }
-
-private:
-    const TripletBase<float>* points_;
-    std::size_t index_;
-};
+    const std::size_t count = differing == 0 ? 1 : points.size();
+    std::vector<float> heights(count);
+    std::transform(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(count),
+                   heights.begin(), [](const TripletBase<float>& p) { return p.z; });
+    return heights;
+}
 
 } // namespace
 
@@ -69,14 +57,15 @@ QuadtreeBucket& QuadtreeBucket::operator=(QuadtreeBucket&& other) noexcept {
 
 void QuadtreeBucket::swap(QuadtreeBucket& other) noexcept {
     std::swap(bestDistance_, other.bestDistance_);
-    std::swap(bestObject_, other.bestObject_);
+    std::swap(hasBest_, other.hasBest_);
+    std::swap(best_, other.best_);
     std::swap(queryX_, other.queryX_);
     std::swap(queryY_, other.queryY_);
     std::swap(maxDepth_, other.maxDepth_);
     std::swap(bucketCapacity_, other.bucketCapacity_);
     std::swap(maxDepthReached_, other.maxDepthReached_);
     index_.swap(other.index_);
-    objects_.swap(other.objects_);
+    heights_.swap(other.heights_);
 }
 
 void QuadtreeBucket::construct(const std::vector<TripletBase<float>>& points) {
@@ -86,19 +75,16 @@ void QuadtreeBucket::construct(const std::vector<TripletBase<float>>& points) {
     if (points.size() >= kMostPoints) {
         throw internal::error(kClassName, "construct", "Too many verticies.", argumentError);
     }
-    QELVector<QuadtreeObject> objects;
-    objects.reserve(points.size());
-    adviseLargePages(objects.data(), points.size() * sizeof(QuadtreeObject));
-    // Sorting is done in the memory of the points to be stored: memory not touched before is dear.
-    static_assert(sizeof(QuadtreeObject) >= kSortingBytes &&
-                      alignof(QuadtreeObject) >= alignof(PlanePoint),
-                  "there is room for it");
     const auto capacity = static_cast<std::size_t>(std::max(bucketCapacity_, 0));
-    index_ = std::make_unique<const NearestIndex>(points, maxDepth_, capacity, objects.data());
-    objects.insert(objects.end(), ObjectIterator(points, 0), ObjectIterator(points, points.size()));
-    objects_.swap(objects);
+    auto index = std::make_unique<const NearestIndex>(points, maxDepth_, capacity);
+    heights_ = heightsOf(points);
+    index_ = std::move(index);
     maxDepthReached_ = index_->maxDepthReached();
-    bestObject_ = nullptr;
+    forgetBest();
+}
+
+void QuadtreeBucket::forgetBest() {
+    hasBest_ = false;
     bestDistance_ = kNoDistance;
 }
 
@@ -110,12 +96,15 @@ std::size_t QuadtreeBucket::findNearestPoint(const TripletBase<float>& p) {
     queryX_ = p.x;
     queryY_ = p.y;
     const NearestIndex::Nearest nearest = index_->find(queryX_, queryY_);
-    bestDistance_ = nearest.isFound ? nearest.distance : kNoDistance;
-    bestObject_ = nearest.isFound ? &objects_[nearest.index] : nullptr;
     if (!nearest.isFound) {
+        forgetBest();
         throw data::invalid(kClassName, "findNearestPoint", "No point at a finite distance.",
                             argumentError);
     }
+    const float z = heights_[heights_.size() == 1 ? 0 : nearest.index];
+    bestDistance_ = nearest.distance;
+    best_ = {{nearest.x, nearest.y, z}, nearest.index};
+    hasBest_ = true;
     return nearest.index;
 }
 

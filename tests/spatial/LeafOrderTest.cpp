@@ -109,8 +109,7 @@ TEST(NearestSearch, AnswersAreTheSameOnEveryVectorUnit) {
     for (Point& p : points) {
         p = Point(static_cast<float>(samples.integer(0, 40)), samples.plain(), 0.0f);
     }
-    std::vector<std::uint32_t> memory(points.size() * qel::kSortingBytes / sizeof(std::uint32_t));
-    const qel::NearestIndex index(points, 10, 10, memory.data());
+    const qel::NearestIndex index(points, 10, 10);
     for (int i = 0; i < 5000; ++i) {
         const float x = 4.0f * samples.plain(), y = samples.plain();
         qel::forceVectorUnit(qel::VectorUnit::portable);

@@ -8,10 +8,12 @@
 #include <gtest/gtest.h>
 
 #include "spatial/StatedSearch.h"
+#include "support/Bits.h"
 #include "support/Errors.h"
 #include "support/Samples.h"
 
 using qel::QuadtreeBucket;
+using qel_test::sameBits;
 using qel_test::Samples;
 using qel_test::StatedSearch;
 using qel_test::throwsInternal;
@@ -51,8 +53,9 @@ void checkQuery(QuadtreeBucket& bucket, StatedSearch& stated, const Points& poin
         ASSERT_EQ(bucket.getBestObject(), nullptr);
     } else {
         ASSERT_EQ(bucket.getBestObject()->index, expected);
-        ASSERT_EQ(bucket.getBestObject()->point.x, points[expected].x);
-        ASSERT_EQ(bucket.getBestObject()->point.y, points[expected].y);
+        ASSERT_TRUE(sameBits(bucket.getBestObject()->point.x, points[expected].x));
+        ASSERT_TRUE(sameBits(bucket.getBestObject()->point.y, points[expected].y));
+        ASSERT_TRUE(sameBits(bucket.getBestObject()->point.z, points[expected].z));
     }
 }
 
@@ -183,6 +186,30 @@ TEST(QuadtreeBucket, HeightDoesNotMatter) {
     EXPECT_EQ(bucket.findNearestPoint(Point(0, 0, 0)), 0u);
     EXPECT_EQ(bucket.findNearestPoint(Point(0, 0, kNan)), 0u);
     EXPECT_EQ(bucket.getBestObject()->point.z, 100.0f);
+}
+
+TEST(QuadtreeBucket, PointsFoundHaveTheHeightsGiven) {
+    for (const float last : {3.0f, -3.0f, kNan, 0.0f, -0.0f}) {
+        for (const float others : {3.0f, 0.0f}) {
+            Points points;
+            for (int i = 0; i < 40; ++i) {
+                points.emplace_back(static_cast<float>(i), 0.0f, i < 39 ? others : last);
+            }
+            QuadtreeBucket bucket = bucketOf(points);
+            for (const Point& p : points) {
+                bucket.findNearestPoint(p);
+                ASSERT_TRUE(sameBits(bucket.getBestObject()->point.z, p.z)) << last << others;
+            }
+        }
+    }
+}
+
+TEST(QuadtreeBucket, PointsFoundHaveTheBitsGiven) {
+    QuadtreeBucket bucket = bucketOf({Point(-0.0f, 0.0f, 1), Point(0.0f, -0.0f, 1)});
+    bucket.findNearestPoint(Point(0, 0, 0));
+    EXPECT_EQ(bucket.getBestObject()->index, 0u);
+    EXPECT_TRUE(sameBits(bucket.getBestObject()->point.x, -0.0f));
+    EXPECT_TRUE(sameBits(bucket.getBestObject()->point.y, 0.0f));
 }
 
 TEST(QuadtreeBucket, EleventhPointSplitsTheRoot) {
@@ -462,6 +489,34 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInMoreNodesThanForeseen) {
         }
     }
     checkQueries(points, 24, 10, queries);
+}
+
+// The last points lie at one place and make a single block: the index catches up with the points
+// that it is built of.
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsBeforeManyAtOnePlace) {
+    Samples<float> samples(423);
+    Points points = sampledCloud(samples, plainCloud, 3000), queries;
+    points.insert(points.end(), 2500, Point(11, 11, 0));
+    for (int i = 0; i < 1000; ++i) {
+        queries.push_back(sampledQuery(samples, points, plainCloud));
+    }
+    checkQueries(points, 12, 10, queries);
+}
+
+// Places each of which thickens at every scale, so that most blocks hold one point: the index takes
+// more memory than is set aside.
+TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInHardlyFilledBlocks) {
+    Samples<float> samples(424);
+    Points points, queries;
+    for (int place = 0; place < 400; ++place) {
+        const float x = static_cast<float>(place % 20), y = static_cast<float>(place / 20);
+        for (int exponent = 1; exponent < 24; ++exponent) {
+            const float step = std::ldexp(1.0f, -exponent);
+            points.emplace_back(x + step, y + step, 0.0f);
+        }
+        queries.push_back(sampledQuery(samples, points, plainCloud));
+    }
+    checkQueries(points, 12, 10, queries);
 }
 
 TEST(QuadtreeBucket, FindsTheLeastDistance) {
