@@ -12,9 +12,9 @@
 
 namespace qel {
 
-/// Writes the whole block.
-/// @param count  up to 16 points
-void fillBlock(PointBlock& block, const PlanePoint* points, int count);
+/// Writes the whole block; returns the box of the points.
+/// @param count  1 to 16 points, all of them with finite coordinates
+QuadRectangle fillBlock(PointBlock& block, const PlanePoint* points, int count);
 
 /// The box of one point or more, all of them with finite coordinates.
 QuadRectangle boxOf(const PlanePoint* points, std::size_t count);

@@ -29,7 +29,7 @@ struct alignas(64) BoxNode {
     std::uint32_t child[kLanes]; ///< line of the child in the BoxTree, plus kBlock for a block
 };
 
-/// Up to 16 points. Lanes without a point are at infinity.
+/// Up to 16 points. Lanes without a point are at infinity; what else they hold means nothing.
 struct alignas(64) PointBlock {
     float x[kLanes];
     float y[kLanes];

@@ -84,9 +84,9 @@ private:
     void addBlock(const BlockRun& run, BoxNode& node, int lane, QuadRectangle& whole) {
         const PlanePoint* const points = points_ + run.begin;
         const std::uint32_t line = tree_.addBlock();
-        fillBlock(tree_.block(line), points, static_cast<int>(run.count));
         node.child[lane] = BoxNode::kBlock + line;
-        setBox(node, lane, boxOf(points, run.count), whole);
+        setBox(node, lane, fillBlock(tree_.block(line), points, static_cast<int>(run.count)),
+               whole);
     }
 
     // Sets the box of a child, which the box of the node takes in.

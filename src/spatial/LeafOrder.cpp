@@ -181,12 +181,25 @@ private:
     }
 
     void finish(std::size_t begin, std::size_t end, int depth, const QuadLeaf& node) {
-        const auto number = static_cast<std::uint32_t>(order_.leaves.size());
-        for (std::size_t i = begin; i < end; ++i) {
-            order_.points[i].group = number;
-        }
+        numberPoints(begin, end, static_cast<std::uint32_t>(order_.leaves.size()));
         order_.leaves.push_back(node);
         order_.maxDepthReached = std::max(order_.maxDepthReached, depth);
+    }
+
+    // May number points beyond the leaf, whose turn is still to come: always the same count takes
+    // no branch that could not be foreseen.
+    void numberPoints(std::size_t begin, std::size_t end, std::uint32_t number) {
+        constexpr std::size_t kAtOnce = 16;
+        PlanePoint* const points = order_.points;
+        std::size_t i = begin;
+        for (; i < end && i + kAtOnce <= order_.count; i += kAtOnce) {
+            for (std::size_t k = i; k < i + kAtOnce; ++k) {
+                points[k].group = number;
+            }
+        }
+        for (; i < end; ++i) {
+            points[i].group = number;
+        }
     }
 
     LeafOrder& order_;

@@ -140,15 +140,17 @@ TEST(BlockFill, BlockHoldsThePointsAndTheirBox) {
         }
         qel::PointBlock block;
         std::memset(&block, 0x5a, sizeof(block));
-        qel::fillBlock(block, points, count);
-        const qel::QuadRectangle filled = qel::boxOf(points, static_cast<std::size_t>(count));
-        ASSERT_TRUE(sameBits(filled.xmin, box.xmin) && sameBits(filled.ymin, box.ymin));
-        ASSERT_TRUE(sameBits(filled.xmax, box.xmax) && sameBits(filled.ymax, box.ymax));
+        for (const qel::QuadRectangle& filled :
+             {qel::fillBlock(block, points, count),
+              qel::boxOf(points, static_cast<std::size_t>(count))}) {
+            ASSERT_TRUE(sameBits(filled.xmin, box.xmin) && sameBits(filled.ymin, box.ymin));
+            ASSERT_TRUE(sameBits(filled.xmax, box.xmax) && sameBits(filled.ymax, box.ymax));
+        }
         for (int i = 0; i < qel::kLanes; ++i) {
             ASSERT_TRUE(sameBits(block.x[i], i < count ? points[i].x : kInfinity));
             ASSERT_TRUE(sameBits(block.y[i], i < count ? points[i].y : kInfinity));
-            ASSERT_EQ(block.index[i], i < count ? points[i].index : 0u);
-            ASSERT_EQ(block.leaf[i], i < count ? points[i].group : 0u);
+            ASSERT_EQ(block.index[i], points[std::min(i, count - 1)].index);
+            ASSERT_EQ(block.leaf[i], points[std::min(i, count - 1)].group);
         }
     }
 }
