@@ -4,12 +4,12 @@
 /// @file
 /// The stored points around an s, and the point between them.
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <vector>
 
 #include "curve/Conversions.h"
+#include "curve/PartitionPoint.h"
 #include "foundation/MachineSpacing.h"
 
 namespace qel {
@@ -35,27 +35,21 @@ struct Bracket {
 /// The bracket of an s strictly between the first and the last s-value. Both indices are valid
 /// also where NaN stands among the s-values. O(log n).
 ///
-/// The searches for the first value not less than s and for the first greater one go the same way
-/// until they meet s itself (or NaN), so one walk serves both up to there. What it finds is what
-/// std::lower_bound and std::upper_bound find.
+/// hi is what std::upper_bound finds. It is what std::lower_bound finds, too, unless that is s
+/// itself or the search came across a NaN.
 inline Bracket bracketOf(const std::vector<double>& svalues, double s) {
-    auto first = svalues.begin();
-    auto count = svalues.end() - first;
-    while (count > 0) {
-        const auto half = count / 2;
-        const auto middle = first + half;
-        const bool below = *middle < s;
-        if (below == (s < *middle)) {
-            const auto lo = std::lower_bound(first, middle, s);
-            const auto hi = std::upper_bound(middle + 1, first + count, s);
-            return {static_cast<std::size_t>(lo - svalues.begin()),
-                    static_cast<std::size_t>(hi - svalues.begin())};
-        }
-        first = below ? middle + 1 : first;
-        count = below ? count - half - 1 : half;
+    double zero = 0.0; // a NaN or an infinity among the values makes it a NaN
+    const std::size_t lower =
+        partitionPoint(svalues.data(), svalues.size(), [s, &zero](double value) {
+            zero += value * 0.0;
+            return value < s;
+        });
+    if (svalues[lower] != s && zero == 0.0) {
+        return {lower - 1, lower};
     }
-    const auto hi = static_cast<std::size_t>(first - svalues.begin());
-    return {hi - 1, hi};
+    const std::size_t upper =
+        partitionPoint(svalues.data(), svalues.size(), [s](double value) { return !(s < value); });
+    return {lower == upper ? lower - 1 : lower, upper};
 }
 
 /// Point at s between two points with their s-values: weighted by where s lies, or the middle

@@ -13,6 +13,7 @@
 
 #include "platform/FloatBits.h"
 #include "platform/LowestBit.h"
+#include "platform/Prefetch.h"
 #include "platform/VectorDispatch.h"
 
 #if defined(QEL_VECTOR_UNITS)
@@ -25,15 +26,6 @@ namespace {
 constexpr std::int32_t kLaneBits = kLanes - 1;
 constexpr std::uint32_t kNoLine = BoxNode::kBlock; // a node that there is not
 constexpr std::int32_t kDone = std::numeric_limits<std::int32_t>::max();
-
-// Asks for memory that is needed soon.
-QEL_KERNEL void prefetch(const void* place) {
-#if defined(QEL_VECTOR_UNITS)
-    __builtin_prefetch(place);
-#else
-    static_cast<void>(place);
-#endif
-}
 
 #if defined(QEL_VECTOR_UNITS)
 // In four vectors of four: compilers make a chain of 16 steps of the plain loops.

@@ -1,0 +1,42 @@
+#ifndef QEL_CURVE_PARTITIONPOINT_H
+#define QEL_CURVE_PARTITIONPOINT_H
+
+/// @file
+/// Fast road: std::partition_point without branches.
+///
+/// At each step of a binary search the branch goes the wrong way every other time, which costs more
+/// than the step. Here steps choose by arithmetic, and as nothing is then fetched ahead on a guess,
+/// both next places are asked for: some 0.6 of the time. It looks at the places that the standard's
+/// search looks at, one after the other, and so finds the same, whatever the order of the values.
+
+#include <algorithm>
+#include <cstddef>
+
+#include "platform/Prefetch.h"
+
+namespace qel {
+
+/// The number of values at the front for which `isBefore` holds, where those for which it does are
+/// in front. O(log n).
+template <typename IsBefore>
+std::size_t partitionPoint(const double* values, std::size_t count, IsBefore isBefore) {
+    constexpr std::size_t kInCache = std::size_t{1} << 18;
+    if (count > kInCache) { // guesses fetch more than one step ahead
+        return static_cast<std::size_t>(std::partition_point(values, values + count, isBefore) -
+                                        values);
+    }
+    const double* first = values;
+    while (count > 0) {
+        const std::size_t half = count / 2;
+        prefetch(first + half / 2);
+        prefetch(first + half + 1 + half / 2);
+        const std::size_t isAfter = isBefore(first[half]) ? 1 : 0;
+        first += (half + 1) & (0 - isAfter);
+        count = half - (isAfter & ~count); // behind the middle of an even count there is one less
+    }
+    return static_cast<std::size_t>(first - values);
+}
+
+} // namespace qel
+
+#endif
