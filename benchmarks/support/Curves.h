@@ -79,8 +79,9 @@ inline Points roughWave(std::size_t n) {
 
 // m probes along a curve, each moved by up to an amplitude: what a neighbouring grid line or the
 // same section of another solution asks for.
-inline Points probesAlong(const Points& curve, std::size_t m, double amplitude = 0.01) {
-    std::mt19937 random(kSeed + 1);
+inline Points probesAlong(const Points& curve, std::size_t m, double amplitude = 0.01,
+                          unsigned seed = kSeed + 1) {
+    std::mt19937 random(seed);
     std::uniform_real_distribution<double> shift(-amplitude, amplitude);
     Points probes;
     probes.reserve(m);
