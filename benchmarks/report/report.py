@@ -44,12 +44,13 @@ def main(arguments):
         return 1
     notes = read_notes()
     rows = rows_of(measurements, notes)
+    machine = describe(build)  # before files are written, which may be part of the tree described
     picture = arguments[3] if len(arguments) == 4 else ""
     if picture and not draw_picture(rows, picture):
         picture = ""
     remarks = remarks_on(unused, without_library(measurements, notes))
-    text = document(rows, growth_of(measurements, notes), describe(build), Path(picture).name
-                    if picture else "", remarks)
+    text = document(rows, growth_of(measurements, notes), machine,
+                    Path(picture).name if picture else "", remarks)
     Path(report).write_text(text, encoding="utf-8")
     print(f"{report}: {len(rows)} rows")
     return 0
