@@ -14,6 +14,7 @@ namespace qel {
 namespace {
 
 constexpr std::size_t kCapacity = kLanes;
+constexpr std::size_t kFewPoints = 2 * kCapacity;
 
 // Bits of a cell within a cell; up to two such fit below a cell in the keys of blocks. What lies
 // deeper is in order, but keys do not tell it apart.
@@ -70,16 +71,13 @@ private:
             const std::size_t first = begin + runs.begin(), last = begin + runs.end();
             const std::uint64_t keyHere =
                 shift >= 0 ? key | (std::uint64_t{order_.cells[first]} << shift) : key;
-            if (runs.isTooLong()) {
-                cutCell(first, last, keyHere, shift - kFinerBits);
-            } else {
-                addBlock(first, last - first, keyHere);
-            }
+            addPart(first, last, keyHere, shift - 1);
         }
     }
 
-    // Cuts points of one cell by finer cells.
-    void cutCell(std::size_t begin, std::size_t end, std::uint64_t key, int shift) {
+    // Cuts points of one cell that are too many for a block. Keys consist of `key`, and what tells
+    // the parts apart from bit `top` down; bits below 0 are left out.
+    void cutCell(std::size_t begin, std::size_t end, std::uint64_t key, int top) {
         PlanePoint* const points = order_.points;
         const QuadRectangle box = boxOf(points + begin, end - begin);
         if (box.xmin == box.xmax && box.ymin == box.ymax) {
@@ -87,37 +85,36 @@ private:
             std::iter_swap(points + begin,
                            std::min_element(points + begin, points + end, isListedBefore));
             addBlock(begin, 1, key);
-            return;
+        } else if (end - begin > kFewPoints || !halve(begin, end, box, key, top)) {
+            constexpr std::size_t kFew = 256;
+            sortByFinerCells(begin, end, box,
+                             end - begin <= kFew ? kFinerBits / 4 : kFinerBits / 2);
+            cut(begin, end, key, top + 1 - kFinerBits);
         }
-        if (end - begin <= 2 * kCapacity && cutInTwo(begin, end, box, key, shift)) {
-            return;
-        }
-        constexpr std::size_t kFew = 256;
-        sortByFinerCells(begin, end, box, end - begin <= kFew ? kFinerBits / 4 : kFinerBits / 2);
-        cut(begin, end, key, shift);
     }
 
-    // Where a cut in the middle of a side, rather of the longer one, leaves no more than two
-    // blocks: cheaper than the finer cells, of which as many would be the halves.
-    bool cutInTwo(std::size_t begin, std::size_t end, const QuadRectangle& box, std::uint64_t key,
-                  int shift) {
-        const bool isWide = box.xmax - box.xmin > box.ymax - box.ymin;
-        return cutInTwo(begin, end, box, isWide, key, shift) ||
-               cutInTwo(begin, end, box, !isWide, key, shift);
-    }
-
-    bool cutInTwo(std::size_t begin, std::size_t end, const QuadRectangle& box, bool acrossX,
-                  std::uint64_t key, int shift) {
+    // Cuts in the middle of the longer side: cheaper than finer cells, where points are few.
+    // False if that leaves the points together, as it may between neighbouring numbers and where
+    // their sum overflows.
+    bool halve(std::size_t begin, std::size_t end, const QuadRectangle& box, std::uint64_t key,
+               int top) {
+        const bool acrossX = box.xmax - box.xmin > box.ymax - box.ymin;
         const float cut = acrossX ? middle(box.xmin, box.xmax) : middle(box.ymin, box.ymax);
         const std::size_t middlePoint = partition(order_.points, begin, end, acrossX, cut);
-        if (middlePoint - begin > kCapacity || end - middlePoint > kCapacity ||
-            middlePoint == begin || middlePoint == end) {
+        if (middlePoint == begin || middlePoint == end) {
             return false;
         }
-        addBlock(begin, middlePoint - begin, key);
-        addBlock(middlePoint, end - middlePoint,
-                 shift >= 0 ? key | (std::uint64_t{1} << shift) : key);
+        addPart(begin, middlePoint, key, top - 1);
+        addPart(middlePoint, end, top >= 0 ? key | (std::uint64_t{1} << top) : key, top - 1);
         return true;
+    }
+
+    void addPart(std::size_t begin, std::size_t end, std::uint64_t key, int top) {
+        if (end - begin > kCapacity) {
+            cutCell(begin, end, key, top);
+        } else {
+            addBlock(begin, end - begin, key);
+        }
     }
 
     // Replaces the cells by those of a grid in the box.

@@ -70,26 +70,13 @@ public:
 
 private:
     void goToEnd(std::uint32_t farthest) {
-        std::size_t passed = kAtOnce;
-        for (end_ = begin_; passed == kAtOnce && end_ + kAtOnce <= count_; end_ += passed) {
-            passed = countUpTo(farthest, keys_ + end_);
-        }
-        while (passed == kAtOnce && end_ < count_ && keys_[end_] <= farthest) {
+        end_ = begin_ + 1;
+        while (end_ < count_ && keys_[end_] <= farthest) {
             ++end_;
         }
         if (end_ < count_) {
             bitsBehind_ = bitWidth(keys_[end_ - 1] ^ keys_[end_]) - 1;
         }
-    }
-
-    // The number of keys up to the farthest, of several: where a run ends could not be foreseen.
-    static constexpr std::size_t kAtOnce = 16;
-    static std::size_t countUpTo(std::uint32_t farthest, const std::uint32_t* keys) {
-        std::uint32_t count = 0;
-        for (std::size_t i = 0; i < kAtOnce; ++i) {
-            count += keys[i] <= farthest ? 1 : 0;
-        }
-        return count;
     }
 
     const std::uint32_t* keys_;
