@@ -14,7 +14,7 @@ namespace qel {
 namespace {
 
 constexpr std::size_t kCapacity = kLanes;
-constexpr std::size_t kFewPoints = 2 * kCapacity;
+constexpr std::size_t kMostToHalve = 2 * kCapacity; // more points are sorted by finer cells
 
 // Bits of a cell within a cell; up to two such fit below a cell in the keys of blocks. What lies
 // deeper is in order, but keys do not tell it apart.
@@ -85,7 +85,7 @@ private:
             std::iter_swap(points + begin,
                            std::min_element(points + begin, points + end, isListedBefore));
             addBlock(begin, 1, key);
-        } else if (end - begin > kFewPoints || !halve(begin, end, box, key, top)) {
+        } else if (end - begin > kMostToHalve || !halve(begin, end, box, key, top)) {
             constexpr std::size_t kFew = 256;
             sortByFinerCells(begin, end, box,
                              end - begin <= kFew ? kFinerBits / 4 : kFinerBits / 2);

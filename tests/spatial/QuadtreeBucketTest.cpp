@@ -425,6 +425,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAmongBadPoints) {
 TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInLargeClouds) {
     checkSampledClouds(plainCloud, 417, 4, 60000, 2000);
     checkSampledClouds(gridCloud, 418, 4, 20000, 200);
+    checkSampledClouds(badCloud, 425, 8, 4000, 100);
 }
 
 // Clouds beyond some thousand points, whose queries may start below the root of the index; points
