@@ -12,13 +12,14 @@
 #include <geos/geom/GeometryFactory.h>
 #include <geos/geom/LineString.h>
 
-#include "support/Curves.h"
+#include "curve/CurveInput.h"
 
 namespace qel_benchmark {
 
 // The x and y of points as a line of GEOS.
 inline std::unique_ptr<geos::geom::LineString> geosLine(const Points& points) {
     std::vector<geos::geom::Coordinate> coordinates;
+    coordinates.reserve(points.size());
     for (const Point& p : points) {
         coordinates.emplace_back(p.x, p.y);
     }

@@ -3,7 +3,7 @@
 
 // CGAL's kd-tree, with the two members of the structures in Locators.h.
 
-#ifdef QEL_BENCHMARK_HAS_CGAL
+#if defined(QEL_BENCHMARK_HAS_CGAL)
 
 #include <cstddef>
 #include <cstdint>
@@ -15,7 +15,7 @@
 #include <CGAL/Search_traits_adapter.h>
 #include <CGAL/Simple_cartesian.h>
 
-#include "nearest/Clouds.h"
+#include "nearest/Locators.h"
 
 namespace qel_benchmark {
 
@@ -24,7 +24,6 @@ public:
     using Kernel = CGAL::Simple_cartesian<float>;
     using Value = std::pair<Kernel::Point_2, std::uint32_t>;
     using Input = std::vector<Value>;
-    static constexpr const char* kName = "cgal";
     static Input prepare(const Points& points) {
         Input input;
         for (const Point& p : points) {

@@ -1,28 +1,27 @@
 #ifndef QEL_BENCHMARKS_NEAREST_LOCATORS_H
 #define QEL_BENCHMARKS_NEAREST_LOCATORS_H
 
-// The structures compared, all with the same two members: built from points by the constructor,
-// and nearest(query). Each holds its peer's own form of the points, made outside the timed region.
+// The structures compared, all with the same members: prepare() makes a structure's own form of the
+// points, outside the time taken; the constructor builds; nearest(query) answers.
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <utility>
 #include <vector>
 
 #include <qel/QuadtreeBucket.h>
 
-#include "nearest/Clouds.h"
+#include "support/CloudShapes.h"
 
-#ifdef QEL_BENCHMARK_HAS_NANOFLANN
+#if defined(QEL_BENCHMARK_HAS_NANOFLANN)
 #include <nanoflann.hpp>
 #endif
-#ifdef QEL_BENCHMARK_HAS_BOOST
+#if defined(QEL_BENCHMARK_HAS_BOOST)
 #include <boost/geometry.hpp>
 #include <boost/geometry/geometries/point.hpp>
 #include <boost/geometry/index/rtree.hpp>
 #endif
-#ifdef QEL_BENCHMARK_HAS_VTK
+#if defined(QEL_BENCHMARK_HAS_VTK)
 #include <vtkNew.h>
 #include <vtkPoints.h>
 #include <vtkPolyData.h>
@@ -32,26 +31,17 @@
 
 namespace qel_benchmark {
 
-// Limits chosen for the cloud, and the default ones.
-struct ChosenLimits {
-    static constexpr const char* kName = "qel";
-    static constexpr int kMaxDepth = 24;
-    static constexpr int kCapacity = 16;
-};
-struct DefaultLimits {
-    static constexpr const char* kName = "qel_default_limits";
-    static constexpr int kMaxDepth = 10;
-    static constexpr int kCapacity = 10;
-};
+using Point = qel_test::CloudPoint;
+using Points = qel_test::CloudPoints;
 
-template <typename Limits>
-class QelLocator {
+// With the default limits.
+class LibraryLocator {
 public:
     using Input = Points;
-    static constexpr const char* kName = Limits::kName;
     static Input prepare(const Points& points) { return points; }
 
-    explicit QelLocator(const Input& points) : bucket_(Limits::kMaxDepth, Limits::kCapacity) {
+    explicit LibraryLocator(const Input& points) { bucket_.construct(points); }
+    LibraryLocator(const Input& points, int maxDepth, int capacity) : bucket_(maxDepth, capacity) {
         bucket_.construct(points);
     }
     std::size_t nearest(const Point& q) { return bucket_.findNearestPoint(q); }
@@ -60,7 +50,13 @@ private:
     qel::QuadtreeBucket bucket_;
 };
 
-#ifdef QEL_BENCHMARK_HAS_NANOFLANN
+// With more and smaller leaves.
+class DeepLibraryLocator : public LibraryLocator {
+public:
+    explicit DeepLibraryLocator(const Input& points) : LibraryLocator(points, 24, 16) {}
+};
+
+#if defined(QEL_BENCHMARK_HAS_NANOFLANN)
 class NanoflannLocator {
 public:
     struct Input {
@@ -74,7 +70,6 @@ public:
             return false;
         }
     };
-    static constexpr const char* kName = "nanoflann";
     static Input prepare(const Points& points) { return {&points}; }
 
     explicit NanoflannLocator(const Input& input) : tree_(2, input, {10}) { tree_.buildIndex(); }
@@ -93,13 +88,12 @@ private:
 };
 #endif
 
-#ifdef QEL_BENCHMARK_HAS_BOOST
+#if defined(QEL_BENCHMARK_HAS_BOOST)
 class BoostLocator {
 public:
     using Place = boost::geometry::model::point<float, 2, boost::geometry::cs::cartesian>;
     using Value = std::pair<Place, std::uint32_t>;
     using Input = std::vector<Value>;
-    static constexpr const char* kName = "boost";
     static Input prepare(const Points& points) {
         Input input;
         for (const Point& p : points) {
@@ -123,11 +117,10 @@ private:
 };
 #endif
 
-#ifdef QEL_BENCHMARK_HAS_VTK
+#if defined(QEL_BENCHMARK_HAS_VTK)
 class VtkLocator {
 public:
     using Input = vtkSmartPointer<vtkPolyData>;
-    static constexpr const char* kName = "vtk";
     static Input prepare(const Points& points) {
         vtkNew<vtkPoints> places;
         places->SetDataTypeToFloat();

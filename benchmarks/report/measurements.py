@@ -1,90 +1,80 @@
-"""Measurements as Google Benchmark writes them, one for each <work>/<who>/<n>."""
+"""What the benchmark programs have measured: a row for one work on one shape at one size."""
 
 import json
-from dataclasses import dataclass
+from dataclasses import dataclass, field
 from pathlib import Path
 
-LIBRARY = "qel"
-LIMITS = ("copy", "read")
+LIBRARY = "library"
+PLAIN = "plain loop"
+COPY = "copy"  # of the bytes that the work reads and writes: what memory allows, no contender
 
 
 @dataclass(frozen=True)
-class Measurement:
-    group: str  # the program: tensor, arrays, nearest, curve
+class Row:
+    group: str  # foundation, arrays, tensor, nearest, curve
+    unit: str  # the vector unit that the library used: portable, AVX2, AVX-512
     work: str
-    who: str
+    shape: str
     n: int
-    ns: float  # median, per item
-    variant: str = ""  # further arguments, such as "probes:1000"
+    items: int  # n, or 1 where a call answers one query
+    ns: dict = field(hash=False)  # of a call, by contender
+    too_slow: tuple = ()  # contenders left out, as a call was expected to take too long
+    differs: bool = False  # the plain loop and the library have not left the same bits
 
     @property
-    def is_library(self):
-        """Also true of the library with other settings, such as qel_default_limits."""
-        return self.who == LIBRARY or self.who.startswith(LIBRARY + "_")
+    def library(self):
+        """Nanoseconds of a call; None if the library was left out."""
+        return self.ns.get(LIBRARY)
 
     @property
-    def is_limit(self):
-        return self.who in LIMITS
+    def plain(self):
+        return self.ns.get(PLAIN)
 
     @property
-    def is_peer(self):
-        return not self.is_library and not self.is_limit
+    def peers(self):
+        return {who: ns for who, ns in self.ns.items() if who not in (LIBRARY, PLAIN, COPY)}
+
+    @property
+    def best_peer(self):
+        """The name of the fastest peer; None where none was measured."""
+        return min(self.peers, key=self.peers.get, default=None)
+
+    @property
+    def best_other(self):
+        """The name of the fastest of the plain loop and the peers."""
+        others = {who: ns for who, ns in self.ns.items() if who not in (LIBRARY, COPY)}
+        return min(others, key=others.get, default=None)
+
+    def times_faster(self, who):
+        """How many times the library is faster than a contender; None without either."""
+        if who is None or self.library is None or who not in self.ns:
+            return None
+        return self.ns[who] / self.library
 
 
-# What Google Benchmark appends to a name about how it measured.
-SETTINGS = ("min_time:", "min_warmup_time:", "iterations:", "repeats:", "threads:")
+def parse(line):
+    entry = json.loads(line)
+    return Row(entry["group"], entry["unit"], entry["work"], entry["shape"], entry["n"],
+               entry["items"], entry["ns"], tuple(entry["too_slow"]), entry["differs"])
 
 
-def split_name(name):
-    """(work, who, n, variant) of a benchmark's name; None for a name of another form."""
-    parts = [part for part in name.split("/") if not part.startswith(SETTINGS)]
-    variant = [part for part in parts[3:] if ":" in part]
-    if len(parts) != 3 + len(variant) or not parts[2].isdigit():
-        return None
-    return parts[0], parts[1], int(parts[2]), ", ".join(variant)
-
-
-def nanoseconds_per_item(entry):
-    """None where the benchmark failed or counted no items."""
-    rate = entry.get("items_per_second", 0.0)
-    if entry.get("error_occurred") or not rate > 0.0:
-        return None
-    return 1e9 / rate
-
-
-def is_result(entry):
-    """True for medians, and for single runs that have no aggregates."""
-    if entry.get("run_type") == "aggregate":
-        return entry.get("aggregate_name") == "median"
-    return entry.get("repetitions", 1) <= 1
-
-
-def parse(group, document):
-    """Measurements of one program's output. Also names what could not be used."""
-    measurements, unused = [], []
-    for entry in document["benchmarks"]:
-        if not is_result(entry):
-            continue
-        name = entry.get("run_name", entry["name"])
-        parts, ns = split_name(name), nanoseconds_per_item(entry)
-        if parts is None or ns is None:
-            unused.append(name)
-        else:
-            work, who, n, variant = parts
-            measurements.append(Measurement(group, work, who, n, ns, variant))
-    return measurements, unused
-
-
-def read_folder(folder):
-    """Measurements of every <group>.json in a folder. A run that was stopped leaves a torn file."""
-    measurements, unused = [], []
-    for path in sorted(Path(folder).glob("*.json")):
+def read_file(path):
+    """Rows of a file, and how many lines of it are torn, as a program that is stopped leaves one."""
+    rows, torn = [], 0
+    for line in Path(path).read_text(encoding="utf-8").splitlines():
         try:
-            document = json.loads(path.read_text(encoding="utf-8"))
-        except json.JSONDecodeError:
-            unused.append(f"all of {path.stem}")
-            continue
-        found, left = parse(path.stem, document)
-        measurements += found
-        unused += left
-    return measurements, unused
+            rows.append(parse(line))
+        except (ValueError, KeyError):
+            torn += 1
+    return rows, torn
+
+
+def read_folder(folder, pattern="*.rows"):
+    """Rows of every file of results in a folder, and a remark on each torn file."""
+    rows, remarks = [], []
+    for path in sorted(Path(folder).glob(pattern)):
+        found, torn = read_file(path)
+        rows += found
+        if torn:
+            remarks.append(f"{path.name}: {torn} torn line(s)")
+    return rows, remarks

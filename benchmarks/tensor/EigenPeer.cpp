@@ -1,6 +1,8 @@
-// Eigen: strided maps for what is linear in the points, Matrix3d per point for the rest.
+// Eigen: strided maps for what is linear in the points, a Matrix3d for each point for the rest.
 
+#include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #if defined(__GNUC__)
@@ -14,51 +16,40 @@
 #pragma GCC diagnostic pop
 #endif
 
-#include "tensor/TensorField.h"
+#include "tensor/GradientInput.h"
 
 namespace qel_benchmark {
 namespace {
 
 using Strided = Eigen::Map<const Eigen::ArrayXf, 0, Eigen::InnerStride<3>>;
 using StridedOutput = Eigen::Map<Eigen::ArrayXf, 0, Eigen::InnerStride<3>>;
-using Output = std::shared_ptr<std::vector<float>>;
+using Output = Eigen::Map<Eigen::ArrayXf>;
 
-Strided component(const float* row, std::size_t n, int i) {
-    return Strided(row + i, static_cast<Eigen::Index>(n));
+Strided component(const GradientInput& in, int row, int i) {
+    return Strided(in.at(row) + i, static_cast<Eigen::Index>(in.n));
 }
 
-Eigen::Matrix3d matrixAt(const TensorField& f, std::size_t k) {
+using Rows = Eigen::Map<const Eigen::Vector3f>;
+
+Eigen::Matrix3d matrixAt(const GradientInput& in, std::size_t k) {
     Eigen::Matrix3d t;
-    for (int j = 0; j < 3; ++j) {
-        const std::size_t at = 3 * k + static_cast<std::size_t>(j);
-        t(0, j) = static_cast<double>(f.row1[at]);
-        t(1, j) = static_cast<double>(f.row2[at]);
-        t(2, j) = static_cast<double>(f.row3[at]);
+    for (int i = 0; i < 3; ++i) {
+        t.row(i) = Rows(in.at(i) + 3 * k).cast<double>();
     }
     return t;
 }
 
-template <typename Pass>
-int addEigen(const char* work, std::size_t floatsPerPoint, Pass pass) {
-    return add(work, "eigen", [floatsPerPoint, pass](const TensorField& f) {
-        auto out = std::make_shared<std::vector<float>>(f.n * floatsPerPoint);
-        return [f, out, pass] { pass(f, out->data()); };
-    });
-}
-
 // out[k] = function(T at k).
 template <typename Function>
-int addPerPoint(const char* work, Function function) {
-    return addEigen(work, 1, [function](const TensorField& f, float* out) {
-        for (std::size_t k = 0; k < f.n; ++k) {
-            out[k] = static_cast<float>(function(matrixAt(f, k)));
-        }
-    });
+void perPoint(const GradientInput& in, float* out, const Function& function) {
+    for (std::size_t k = 0; k < in.n; ++k) {
+        out[k] = static_cast<float>(function(matrixAt(in, k)));
+    }
 }
 
 double discriminantOf(const Eigen::Matrix3d& t) {
     const double a = -t.trace();
-    const double b = 0.5 * (a * a - (t * t).trace());
+    const double b = 0.5 * (a * a - t.cwiseProduct(t.transpose()).sum());
     const double c = -t.determinant();
     const double p = b - a * a / 3.0;
     const double h = 0.5 * (c + (a * a / 13.5 - b / 3.0) * a);
@@ -90,50 +81,75 @@ Eigen::Vector3d realEigenvectorOf(const Eigen::Matrix3d& t) {
     return Eigen::Vector3d::Zero();
 }
 
-void realEigenvector(const TensorField& f, float* out) {
-    for (std::size_t k = 0; k < f.n; ++k) {
-        Eigen::Map<Eigen::Vector3f>(out + 3 * k) = realEigenvectorOf(matrixAt(f, k)).cast<float>();
+void realEigenvector(const GradientInput& in, float* out) {
+    for (std::size_t k = 0; k < in.n; ++k) {
+        Eigen::Map<Eigen::Vector3f>(out + 3 * k) = realEigenvectorOf(matrixAt(in, k)).cast<float>();
     }
 }
 
-void invariantQ(const TensorField& f, float* out) {
-    const auto t = [&](const float* row, int i) { return component(row, f.n, i); };
-    Eigen::Map<Eigen::ArrayXf>(out, static_cast<Eigen::Index>(f.n)) =
-        (t(f.row3, 2) + t(f.row2, 1)) * t(f.row1, 0) - t(f.row2, 0) * t(f.row1, 1) -
-        t(f.row3, 0) * t(f.row1, 2) - t(f.row3, 1) * t(f.row2, 2) + t(f.row3, 2) * t(f.row2, 1);
+void invariantQ(const GradientInput& in, float* out) {
+    const auto t = [&](int row, int i) { return component(in, row, i); };
+    Output(out, static_cast<Eigen::Index>(in.n)) = (t(2, 2) + t(1, 1)) * t(0, 0) -
+                                                   t(1, 0) * t(0, 1) - t(2, 0) * t(0, 2) -
+                                                   t(2, 1) * t(1, 2) + t(2, 2) * t(1, 1);
 }
 
-void divergence(const TensorField& f, float* out) {
-    Eigen::Map<Eigen::ArrayXf>(out, static_cast<Eigen::Index>(f.n)) =
-        component(f.row2, f.n, 1) + component(f.row1, f.n, 0) + component(f.row3, f.n, 2);
+void divergence(const GradientInput& in, float* out) {
+    Output(out, static_cast<Eigen::Index>(in.n)) =
+        component(in, 1, 1) + component(in, 0, 0) + component(in, 2, 2);
 }
 
-void vorticity(const TensorField& f, float* out) {
-    const auto n = static_cast<Eigen::Index>(f.n);
-    StridedOutput(out, n) = component(f.row3, f.n, 1) - component(f.row2, f.n, 2);
-    StridedOutput(out + 1, n) = component(f.row1, f.n, 2) - component(f.row3, f.n, 0);
-    StridedOutput(out + 2, n) = component(f.row2, f.n, 0) - component(f.row1, f.n, 1);
+void vorticity(const GradientInput& in, float* out) {
+    const auto n = static_cast<Eigen::Index>(in.n);
+    StridedOutput(out, n) = component(in, 2, 1) - component(in, 1, 2);
+    StridedOutput(out + 1, n) = component(in, 0, 2) - component(in, 2, 0);
+    StridedOutput(out + 2, n) = component(in, 1, 0) - component(in, 0, 1);
 }
 
-void helicity(const TensorField& f, float* out) {
-    const auto t = [&](const float* row, int i) { return component(row, f.n, i); };
-    Eigen::Map<Eigen::ArrayXf>(out, static_cast<Eigen::Index>(f.n)) =
-        (t(f.row1, 2) - t(f.row3, 0)) * t(f.velocity, 1) +
-        (t(f.row3, 1) - t(f.row2, 2)) * t(f.velocity, 0) +
-        (t(f.row2, 0) - t(f.row1, 1)) * t(f.velocity, 2);
+void helicity(const GradientInput& in, float* out) {
+    const auto t = [&](int row, int i) { return component(in, row, i); };
+    const auto u = [&](int i) { return Strided(&in.u->x + i, static_cast<Eigen::Index>(in.n)); };
+    Output(out, static_cast<Eigen::Index>(in.n)) =
+        (t(0, 2) - t(2, 0)) * u(1) + (t(2, 1) - t(1, 2)) * u(0) + (t(1, 0) - t(0, 1)) * u(2);
 }
 
-const bool registered = [] {
-    addEigen("q", 1, invariantQ);
-    addEigen("divergence", 1, divergence);
-    addEigen("vorticity", 3, vorticity);
-    addEigen("helicity", 1, helicity);
-    addEigen("eigenvector", 3, realEigenvector);
-    addPerPoint("discriminant", discriminantOf);
-    addPerPoint("lambda2", lambda2Of);
-    addPerPoint("swirl", swirlOf);
-    return true;
-}();
+using Pass = void (*)(const GradientInput& in, float* out);
+
+struct Work {
+    const char* name;
+    Pass pass;
+    std::size_t floatsAtAPoint;
+};
+
+const Work kWorks[] = {
+    {"q", invariantQ, 1},
+    {"divergence", divergence, 1},
+    {"vorticity", vorticity, 3},
+    {"helicity", helicity, 1},
+    {"eigenvector", realEigenvector, 3},
+    {"discriminant", [](const GradientInput& in, float* out) { perPoint(in, out, discriminantOf); },
+     1},
+    {"lambda2", [](const GradientInput& in, float* out) { perPoint(in, out, lambda2Of); }, 1},
+    {"swirl", [](const GradientInput& in, float* out) { perPoint(in, out, swirlOf); }, 1},
+};
+
+// The iterative solvers do not end on what is not finite, or say so after many steps.
+bool isIterative(const Work& work) {
+    return work.pass == realEigenvector || std::string(work.name) == "swirl";
+}
 
 } // namespace
+
+void addEigen(Row& row, const char* name, const GradientInput& in) {
+    const std::string shape = in.shape.name;
+    const bool isFinite =
+        shape.find("nan") == std::string::npos && shape != "huge" && shape != "undefined_among";
+    for (const Work& work : kWorks) {
+        if (std::string(work.name) == name && (isFinite || !isIterative(work))) {
+            const auto out = std::make_shared<std::vector<float>>(in.n * work.floatsAtAPoint);
+            row.add("Eigen", [out, &in, pass = work.pass] { pass(in, out->data()); });
+        }
+    }
+}
+
 } // namespace qel_benchmark

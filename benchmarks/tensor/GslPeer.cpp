@@ -1,25 +1,22 @@
 // GSL: the roots of the characteristic cubic, imaginary part and real root stored.
 
-#include <algorithm>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include <gsl/gsl_complex.h>
 #include <gsl/gsl_poly.h>
 
-#include "tensor/TensorField.h"
+#include "tensor/GradientInput.h"
 
 namespace qel_benchmark {
 namespace {
 
-void swirl(const TensorField& f, float* strength, float* eigenvalue) {
-    for (std::size_t k = 0; k < f.n; ++k) {
-        const auto t = [k](const float* row, std::size_t i) {
-            return static_cast<double>(row[3 * k + i]);
-        };
-        const double t11 = t(f.row1, 0), t12 = t(f.row1, 1), t13 = t(f.row1, 2);
-        const double t21 = t(f.row2, 0), t22 = t(f.row2, 1), t23 = t(f.row2, 2);
-        const double t31 = t(f.row3, 0), t32 = t(f.row3, 1), t33 = t(f.row3, 2);
+void swirl(const GradientInput& in, float* strength, float* eigenvalue) {
+    for (std::size_t k = 0; k < in.n; ++k) {
+        const double t11 = in.t(k, 0, 0), t12 = in.t(k, 0, 1), t13 = in.t(k, 0, 2);
+        const double t21 = in.t(k, 1, 0), t22 = in.t(k, 1, 1), t23 = in.t(k, 1, 2);
+        const double t31 = in.t(k, 2, 0), t32 = in.t(k, 2, 1), t33 = in.t(k, 2, 2);
         const double minor = t32 * t23 - t33 * t22;
         const double a = -t11 - t22 - t33;
         const double b = (t33 + t22) * t11 - t21 * t12 - t31 * t13 - minor;
@@ -34,10 +31,13 @@ void swirl(const TensorField& f, float* strength, float* eigenvalue) {
     }
 }
 
-const int registered = add("swirl", "gsl", [](const TensorField& f) {
-    auto out = std::make_shared<std::vector<float>>(2 * f.n);
-    return [f, out] { swirl(f, out->data(), out->data() + f.n); };
-});
-
 } // namespace
+
+void addGsl(Row& row, const char* work, const GradientInput& in) {
+    if (std::string(work) == "swirl") {
+        const auto out = std::make_shared<std::vector<float>>(2 * in.n);
+        row.add("GSL", [out, &in] { swirl(in, out->data(), out->data() + in.n); });
+    }
+}
+
 } // namespace qel_benchmark
