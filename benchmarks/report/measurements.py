@@ -11,7 +11,7 @@ COPY = "copy"  # of the bytes that the work reads and writes: what memory allows
 
 @dataclass(frozen=True)
 class Row:
-    group: str  # foundation, arrays, tensor, nearest, curve
+    group: str  # foundation, arrays, tensor, nearest, curve, polyline
     unit: str  # the vector unit that the library used: portable, AVX2, AVX-512
     work: str
     shape: str

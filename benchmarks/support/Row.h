@@ -102,7 +102,7 @@ private:
     std::vector<Object> copies_;
 };
 
-// What calls have cost at smaller sizes, to foresee those that would take too long.
+// What calls have cost at smaller sizes, to predict which would take too long.
 class CostHistory {
 public:
     void add(const std::string& contender, std::size_t n, double seconds);

@@ -42,6 +42,7 @@ void addCurvePieceOperations(Operations& operations);
 void addCurveChangeOperations(Operations& operations);
 void addCurveRelationOperations(Operations& operations);
 void addSpatialOperations(Operations& operations);
+void addBatchCurveOperations(Operations& operations);
 
 inline Operations allOperations() {
     Operations operations;
@@ -55,6 +56,7 @@ inline Operations allOperations() {
     addCurveChangeOperations(operations);
     addCurveRelationOperations(operations);
     addSpatialOperations(operations);
+    addBatchCurveOperations(operations);
     return operations;
 }
 

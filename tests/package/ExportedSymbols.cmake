@@ -5,13 +5,22 @@
 
 cmake_minimum_required(VERSION 3.25)
 
-# Each class stands in the header of its name; the second list has those with virtual functions.
-set(classes
+# Host interface: each class stands in the header of its name; the second list has those with
+# virtual functions.
+set(host_classes
     QELMatrix4 Doublet Vector LineSegment2D NumericalUtils FloatQELVector FloatQELVectorConcrete
     FloatQELVectorComponent TripletQELVector IntQELVector ParametricCurve QuadtreeBucket
     QuadtreeQuad QuadtreeObject TensorEigenizer)
 set(polymorphic FloatQELVector FloatQELVectorConcrete FloatQELVectorComponent TripletQELVector
                 IntQELVector ParametricCurve)
+
+# Batch interface: classes and free functions.
+set(batch_classes CurveView CurveLocator)
+set(batch_functions
+    findCrossings findCrossingsWithSegment findCrossingsWithLine findCrossingsWithPlane
+    simplifyToError simplifyToCount computeCurveShape computeSignedArea computeOrientation
+    resampleCurve)
+set(classes ${host_classes} ${batch_classes})
 
 execute_process(
     COMMAND ${NM} --dynamic --defined-only --demangle --format=posix ${LIBRARY}
@@ -22,9 +31,12 @@ string(REGEX REPLACE "\n$" "" listing "${listing}")
 string(REPLACE "\n" ";" lines "${listing}")
 
 list(JOIN classes "|" any_class)
+list(JOIN batch_functions "|" any_function)
 foreach(line IN LISTS lines)
     string(REGEX REPLACE " [A-Za-z] [0-9a-f ]*$" "" symbol "${line}")
     if(symbol MATCHES "^qel::(${any_class})::")
+        list(APPEND exporting ${CMAKE_MATCH_1})
+    elseif(symbol MATCHES "^qel::(${any_function})\\(")
         list(APPEND exporting ${CMAKE_MATCH_1})
     elseif(symbol MATCHES "^(vtable|typeinfo|typeinfo name) for qel::(${any_class})$")
         list(APPEND described "${CMAKE_MATCH_1} ${CMAKE_MATCH_2}")
@@ -36,6 +48,11 @@ endforeach()
 foreach(class IN LISTS classes)
     if(EXISTS ${HEADERS}/${class}.h AND NOT class IN_LIST exporting)
         message(SEND_ERROR "Nothing of qel::${class} is exported")
+    endif()
+endforeach()
+foreach(function IN LISTS batch_functions)
+    if(NOT function IN_LIST exporting)
+        message(SEND_ERROR "qel::${function} is not exported")
     endif()
 endforeach()
 foreach(class IN LISTS polymorphic)

@@ -9,6 +9,15 @@ namespace {
 
 int allocationsLeft = -1; // below zero there is no limit
 
+void countAllocation() {
+    if (allocationsLeft == 0) {
+        throw std::bad_alloc();
+    }
+    if (allocationsLeft > 0) {
+        --allocationsLeft;
+    }
+}
+
 } // namespace
 
 namespace qel_test {
@@ -24,13 +33,18 @@ AllocationLimit::~AllocationLimit() {
 } // namespace qel_test
 
 void* operator new(std::size_t size) {
-    if (allocationsLeft == 0) {
+    countAllocation();
+    void* const memory = std::malloc(size > 0 ? size : 1);
+    if (memory == nullptr) {
         throw std::bad_alloc();
     }
-    if (allocationsLeft > 0) {
-        --allocationsLeft;
-    }
-    void* const memory = std::malloc(size > 0 ? size : 1);
+    return memory;
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    countAllocation();
+    const auto step = static_cast<std::size_t>(alignment);
+    void* const memory = std::aligned_alloc(step, (size + step - 1) / step * step);
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -42,5 +56,13 @@ void operator delete(void* memory) noexcept {
 }
 
 void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
     std::free(memory);
 }
