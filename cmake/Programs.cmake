@@ -4,19 +4,15 @@
 enable_language(C)
 find_package(
     VTK 9.1 QUIET
-    COMPONENTS CommonCore
+    COMPONENTS ChartsCore
+               CommonCore
                CommonDataModel
                CommonExecutionModel
                CommonMath
-               CommonSystem
-               CommonTransforms
-               ChartsCore
                FiltersCore
-               FiltersExtraction
                FiltersGeneral
                FiltersGeometry
                FiltersModeling
-               FiltersSources
                IOCGNSReader
                IOCore
                IOEnSight
@@ -28,17 +24,15 @@ find_package(
                IOParallel
                IOParallelXML
                IOXML
-               IOXMLParser
-               InteractionStyle
                RenderingAnnotation
                RenderingContext2D
                RenderingContextOpenGL2
                RenderingCore
                RenderingFreeType
-               RenderingGL2PSOpenGL2
                RenderingOpenGL2
-               ViewsContext2D
-               cgns)
+               cgns
+               netcdf
+               pugixml)
 find_package(CLI11 QUIET)
 find_package(nlohmann_json QUIET)
 find_package(X11 QUIET)

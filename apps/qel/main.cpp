@@ -1,22 +1,20 @@
 // The qel program: command line, and what ends it.
-#include <exception>
 #include <filesystem>
 #include <iostream>
 #include <new>
-#include <string>
-
-#include <CLI/CLI.hpp>
 
 #include <qel/QELException.h>
 
-#include "Console.h"
-#include "CurveCommand.h"
-#include "DemoCommand.h"
-#include "NearestCommand.h"
-#include "VortexCommand.h"
-#include "VtkMessages.h"
+#include "commands/Commands.h"
+#include "console/ChildProcess.h"
+#include "console/Interrupts.h"
+#include "console/Messages.h"
+#include "console/Progress.h"
+#include "console/VtkRun.h"
 
 namespace {
+
+constexpr int kExitInterrupted = 130; // 128 + SIGINT, as shells have it
 
 constexpr const char* kExamples = R"(
 Examples:
@@ -29,7 +27,9 @@ qel COMMAND --help tells more. Exit codes: 0 done, 2 bad input or output, 130 in
 1 anything else.
 )";
 
-int parseAndRun(int argc, char** argv) {
+using Words = std::vector<std::string>;
+
+void runCommand(const Words& words) {
     CLI::App app("Vortices in flow solutions, and curves");
     app.name("qel");
     app.footer(kExamples);
@@ -38,51 +38,50 @@ int parseAndRun(int argc, char** argv) {
     program::addVortexCommand(app);
     program::addCurveCommand(app);
     program::addNearestCommand(app);
-    program::addDemoCommand(app);
+    program::addDemoCommand(app, runCommand);
     for (CLI::App* command : app.get_subcommands(nullptr)) {
         program::addProgressOption(command);
     }
     try {
-        app.parse(argc, argv);
+        app.parse(Words(words.rbegin(), words.rend())); // the order in which CLI11 takes them
     } catch (const CLI::Success& asked) {
-        return app.exit(asked); // help or version
+        app.exit(asked); // help or version
     } catch (const CLI::ParseError& error) {
-        const std::string more = " (qel --help tells more)";
-        if (app.get_subcommands().empty() && argc > 1 && argv[1][0] != '-') {
-            throw program::UserError("there is no command " + std::string(argv[1]) + more);
-        }
-        throw program::UserError(error.what() + more);
+        const bool unknown = app.get_subcommands().empty() && !words.empty() && words[0][0] != '-';
+        program::refuse(unknown ? "there is no command " + words[0] : error.what(),
+                        " (qel --help tells more)");
     }
-    if (!std::cout.flush()) {
-        throw program::UserError("cannot write to standard output");
+    program::refuseIf(!std::cout.flush(), "cannot write to standard output");
+}
+
+int runProgram(const Words& words) {
+    program::catchInterrupts();
+    program::keepVtkMessages();
+    try {
+        runCommand(words);
+        return 0;
+    } catch (const program::UserError& error) {
+        program::fail(error.what());
+    } catch (const qel::Error& error) {
+        program::fail(error.getMessage());
+    } catch (const std::filesystem::filesystem_error& error) {
+        program::fail(error.path1().string(), ": ", error.code().message());
+    } catch (const program::Interrupted& error) {
+        program::fail(error.what());
+        return kExitInterrupted;
+    } catch (const std::bad_alloc&) {
+        program::fail("there is not enough memory");
+        return EXIT_FAILURE;
+    } catch (const std::exception& error) {
+        program::fail(error.what());
+        return EXIT_FAILURE;
     }
-    return 0;
+    return program::kExitBadInput;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    program::catchInterrupts();
-    program::VtkMessages::instance();
-    try {
-        return parseAndRun(argc, argv);
-    } catch (const program::UserError& error) {
-        program::fail(error.what());
-        return program::kExitBadInput;
-    } catch (const program::Interrupted& error) {
-        program::fail(error.what());
-        return program::kExitInterrupted;
-    } catch (const qel::Error& error) {
-        program::fail(error.getMessage());
-        return program::kExitBadInput;
-    } catch (const std::filesystem::filesystem_error& error) {
-        program::fail(error.path1().string() + ": " + error.code().message());
-        return program::kExitBadInput;
-    } catch (const std::bad_alloc&) {
-        program::fail("there is not enough memory");
-        return 1;
-    } catch (const std::exception& error) {
-        program::fail(error.what());
-        return 1;
-    }
+    const Words words(argv + 1, argv + argc);
+    return program::runInChild([&] { return runProgram(words); });
 }

@@ -58,7 +58,7 @@ vtkSmartPointer<vtkDataArray> gradientOf(vtkDataSet* geometry, vtkDataArray* vel
     filter->SetInputData(field);
     filter->SetInputArrayToProcess(0, 0, 0, association, named->GetName());
     filter->SetResultArrayName(kGradient);
-    // A cell of a wall in the same data set knows nothing of the direction across it.
+    // A cell of a wall in the same data set has no gradient across the wall.
     filter->SetContributingCellOption(vtkGradientFilter::DataSetMax);
     filter->Update();
     auto* output = vtkDataSet::SafeDownCast(filter->GetOutput());

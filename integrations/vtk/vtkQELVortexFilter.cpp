@@ -29,7 +29,7 @@ using vtkQELVortex::GradientSlab;
 using vtkQELVortex::GradientSlabs;
 using vtkQELVortex::VortexBlock;
 
-// Below this the largest gradient has the field scaled. The thresholds bite below about 1e-9; a
+// Below this the largest gradient has the field scaled. The thresholds act below about 1e-9; a
 // thousand times more leaves room for the weaker parts of the field.
 const double kSmallGradient = std::ldexp(1.0, -20);
 

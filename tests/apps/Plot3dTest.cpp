@@ -214,8 +214,8 @@ TEST_F(Plot3d, DamagedTextIsRefused) {
     write("words.xyz", "5 4 3\nthree words here\n");
     expectRefused("vortex short.xyz solution.q", "is a PLOT3D grid, or they are damaged");
     expectRefused("vortex words.xyz solution.q", "is a PLOT3D grid, or they are damaged");
-    expectRefused("vortex grid.xyz short.q", "short.q is no PLOT3D solution on the grid");
-    expectRefused("vortex grid.xyz repeated.q", "repeated.q is no PLOT3D solution on the grid");
+    expectRefused("vortex grid.xyz short.q", "reading grid.xyz and short.q: ");
+    expectRefused("vortex grid.xyz repeated.q", "reading grid.xyz and repeated.q: ");
     expectRefused("vortex grid.xyz", "name its solution file as well");
 }
 
@@ -230,8 +230,8 @@ TEST_F(Plot3d, DamagedFilesAreRefused) {
     write("short.q", solution.substr(0, solution.size() - 4));
     write("other.q", solutionFile(layout, {{4, 4, 3}}));
     expectRefused("vortex short.xyz solution.q -o out", "is a PLOT3D grid, or they are damaged");
-    expectRefused("vortex grid.xyz short.q -o out", "short.q is no PLOT3D solution on the grid");
-    expectRefused("vortex grid.xyz other.q -o out", "other.q is no PLOT3D solution on the grid");
+    expectRefused("vortex grid.xyz short.q -o out", "reading grid.xyz and short.q: ");
+    expectRefused("vortex grid.xyz other.q -o out", "dimensions do not match");
     expectRefused("vortex grid.xyz -o out", "name its solution file as well");
 }
 

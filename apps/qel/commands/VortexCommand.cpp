@@ -1,0 +1,184 @@
+// qel vortex
+#include "commands/Commands.h"
+
+#include <algorithm>
+#include <chrono>
+#include <iostream>
+#include <iterator>
+#include <memory>
+
+#include "console/Messages.h"
+#include "console/Text.h"
+#include "flows/FlowAnalysis.h"
+#include "pictures/VortexPicture.h"
+#include "reading/FlowReading.h"
+#include "writing/FlowWriting.h"
+#include "writing/StagedOutput.h"
+
+namespace program {
+namespace {
+
+using vtkQELVortex::FieldInfo;
+
+constexpr const char* kExamples = R"(
+Examples:
+  qel vortex wing.vtu -o vortices.vtu --image vortices.png
+  qel vortex bluntfinxyz.bin bluntfinq.bin --fields q,lambda2,swirl --stats -
+  qel vortex cavity.foam --velocity U --time 0.5 -o cavity-vortices
+)";
+
+struct VortexOptions {
+    std::vector<std::string> inputs;
+    std::string output;
+    std::string velocity;
+    std::string fields = "all";
+    std::string image;
+    std::string iso;
+    std::string stats;
+    std::optional<double> time;
+    bool timing = false;
+};
+
+std::string fieldHelp() {
+    std::string text = "\nFields (--fields takes these names separated by commas, or all):\n";
+    for (const FieldInfo& info : vtkQELVortex::fields()) {
+        text += formatted("  %-22s %s\n", info.key, info.formula);
+    }
+    return text;
+}
+
+Fields parseFields(const std::string& list) {
+    std::string keys;
+    Fields all;
+    for (const FieldInfo& info : vtkQELVortex::fields()) {
+        keys += (keys.empty() ? "" : ", ") + std::string(info.key);
+        all.insert(info.field);
+    }
+    Fields chosen;
+    for (const std::string& word : splitAt(',', list)) {
+        const FieldInfo* info = vtkQELVortex::findField(word);
+        if (word == "all" || list.empty()) {
+            chosen = all;
+        } else if (info == nullptr) {
+            refuse("there is no field \"", word, "\"; the fields are ", keys);
+        } else {
+            chosen.insert(info->field);
+        }
+    }
+    return chosen;
+}
+
+void checkOutputs(const VortexOptions& options) {
+    if (!options.output.empty()) {
+        checkFolder(options.output); // its ending may depend on the data
+    }
+    for (const std::string& target : {options.image, options.stats}) {
+        if (!target.empty() && target != "-") {
+            checkWritable(target);
+        }
+    }
+    const fs::path image = options.image;
+    refuseIf(!image.empty() && image.extension() != ".png", "the picture ", options.image,
+             " has to end in .png");
+}
+
+void writeStatistics(const FlowAnalysis& analysis, const Fields& fields,
+                     const std::string& target) {
+    std::vector<Statistics> wanted;
+    for (const vtkQELVortex::Field field : fields) {
+        wanted.push_back(analysis.statistics.at(field));
+    }
+    if (!target.empty() && target != "-") {
+        writeText(target, asCsv(wanted));
+    }
+    std::cout << (target == "-" ? asCsv(wanted) : asTable(wanted)) << std::flush;
+}
+
+// The fields of the one set that are not in the other.
+Fields difference(const Fields& one, const Fields& other) {
+    Fields result;
+    std::set_difference(one.begin(), one.end(), other.begin(), other.end(),
+                        std::inserter(result, result.end()));
+    return result;
+}
+
+// Tells how long each stage took, if asked to.
+struct Stopwatch {
+    using Clock = std::chrono::steady_clock;
+
+    bool shown;
+    Clock::time_point start = Clock::now();
+
+    void show(const char* stage, double seconds) const {
+        if (shown) {
+            note(formatted("%-20s %8.2f s", stage, seconds));
+        }
+    }
+    void endStage(const char* stage) {
+        const Clock::time_point before = std::exchange(start, Clock::now());
+        show(stage, std::chrono::duration<double>(start - before).count());
+    }
+};
+
+void runVortex(const VortexOptions& options) {
+    const Fields fields = parseFields(options.fields);
+    const PictureChoice choice = parsePictureChoice(options.iso);
+    const Fields drawn = options.image.empty() ? Fields() : Fields{choice.field, choice.colour};
+    checkOutputs(options);
+
+    Stopwatch watch{options.timing};
+    auto flow = readFlow(options.inputs, options.time);
+    watch.endStage("reading");
+    const fs::path output = options.output.empty() ? "" : outputName(options.output, flow);
+    const Velocity velocity = findVelocity(leavesOf(flow), options.velocity);
+    note("the velocity is the ", velocity.origin);
+
+    Fields computed = fields;
+    computed.insert(drawn.begin(), drawn.end());
+    FlowAnalysis analysis = analyse(flow, velocity, computed);
+    flow = nullptr;
+    watch.show("gradient", analysis.gradientTime);
+    watch.show("analysis", analysis.analysisTime);
+    watch.endStage("both and statistics");
+
+    const auto dataWithout = [&](const Fields& others) {
+        return withoutFields(analysis.data, velocity.association, others);
+    };
+    if (!output.empty()) {
+        writeFlow(dataWithout(difference(computed, fields)), output);
+        watch.endStage("writing");
+    }
+    writeStatistics(analysis, fields, options.stats);
+    if (!options.image.empty()) {
+        analysis.data = dataWithout(difference(computed, drawn)); // frees memory for the picture
+        drawVortices(analysis.data, velocity.association, choice, options.image);
+        watch.endStage("picture");
+    }
+}
+
+} // namespace
+
+void addVortexCommand(CLI::App& program) {
+    auto options = std::make_shared<VortexOptions>();
+    CLI::App* command = program.add_subcommand(
+        "vortex", "Find vortices in a flow solution: fields, statistics, a picture");
+    command
+        ->add_option("INPUT", options->inputs,
+                     "VTK (XML or legacy), EnSight, Exodus, OpenFOAM or CGNS file; or a PLOT3D "
+                     "grid and its solution; several files become blocks")
+        ->required();
+    command->add_option("-o,--output", options->output, "XML VTK file to write, with the fields");
+    command->add_option("--velocity", options->velocity, "Name of the velocity array");
+    command->add_option("--fields", options->fields, "Fields to compute")->capture_default_str();
+    command->add_option("--image", options->image, "Picture to draw (PNG)");
+    command->add_option("--iso", options->iso,
+                        "FIELD or FIELD=VALUE that the picture shows (default: lambda2)");
+    command->add_option("--stats", options->stats,
+                        "CSV file for the statistics; - for standard output");
+    command->add_option("--time", options->time, "Time to read (default: the last)");
+    command->add_flag("--timing", options->timing, "Tell how long each stage takes");
+    command->footer(fieldHelp() + kExamples);
+    command->callback([options] { runVortex(*options); });
+}
+
+} // namespace program

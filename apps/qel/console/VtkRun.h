@@ -1,0 +1,28 @@
+#pragma once
+// VTK's work, with progress, interrupts, and its messages as errors of this program.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+class vtkAlgorithm;
+
+namespace program {
+
+/// From now on VTK's errors and warnings are kept instead of shown.
+void keepVtkMessages();
+
+/// Warnings of the last run, each as one line without VTK's file and object names.
+const std::vector<std::string>& vtkWarnings();
+
+/// Updates a VTK algorithm under a progress bar; Ctrl-C aborts it.
+///
+/// @param what  the work in words, such as "reading a.vtu"
+/// @throws UserError    with what and VTK's first message, if VTK reports an error
+/// @throws Interrupted  if the user stopped it
+void run(vtkAlgorithm* algorithm, const std::string& what);
+
+/// Does some other work with the algorithm under the same conditions.
+void run(vtkAlgorithm* algorithm, const std::string& what, const std::function<void()>& work);
+
+} // namespace program

@@ -1,0 +1,259 @@
+// The operations of qel curve.
+//
+// Each changes a curve through the library and carries the point data along: points that are kept
+// keep theirs, points that are made get theirs by interpolation in s.
+#include "curves/CurveOperations.h"
+
+#include <cmath>
+#include <iostream>
+#include <memory>
+#include <numeric>
+
+#include "console/Messages.h"
+#include "console/Progress.h"
+#include "console/Text.h"
+#include "reading/CurveReading.h"
+
+namespace program {
+namespace {
+
+using Curve = qel::ParametricCurve;
+using Step = CurveStep;
+using Ids = std::vector<vtkIdType>;
+
+constexpr int kCleanExponent = 2; // points nearer in s than 100 spacings are one
+constexpr double kDegree = 3.14159265358979323846 / 180.0;
+
+// -- Arguments ----
+
+double numberOf(const std::string& word) {
+    const std::optional<double> value = asNumber(word);
+    refuseIf(!value.has_value() || !std::isfinite(*value), "\"", word, "\" is no number");
+    return *value;
+}
+
+int countOf(const std::string& word) {
+    const double value = numberOf(word);
+    refuseIf(value != std::floor(value) || std::abs(value) > 1e9, "\"", word,
+             "\" is no whole number");
+    return static_cast<int>(value);
+}
+
+Point triplet(const std::string& word) {
+    const Words parts = splitAt(',', word);
+    refuseIf(parts.size() != 3, "\"", word, "\" is no point or direction x,y,z");
+    return {numberOf(parts[0]), numberOf(parts[1]), numberOf(parts[2])};
+}
+
+std::string text(const Point& p) {
+    return formatted("%.12g,%.12g,%.12g", p.x, p.y, p.z);
+}
+
+// For what steps print.
+std::ostream& out() {
+    wipeBar();
+    return std::cout;
+}
+
+// -- Point data ----
+
+// The points that are left of those before, found again in order; the last is the last.
+Ids keptPoints(const Points& before, const Points& after) {
+    Ids ids;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i + 1 < after.size(); ++i) {
+        while (at + 1 < before.size() && before[at] != after[i]) {
+            ++at;
+        }
+        ids.push_back(static_cast<vtkIdType>(at));
+        at = std::min(at + 1, before.size() - 1);
+    }
+    ids.push_back(static_cast<vtkIdType>(before.size()) - 1);
+    return ids;
+}
+
+void select(NamedCurve& curve, const Ids& ids) {
+    curve.data = vtkQELPolyline::Select(curve.data, ids);
+}
+
+// An operation without arguments that drops points.
+auto dropping(const std::function<void(Curve&)>& change) {
+    return [change](const Words&) -> Step {
+        return [change](NamedCurve& curve) {
+            const Points before = curve.curve.getCurve();
+            change(curve.curve);
+            select(curve, keptPoints(before, curve.curve.getCurve()));
+        };
+    };
+}
+
+// A step that moves points and keeps their number.
+Step moving(const std::function<void(Curve&)>& change) {
+    return [change](NamedCurve& curve) { change(curve.curve); };
+}
+
+// -- Steps ----
+
+Step setDimension(const Words& words) {
+    const int dimension = countOf(words[0]);
+    refuseIf(dimension < 1 || dimension > 3, "a curve has 1, 2 or 3 dimensions, not ", words[0]);
+    return moving([dimension](Curve& curve) {
+        const Points points = curve.getCurve();
+        curve.setPoints(points, static_cast<Curve::dim>(dimension - 1));
+    });
+}
+
+Step reverse(const Words&) {
+    return [](NamedCurve& curve) {
+        curve.curve.reverseCurve();
+        Ids ids(curve.curve.getSize());
+        std::iota(ids.rbegin(), ids.rend(), 0);
+        select(curve, ids);
+    };
+}
+
+Step resample(const Words& words) {
+    const int count = countOf(words[0]);
+    return [count](NamedCurve& curve) {
+        Points points;
+        curve.curve.getCurveForEquidistantS(points, count);
+        std::vector<double> svalues;
+        svalues.reserve(points.size());
+        for (int i = 0; i < count; ++i) {
+            svalues.push_back(static_cast<double>(i) / (count - 1));
+        }
+        curve.data = vtkQELPolyline::Interpolate(curve.data, curve.curve.getSvalues(), svalues);
+        curve.curve.setPoints(points, curve.curve.getDimension());
+    };
+}
+
+Step tessellate(const Words& words) {
+    const double step = numberOf(words[0]);
+    return [step](NamedCurve& curve) {
+        const std::vector<double> before = curve.curve.getSvalues();
+        curve.curve.tesselateCurvebySdistance(step);
+        curve.data = vtkQELPolyline::Interpolate(curve.data, before, curve.curve.getSvalues());
+    };
+}
+
+Step cut(const Words& words) {
+    const double from = numberOf(words[0]);
+    const double to = numberOf(words[1]);
+    return [from, to](NamedCurve& curve) {
+        Points points;
+        std::vector<double> svalues;
+        curve.curve.getCurve(from, to, points, svalues);
+        curve.data = vtkQELPolyline::Interpolate(curve.data, curve.curve.getSvalues(), svalues);
+        curve.curve.setPoints(points, curve.curve.getDimension());
+    };
+}
+
+Step extend(const Words& words) {
+    const double fraction = numberOf(words[0]);
+    return moving([fraction](Curve& curve) { curve.expandCurveBothEnds(fraction); });
+}
+
+Step simplify(const Words& words) {
+    const Words parts = splitAt(',', words[0]);
+    refuseIf(parts.size() > 2, "\"", words[0],
+             "\" is no number of points, nor one with a tolerance");
+    const int count = countOf(parts[0]);
+    const double tolerance = parts.size() == 2 ? numberOf(parts[1]) : 0.0;
+    refuseIf(count < 2, "--simplify keeps at least two points, not ", parts[0]);
+    return [count, tolerance](NamedCurve& curve) {
+        const std::size_t before = curve.curve.getSize();
+        std::vector<int> kept;
+        curve.curve.optimizeByNormalDistance(count, kept, tolerance);
+        out() << curve.name << ": kept " << kept.size() << " of " << before << " points:";
+        for (const int id : kept) {
+            std::cout << " " << id;
+        }
+        std::cout << std::endl;
+        select(curve, Ids(kept.begin(), kept.end()));
+    };
+}
+
+Step rotate(const Words& words) {
+    const Point centre = triplet(words[0]);
+    const Point axis = triplet(words[1]);
+    const double angle = numberOf(words[2]) * kDegree;
+    const double length = axis.length();
+    refuseIf(length == 0.0, "the axis ", words[1], " has no length");
+    return moving([centre, unit = axis / length, angle](Curve& curve) {
+        curve.rotateAroundVector(centre, unit, angle);
+    });
+}
+
+Step toAxialRadialTheta(const Words& words) {
+    const qel::TripletBase<float> point(triplet(words[0]));
+    const qel::TripletBase<float> direction(triplet(words[1]));
+    return moving([point, direction](Curve& curve) { curve.convertToART(point, direction); });
+}
+
+Step project(const Words& words) {
+    const auto probes = std::make_shared<Points>(readPoints(words[0], {}));
+    return [probes](NamedCurve& curve) {
+        out() << "# " << curve.name << "\nx,y,z,foot_x,foot_y,foot_z,s,distance\n";
+        for (const Point& probe : *probes) {
+            double s = 0.0;
+            const Point foot = curve.curve.projectPoint(probe, s);
+            std::cout << text(probe) << "," << text(foot)
+                      << formatted(",%.12g,%.12g\n", s, (probe - foot).length());
+        }
+        std::cout << std::flush;
+    };
+}
+
+Step intersect(const Words& words) {
+    const auto others = std::make_shared<Curves>(readCurves(words[0], {}));
+    return [others](NamedCurve& curve) {
+        for (const NamedCurve& other : *others) {
+            qel::TripletBase<float> crossing;
+            const bool found = curve.curve.intersectWithCurve(other.curve, crossing);
+            out() << curve.name << " x " << other.name << ": "
+                  << (found ? text(Point(crossing)) : "no crossing") << std::endl;
+        }
+    };
+}
+
+Step print(const Words&) {
+    return [](NamedCurve& curve) {
+        out() << std::flush;
+        curve.curve.printCurveAndSvalues(curve.name);
+        std::cout << std::flush;
+    };
+}
+
+} // namespace
+
+const std::vector<CurveOperation>& curveOperations() {
+    static const std::vector<CurveOperation> operations{
+        {"--dim", 1, "N", "Keep the first N coordinates, set the others to zero", setDimension},
+        {"--clean", 0, "", "Drop points that coincide in s",
+         dropping([](Curve& curve) { curve.eliminateDoublePoints(kCleanExponent); })},
+        {"--unique", 0, "", "Drop points equal to the one before",
+         dropping([](Curve& curve) { curve.makeUnique(); })},
+        {"--continuous", 0, "", "Drop points that double back",
+         dropping([](Curve& curve) { curve.makeContinuous(); })},
+        {"--reverse", 0, "", "Reverse the order of the points", reverse},
+        {"--resample", 1, "N", "N points at equal steps of s", resample},
+        {"--tessellate", 1, "DS", "Insert points until no step of s is longer than DS", tessellate},
+        {"--cut", 2, "S0 S1", "Keep the piece between two values of s", cut},
+        {"--extend", 1, "F", "Move both ends outward by F times the length", extend},
+        {"--simplify", 1, "N[,TOL]",
+         "Keep at most N points, fewer where all lie within TOL; prints the kept indices",
+         simplify},
+        {"--rotate", 3, "CENTRE AXIS DEG",
+         "Turn by DEG degrees about the axis (x,y,z) through a point (x,y,z)", rotate},
+        {"--art", 2, "POINT DIRECTION",
+         "Convert to axial, radial and angular coordinates about an axis", toAxialRadialTheta},
+        {"--project", 1, "POINTS", "Print the nearest place on the curve for points of a file",
+         project},
+        {"--intersect", 1, "OTHER", "Print the first crossing with the curves of a file",
+         intersect},
+        {"--print", 0, "", "Print the points with their values of s", print},
+    };
+    return operations;
+}
+
+} // namespace program

@@ -1,0 +1,277 @@
+// Reading of curves and of points.
+#include "reading/CurveReading.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <numeric>
+#include <set>
+
+#include <vtkDataSetSurfaceFilter.h>
+#include <vtkDoubleArray.h>
+#include <vtkNew.h>
+#include <vtkPolyData.h>
+
+#include "console/Messages.h"
+#include "console/Text.h"
+#include "console/VtkRun.h"
+#include "flows/Leaves.h"
+#include "reading/FlowReading.h"
+#include "reading/MapFiles.h"
+#include "reading/TextTable.h"
+
+namespace program {
+namespace fs = std::filesystem;
+namespace {
+
+using Words = std::vector<std::string>;
+using Columns = std::vector<std::size_t>;
+
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+// -- Columns of text files ----
+
+std::size_t columnOf(const TextTable& table, const std::string& name) {
+    const auto found =
+        std::find_if(table.header.begin(), table.header.end(),
+                     [&](const std::string& word) { return lower(word) == lower(name); });
+    return found == table.header.end() ? kNone
+                                       : static_cast<std::size_t>(found - table.header.begin());
+}
+
+std::size_t wantedColumn(const TextTable& table, const std::string& wanted,
+                         const std::string& path) {
+    std::size_t column = columnOf(table, wanted);
+    if (column == kNone && !wanted.empty() && wanted.size() < 6 &&
+        wanted.find_first_not_of("0123456789") == std::string::npos) {
+        column = std::stoul(wanted) - 1; // column 0 becomes none
+    }
+    refuseIf(column >= table.rows.front().size(), path, " has no column ", wanted);
+    return column;
+}
+
+// The columns of x, y and z: those asked for, those with such names, or the first ones.
+Columns coordinateColumns(const TextTable& table, const Words& wanted, const std::string& path) {
+    refuseIf(wanted.size() > 3, "at most three columns can be coordinates, not ", wanted.size());
+    Columns columns;
+    for (const std::string& name : wanted) {
+        columns.push_back(wantedColumn(table, name, path));
+    }
+    if (!columns.empty()) {
+        return columns;
+    }
+    static const std::array<Words, 4> kNames{Words{"x", "y", "z"}, Words{"lon", "lat"},
+                                             Words{"longitude", "latitude"},
+                                             Words{"points:0", "points:1", "points:2"}};
+    for (const Words& names : kNames) {
+        for (const std::string& name : names) {
+            columns.push_back(columnOf(table, name));
+        }
+        columns.erase(std::find(columns.begin(), columns.end(), kNone), columns.end());
+        if (columns.size() >= 2) {
+            return columns;
+        }
+        columns.clear();
+    }
+    columns.resize(std::min<std::size_t>(table.rows.front().size(), 3));
+    std::iota(columns.begin(), columns.end(), 0);
+    return columns;
+}
+
+// Tables as this program writes them hold several curves, numbered in a column of their own, and
+// s-values, which are computed anew.
+std::vector<Polyline> polylinesOf(const TextTable& table, const Words& wanted,
+                                  const std::string& path) {
+    const Columns coordinates = coordinateColumns(table, wanted, path);
+    const std::size_t number = columnOf(table, "curve");
+    Polyline empty;
+    empty.name = table.title;
+    empty.planar = coordinates.size() < 3;
+    Columns others;
+    for (std::size_t i = 0; i < table.rows.front().size(); ++i) {
+        if (std::count(coordinates.begin(), coordinates.end(), i) == 0 && i != number &&
+            i != columnOf(table, "s")) {
+            others.push_back(i);
+            empty.columns.push_back(
+                {table.header.empty() ? "column " + std::to_string(i + 1) : table.header[i], {}});
+        }
+    }
+    std::vector<Polyline> polylines{empty};
+    const std::vector<double>* before = nullptr;
+    for (const std::vector<double>& row : table.rows) {
+        if (number != kNone && before != nullptr && (*before)[number] != row[number]) {
+            polylines.push_back(empty);
+        }
+        Point point;
+        for (std::size_t i = 0; i < coordinates.size(); ++i) {
+            point.getRef(static_cast<int>(i)) = row[coordinates[i]];
+        }
+        polylines.back().points.push_back(point);
+        for (std::size_t i = 0; i < others.size(); ++i) {
+            polylines.back().columns[i].second.push_back(row[others[i]]);
+        }
+        before = &row;
+    }
+    return polylines;
+}
+
+// -- All kinds ----
+
+std::vector<Polyline> readPolylines(const InputFile& file, const Words& columns) {
+    if (file.kind == FileKind::json) {
+        return readGeoJson(file.path).polylines;
+    }
+    if (file.kind == FileKind::gpx) {
+        return readGpx(file.path);
+    }
+    refuseIf(file.kind != FileKind::text, file.path, " is no file of curves that can be read");
+    std::vector<Polyline> polylines;
+    for (const TextTable& table : readTables(file.path)) {
+        const std::vector<Polyline> more = polylinesOf(table, columns, file.path);
+        polylines.insert(polylines.end(), more.begin(), more.end());
+    }
+    return polylines;
+}
+
+NamedCurve curveOf(const Polyline& polyline) {
+    using Curve = qel::ParametricCurve;
+    auto data = vtkSmartPointer<vtkPointData>::New();
+    for (const auto& [name, values] : polyline.columns) {
+        vtkNew<vtkDoubleArray> array;
+        array->SetName(name.c_str());
+        for (const double value : values) {
+            array->InsertNextValue(value);
+        }
+        data->AddArray(array);
+    }
+    return {{Curve(polyline.points, polyline.planar ? Curve::dim2D : Curve::dim3D), data},
+            polyline.name};
+}
+
+void addCurves(const Leaf& leaf, Curves& curves) {
+    vtkSmartPointer<vtkPolyData> lines = vtkPolyData::SafeDownCast(leaf.data);
+    if (lines == nullptr) {
+        vtkNew<vtkDataSetSurfaceFilter> surface;
+        surface->SetInputData(leaf.data);
+        run(surface, "lines");
+        lines = surface->GetOutput();
+    }
+    for (auto& curve : vtkQELPolyline::FromPolyData(lines)) {
+        const auto& points = curve.curve.getCurve();
+        if (std::all_of(points.begin(), points.end(), [](const Point& p) { return p.z == 0.0; })) {
+            curve.curve = qel::ParametricCurve(points, qel::ParametricCurve::dim2D);
+        }
+        curves.push_back({std::move(curve), leaf.name});
+    }
+}
+
+Curves allCurves(const InputFile& file, const Words& columns) {
+    Curves curves;
+    std::size_t tooShort = 0;
+    if (file.isVtk()) {
+        const auto data = readFlow(file, std::nullopt);
+        for (const Leaf& leaf : leavesOf(data)) {
+            addCurves(leaf, curves);
+        }
+    } else {
+        for (const Polyline& polyline : readPolylines(file, columns)) {
+            if (polyline.points.size() >= 2) {
+                curves.push_back(curveOf(polyline));
+            } else {
+                ++tooShort;
+            }
+        }
+    }
+    if (tooShort > 0) {
+        warn(file.path, ": ", tooShort, " lines of fewer than two points are left out");
+    }
+    refuseIf(curves.empty(), file.path, " has no curve of at least two points");
+    for (std::size_t i = 0; i < curves.size(); ++i) {
+        if (curves[i].name.empty()) {
+            curves[i].name = curves.size() == 1 ? fs::path(file.path).stem().string()
+                                                : "curve " + std::to_string(i + 1);
+        }
+    }
+    return curves;
+}
+
+void checkFinite(const Points& points, const std::string& of) {
+    const auto bad = std::find_if_not(points.begin(), points.end(), [](const Point& p) {
+        return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
+    });
+    refuseIf(bad != points.end(), of, ": point ", bad - points.begin() + 1,
+             " has a coordinate that is not finite");
+}
+
+// Writers need the same point data on all curves.
+void keepCommonData(Curves& curves, const std::string& path) {
+    std::set<std::string> dropped;
+    for (const NamedCurve& curve : curves) {
+        for (int i = 0; i < curve.data->GetNumberOfArrays(); ++i) {
+            vtkDataArray* array = curve.data->GetArray(i);
+            const bool common =
+                array == nullptr || array->GetName() == nullptr ||
+                std::all_of(curves.begin(), curves.end(), [&](const NamedCurve& other) {
+                    vtkDataArray* its = other.data->GetArray(array->GetName());
+                    return its != nullptr &&
+                           its->GetNumberOfComponents() == array->GetNumberOfComponents();
+                });
+            if (!common) {
+                dropped.insert(array->GetName());
+            }
+        }
+    }
+    for (const std::string& name : dropped) {
+        warn(path, ": the point data ", name, " are not on all curves and are left out");
+        for (const NamedCurve& curve : curves) {
+            curve.data->RemoveArray(name.c_str());
+        }
+    }
+}
+
+} // namespace
+
+Curves readCurves(const std::string& path, const CurveSelection& selection) {
+    const Curves all = allCurves(recognise(path), selection.columns);
+    Curves chosen = selection.curves.empty() ? all : Curves();
+    for (const std::string& wanted : selection.curves) {
+        const std::size_t before = chosen.size();
+        for (std::size_t i = 0; i < all.size(); ++i) {
+            if (wanted == all[i].name || wanted == std::to_string(i + 1)) {
+                chosen.push_back(all[i]);
+            }
+        }
+        refuseIf(chosen.size() == before, path, " has no curve \"", wanted, "\"; it has ",
+                 all.size(), ", the first is \"", all[0].name, "\"");
+    }
+    for (const NamedCurve& curve : chosen) {
+        checkFinite(curve.curve.getCurve(), path + ", " + curve.name);
+    }
+    keepCommonData(chosen, path);
+    return chosen;
+}
+
+Points readPoints(const std::string& path, const std::vector<std::string>& columns) {
+    const InputFile file = recognise(path);
+    Points points;
+    if (file.isVtk()) {
+        const auto data = readFlow(file, std::nullopt);
+        for (const Leaf& leaf : leavesOf(data)) {
+            for (vtkIdType i = 0; i < leaf.data->GetNumberOfPoints(); ++i) {
+                const double* p = leaf.data->GetPoint(i);
+                points.emplace_back(p[0], p[1], p[2]);
+            }
+        }
+    } else if (file.kind == FileKind::json) {
+        points = readGeoJson(path).points;
+    } else {
+        for (const Polyline& polyline : readPolylines(file, columns)) {
+            points.insert(points.end(), polyline.points.begin(), polyline.points.end());
+        }
+    }
+    refuseIf(points.empty(), path, " has no points");
+    checkFinite(points, path);
+    return points;
+}
+
+} // namespace program

@@ -1,0 +1,26 @@
+#pragma once
+// Reading of curves and of points.
+
+#include "curves/Curves.h"
+
+namespace program {
+
+/// What to take from a file of curves.
+struct CurveSelection {
+    /// Names or numbers of the columns that are coordinates, of a text file.
+    std::vector<std::string> columns;
+    /// Names or numbers, from 1 on, of the curves; all if empty.
+    std::vector<std::string> curves;
+};
+
+/// Reads text columns, CSV, GeoJSON (lines and rings), GPX (tracks and routes: longitude, latitude,
+/// elevation as point data) or the lines of VTK data, segments joined. Lines of fewer than two
+/// points are left out with a warning.
+/// @throws UserError  if the file cannot be read, has no curve, or not the curves asked for
+Curves readCurves(const std::string& path, const CurveSelection& selection);
+
+/// All points of such a file, in order; of GeoJSON, also those that are no lines.
+/// @throws UserError  if the file cannot be read or has no point
+Points readPoints(const std::string& path, const std::vector<std::string>& columns);
+
+} // namespace program
