@@ -9,13 +9,16 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "arrays/UndefinedText.h"
-#include "arrays/ValueStatistics.h"
+#include "arrays/Statistics.h"
 
 namespace qel {
 namespace {
 
 constexpr std::size_t kValuesPerLine = 8;
+
+std::ostream& writeValue(std::ostream& os, float value) {
+    return value == kUndefinedFloat ? os << "UNDEF" : os << value;
+}
 
 } // namespace
 
@@ -43,7 +46,7 @@ void FloatQELVector::updateCache() const {
     min_ = s.min;
     max_ = s.max;
     sum_ = s.sum;
-    nValid_ = s.count;
+    nValid_ = static_cast<int>(s.count);
     cacheValid_ = true;
 }
 

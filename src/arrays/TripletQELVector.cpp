@@ -2,12 +2,10 @@
 
 #include <qel/TripletQELVector.h>
 
-#include <algorithm>
-#include <cmath>
 #include <iostream>
 #include <sstream>
 
-#include "arrays/UndefinedText.h"
+#include "arrays/Statistics.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -23,25 +21,6 @@ void checkFlatList(const float* list, std::size_t n) {
     if (n % 3 != 0) {
         SystemMsg message("Number of elements provided (%1) not divisible by three.");
         throw data::invalid("TripletQELVector", "constructor", message % n, argumentError);
-    }
-}
-
-// The count adds up over all computations and may come to the end of int; it goes on from the
-// other.
-int successor(int count) {
-    return static_cast<int>(static_cast<unsigned>(count) + 1U);
-}
-
-// The undefined marker counts as "not yet set".
-void lower(float& extreme, float value) {
-    if (extreme == kUndefinedFloat || extreme > value) {
-        extreme = value;
-    }
-}
-
-void raise(float& extreme, float value) {
-    if (extreme == kUndefinedFloat || value > extreme) {
-        extreme = value;
     }
 }
 
@@ -139,26 +118,11 @@ void TripletQELVector::normalize() {
 
 // Starts from the values held, on purpose (TripletStatistics tests hold this).
 void TripletQELVector::updateCache() const {
-    Statistics s = statistics_;
-    for (const TripletBase<float>& t : storage_) {
-        if (!t.isUndefined()) {
-            const float magnitude = std::sqrt(t.x * t.x + t.y * t.y + t.z * t.z);
-            if (magnitude != kUndefinedFloat) {
-                lower(s.min, magnitude);
-                raise(s.max, magnitude);
-                s.sum += magnitude;
-                s.nValid = successor(s.nValid);
-            }
-        }
-        lower(s.minExtents.x, t.x);
-        lower(s.minExtents.y, t.y);
-        lower(s.minExtents.z, t.z);
-        raise(s.maxExtents.x, t.x);
-        raise(s.maxExtents.y, t.y);
-        raise(s.maxExtents.z, t.z);
-    }
-    s.valid = true;
-    statistics_ = s;
+    Statistics& held = statistics_;
+    TripletStatistics s = {held.min,        held.max,        held.sum,
+                           held.minExtents, held.maxExtents, held.nValid};
+    s.add(storage_.data(), storage_.size());
+    held = {true, s.min, s.max, s.sum, s.minExtents, s.maxExtents, s.count};
 }
 
 float TripletQELVector::getMin() const {

@@ -23,9 +23,9 @@ std::string streamed(Value value) {
 // the digits that stay in the text, goes once into each token that the text had; one that goes on
 // completing tokens, only so many times.
 bool replaceToken(std::string& text, const std::string& token, const std::string& value) {
-    constexpr int kMostRestarts = 1000;
+    constexpr int kMaxRestarts = 1000;
     const std::string left = value + token.substr(kReplacedCharacters);
-    int restarts = left.find(token) == std::string::npos ? kMostRestarts : 0;
+    int restarts = left.find(token) == std::string::npos ? kMaxRestarts : 0;
     bool found = false;
     for (std::size_t at = text.find(token); at != std::string::npos;) {
         found = true;
@@ -42,60 +42,35 @@ void warnOfUnusedToken(const std::string& token, const std::string& value) {
     std::cerr.write(line.data(), static_cast<std::streamsize>(line.size()));
 }
 
-template <typename Value>
-void fillNextToken(SystemMsg& message, Value value) {
+} // namespace
+
+template <typename Value, typename>
+SystemMsg& operator%(SystemMsg& message, Value value) {
     ++message.tokenCount;
     const std::string replacement = streamed(value);
     const std::string token = "%" + std::to_string(message.tokenCount);
     if (!replaceToken(message.text, token, replacement)) {
         warnOfUnusedToken(token, replacement);
     }
-}
-
-template <typename Value>
-void fillNextToken(UserMsg& message, Value value) {
-    fillNextToken(message.shown, value);
-    fillNextToken(message.logged, value);
-}
-
-template <typename Message, typename Value>
-Message& filled(Message& message, Value value) {
-    fillNextToken(message, value);
     return message;
 }
 
-} // namespace
-
-SystemMsg& operator%(SystemMsg& message, int value) {
-    return filled(message, value);
-}
-SystemMsg& operator%(SystemMsg& message, const char* value) {
-    return filled(message, value);
-}
-SystemMsg& operator%(SystemMsg& message, std::size_t value) {
-    return filled(message, value);
-}
-SystemMsg& operator%(SystemMsg& message, double value) {
-    return filled(message, value);
-}
-SystemMsg& operator%(SystemMsg& message, float value) {
-    return filled(message, value);
+template <typename Value, typename>
+UserMsg& operator%(UserMsg& message, Value value) {
+    message.shown % value;
+    message.logged % value;
+    return message;
 }
 
-UserMsg& operator%(UserMsg& message, int value) {
-    return filled(message, value);
-}
-UserMsg& operator%(UserMsg& message, const char* value) {
-    return filled(message, value);
-}
-UserMsg& operator%(UserMsg& message, std::size_t value) {
-    return filled(message, value);
-}
-UserMsg& operator%(UserMsg& message, double value) {
-    return filled(message, value);
-}
-UserMsg& operator%(UserMsg& message, float value) {
-    return filled(message, value);
-}
+template SystemMsg& operator%(SystemMsg&, int);
+template SystemMsg& operator%(SystemMsg&, const char*);
+template SystemMsg& operator%(SystemMsg&, std::size_t);
+template SystemMsg& operator%(SystemMsg&, double);
+template SystemMsg& operator%(SystemMsg&, float);
+template UserMsg& operator%(UserMsg&, int);
+template UserMsg& operator%(UserMsg&, const char*);
+template UserMsg& operator%(UserMsg&, std::size_t);
+template UserMsg& operator%(UserMsg&, double);
+template UserMsg& operator%(UserMsg&, float);
 
 } // namespace qel

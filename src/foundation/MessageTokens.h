@@ -11,23 +11,17 @@
 /// A token is two characters: of "%10" only "%1" is replaced, the 0 stays. A value without a
 /// token leaves the text alone and is named on standard error.
 
-#include <cstddef>
+#include <type_traits>
 
 #include <qel/QELError.h>
 
 namespace qel {
 
-SystemMsg& operator%(SystemMsg& message, int value);
-SystemMsg& operator%(SystemMsg& message, const char* value);
-SystemMsg& operator%(SystemMsg& message, std::size_t value);
-SystemMsg& operator%(SystemMsg& message, double value);
-SystemMsg& operator%(SystemMsg& message, float value);
-
-UserMsg& operator%(UserMsg& message, int value);
-UserMsg& operator%(UserMsg& message, const char* value);
-UserMsg& operator%(UserMsg& message, std::size_t value);
-UserMsg& operator%(UserMsg& message, double value);
-UserMsg& operator%(UserMsg& message, float value);
+/// @tparam Value  int, std::size_t, float, double, or const char*
+template <typename Value, typename = std::enable_if_t<std::is_scalar_v<Value>>>
+SystemMsg& operator%(SystemMsg& message, Value value);
+template <typename Value, typename = std::enable_if_t<std::is_scalar_v<Value>>>
+UserMsg& operator%(UserMsg& message, Value value);
 
 } // namespace qel
 

@@ -9,8 +9,9 @@
 ///     };
 ///     onVectorUnit<Steps>(x, n, steps);
 ///
-/// The functions per unit below serve all kernels; a unit that wants a kernel of its own is given
-/// it by name.
+/// A kernel that names its lanes is a template of their number, see onFloatLanes().
+
+#include <cstddef>
 
 #include "platform/VectorUnit.h"
 
@@ -48,6 +49,24 @@ auto onVectorUnit(Arguments... arguments) {
     }
 #endif
     return runPortable<Kernel, Arguments...>(arguments...);
+}
+
+/// Returns what Kernel<lanes>::run(arguments...) does, the number of elements it has computed;
+/// `lanes` is how many floats the vector unit in use computes at once. Does nothing on the portable
+/// one.
+template <template <std::size_t> class Kernel, typename... Arguments>
+std::size_t onFloatLanes(const Arguments&... arguments) {
+#if defined(QEL_VECTOR_UNITS)
+    switch (vectorUnit()) {
+    case VectorUnit::avx512:
+        return runAvx512<Kernel<16>, const Arguments&...>(arguments...);
+    case VectorUnit::avx2:
+        return runAvx2<Kernel<8>, const Arguments&...>(arguments...);
+    case VectorUnit::portable:
+        break;
+    }
+#endif
+    return 0;
 }
 
 } // namespace qel

@@ -3,15 +3,14 @@
 
 /// @file
 /// The formulas of the tensor analysis at one point, as they are defined: every operation in the
-/// order and precision in which it stands. The loops over many points compute these same
-/// functions in vector lanes; those that need acos, cos or pow stand in RootFormulas.h.
-///
-/// All of them are free of branches that vector code could not follow, except where one is named.
+/// order and precision in which it stands. Kernels compute these same functions in vector lanes, so
+/// none of them branches but middleRoot() and swirlOf(), which need acos, cos or pow.
 
 #include <cmath>
 
 #include <qel/TripletBase.h>
 
+#include "foundation/Deinterleave.h"
 #include "platform/VectorUnit.h"
 
 namespace qel {
@@ -27,12 +26,6 @@ struct BasicGradient {
 using Gradient = BasicGradient<float>;
 using WideGradient = BasicGradient<double>;
 
-/// A vector that a formula computes with: of the types that TripletBase is not for as well.
-template <typename Number>
-struct BasicTriple {
-    Number x, y, z;
-};
-
 using Triple = BasicTriple<float>;
 using WideTriple = BasicTriple<double>;
 
@@ -45,10 +38,6 @@ QEL_KERNEL Triple tripleOf(const TripletBase<float>& t) {
     return {t.x, t.y, t.z};
 }
 
-QEL_KERNEL TripletBase<float> tripletOf(const Triple& t) {
-    return {t.x, t.y, t.z};
-}
-
 QEL_KERNEL WideGradient widened(const Gradient& t) {
     return {static_cast<double>(t.t11), static_cast<double>(t.t12), static_cast<double>(t.t13),
             static_cast<double>(t.t21), static_cast<double>(t.t22), static_cast<double>(t.t23),
@@ -57,32 +46,36 @@ QEL_KERNEL WideGradient widened(const Gradient& t) {
 
 // -- Single precision, also of several points at once: Number is float, or Lanes of them ----
 
-template <typename Number>
-QEL_KERNEL Number invariantQ(const BasicGradient<Number>& t) {
-    return (t.t33 + t.t22) * t.t11 - t.t21 * t.t12 - t.t31 * t.t13 - t.t32 * t.t23 + t.t33 * t.t22;
-}
+struct InvariantQ {
+    template <typename Number>
+    QEL_KERNEL static Number at(const BasicGradient<Number>& t) {
+        return (t.t33 + t.t22) * t.t11 - t.t21 * t.t12 - t.t31 * t.t13 - t.t32 * t.t23 +
+               t.t33 * t.t22;
+    }
+};
 
-template <typename Number>
-QEL_KERNEL Number divergence(const BasicGradient<Number>& t) {
-    return (t.t22 + t.t11) + t.t33;
-}
+struct Divergence {
+    template <typename Number>
+    QEL_KERNEL static Number at(const BasicGradient<Number>& t) {
+        return (t.t22 + t.t11) + t.t33;
+    }
+};
 
-template <typename Number>
-QEL_KERNEL BasicTriple<Number> vorticity(const BasicGradient<Number>& t) {
-    return {t.t32 - t.t23, t.t13 - t.t31, t.t21 - t.t12};
-}
+struct Vorticity {
+    template <typename Number>
+    QEL_KERNEL static BasicTriple<Number> at(const BasicGradient<Number>& t) {
+        return {t.t32 - t.t23, t.t13 - t.t31, t.t21 - t.t12};
+    }
+};
 
-/// a times the vorticity, in the order y, x, z.
-template <typename Number>
-QEL_KERNEL Number timesVorticity(const BasicTriple<Number>& a,
-                                 const BasicTriple<Number>& vorticity) {
-    return vorticity.y * a.y + vorticity.x * a.x + vorticity.z * a.z;
-}
-
-template <typename Number>
-QEL_KERNEL Number helicity(const BasicGradient<Number>& t, const BasicTriple<Number>& velocity) {
-    return timesVorticity(velocity, vorticity(t));
-}
+/// A vector times the vorticity, in the order y, x, z.
+struct Helicity {
+    template <typename Number>
+    QEL_KERNEL static Number at(const BasicGradient<Number>& t, const BasicTriple<Number>& a) {
+        const BasicTriple<Number> vorticity = Vorticity::at(t);
+        return vorticity.y * a.y + vorticity.x * a.x + vorticity.z * a.z;
+    }
+};
 
 QEL_KERNEL Triple scaled(const Triple& t, float factor) {
     return {t.x * factor, t.y * factor, t.z * factor};
@@ -98,6 +91,8 @@ struct Cubic {
     double discriminant; ///< p^3/27 + h^2: positive if two roots are complex
 };
 
+/// @tparam Divisor  double, or ConstantDivisor with the same quotients
+template <typename Divisor>
 QEL_KERNEL Cubic characteristicCubic(const Gradient& gradient) {
     const WideGradient t = widened(gradient);
     const double minor1 = t.t32 * t.t23 - t.t33 * t.t22;
@@ -105,19 +100,102 @@ QEL_KERNEL Cubic characteristicCubic(const Gradient& gradient) {
     const double b = (t.t33 + t.t22) * t.t11 - t.t21 * t.t12 - t.t31 * t.t13 - minor1;
     const double c = t.t11 * minor1 + t.t12 * (t.t33 * t.t21 - t.t31 * t.t23) +
                      t.t13 * (t.t31 * t.t22 - t.t32 * t.t21);
-    const double p = b - a * a / 3.0;
-    const double h = 0.5 * (c + (a * a / 13.5 - b / 3.0) * a);
-    return {a, p, h, p * p * p / 27.0 + h * h};
+    const double p = b - a * a / Divisor(3.0);
+    const double h = 0.5 * (c + (a * a / Divisor(13.5) - b / Divisor(3.0)) * a);
+    return {a, p, h, p * p * p / Divisor(27.0) + h * h};
 }
 
-QEL_KERNEL float discriminant(const Gradient& t) {
-    return static_cast<float>(characteristicCubic(t).discriminant);
+// -- lambda-2: the middle eigenvalue of M = (T T + (T T)^t) / 2 ----
+
+/// The characteristic cubic of M, solved by trigonometry (Smith, "Eigenvalues of a symmetric 3x3
+/// matrix", Communications of the ACM 4, 1961): the eigenvalues are mean + cos(angle) * scale,
+/// where the cosine of three times the angle is r. Of a multiple of the identity, scale is 0 and
+/// mean the middle one of the diagonal.
+struct SymmetricCubic {
+    double r; ///< beyond [-1, 1] by rounding only; or NaN
+    double scale;
+    double mean;
+};
+
+/// Below this spread d of its entries, M is a multiple of the identity to working precision.
+constexpr double kMinSpread = 1e-36;
+
+/// The middle one of three numbers: max(min(a, b), min(max(a, b), c)), with the standard library's
+/// min and max where one is a NaN.
+QEL_KERNEL double median(double a, double b, double c) {
+    const double low = b < a ? b : a;
+    const double high = a < b ? b : a;
+    const double capped = c < high ? c : high;
+    return low < capped ? capped : low;
+}
+
+/// @tparam Divisor  double, or ConstantDivisor with the same quotients
+template <typename Divisor>
+QEL_KERNEL SymmetricCubic symmetricCubic(const Gradient& gradient) {
+    const WideGradient t = widened(gradient);
+    const double m11 = t.t11 * t.t11 + t.t21 * t.t12 + t.t31 * t.t13;
+    const double m22 = t.t22 * t.t22 + t.t21 * t.t12 + t.t32 * t.t23;
+    const double m33 = t.t33 * t.t33 + t.t32 * t.t23 + t.t31 * t.t13;
+    const double m12 = 0.5 * (t.t22 * t.t12 + t.t12 * t.t11 + t.t32 * t.t13 + t.t21 * t.t11 +
+                              t.t22 * t.t21 + t.t31 * t.t23);
+    const double m23 = 0.5 * (t.t23 * t.t22 + t.t21 * t.t13 + t.t33 * t.t23 + t.t31 * t.t12 +
+                              t.t32 * t.t22 + t.t33 * t.t32);
+    const double m13 = 0.5 * (t.t23 * t.t12 + t.t13 * t.t11 + t.t33 * t.t13 + t.t31 * t.t11 +
+                              t.t32 * t.t21 + t.t33 * t.t31);
+    const double d =
+        0.5 * ((m11 - m22) * (m11 - m22) + (m22 - m33) * (m22 - m33) + (m33 - m11) * (m33 - m11)) +
+        3.0 * (m12 * m12 + m23 * m23 + m13 * m13);
+    const double s = std::sqrt(d);
+    const double m = (m22 + m11 + m33) / Divisor(3.0);
+    const double determinant = (m23 * m12 - m13 * m22) * m13 + (m33 * m22 - m23 * m23) * m11 +
+                               (m13 * m23 - m12 * m33) * m12;
+    const double scale = s / Divisor(1.5);
+    const double r = (determinant + (d / Divisor(3.0) - m * m) * m) * 9.0 / (scale * d);
+    // Not at or above the threshold is a NaN either, which infinite or NaN entries give.
+    const bool isSpread = d >= kMinSpread;
+    return {r, isSpread ? scale : 0.0, isSpread ? m : median(m11, m22, m33)};
+}
+
+inline float middleRoot(const SymmetricCubic& cubic) {
+    constexpr double kFourPi = 12.566370614359172;
+    if (cubic.scale == 0.0) {
+        return static_cast<float>(cubic.mean);
+    }
+    const double r = cubic.r > 1.0 ? 1.0 : (cubic.r < -1.0 ? -1.0 : cubic.r);
+    const double angle = std::acos(r);
+    return static_cast<float>(std::cos((angle + kFourPi) / 3.0) * cubic.scale + cubic.mean);
+}
+
+// -- Swirl strength: the complex pair of the characteristic cubic of T (Cardano) ----
+
+/// Not the double nearest to one third, on purpose.
+constexpr double kThird = 0.333333333333333;
+
+inline double signedCubeRoot(double x) {
+    return x >= 0.0 ? std::pow(x, kThird) : -std::pow(-x, kThird);
+}
+
+struct Swirl {
+    float strength;
+    float realEigenvalue;
+};
+
+/// Where all eigenvalues are real, the formula is that of a repeated one, on purpose. A NaN
+/// discriminant counts as not positive.
+inline Swirl swirlOf(const Cubic& cubic) {
+    if (cubic.discriminant > 0.0) {
+        const double s = std::sqrt(cubic.discriminant);
+        const double root = signedCubeRoot(s - cubic.h) - signedCubeRoot(s + cubic.h);
+        return {static_cast<float>(std::sqrt(0.75 * root * root + cubic.p)),
+                static_cast<float>(root - cubic.a / 3.0)};
+    }
+    return {0.0f, static_cast<float>(-2.0 * signedCubeRoot(cubic.h) - cubic.a / 3.0)};
 }
 
 // -- Vectors of the eigen-analysis ----
 
 /// Below this squared length a direction is undetermined.
-constexpr double kSmallestSquare = 1e-36;
+constexpr double kMinSquaredLength = 1e-36;
 
 QEL_KERNEL WideTriple cross(const WideTriple& a, const WideTriple& b) {
     return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
@@ -144,7 +222,7 @@ QEL_KERNEL Triple directionOfLongest(const WideTriple& c1, const WideTriple& c2,
     const double length2 = first ? x1 : (second ? x2 : x3);
 
     const double scale = 1.0 / std::sqrt(length2);
-    const bool determined = length2 > kSmallestSquare;
+    const bool determined = length2 > kMinSquaredLength;
     const WideTriple e = selected(
         determined, {longest.x * scale, longest.y * scale, longest.z * scale}, {0.0, 0.0, 0.0});
 
@@ -198,11 +276,11 @@ QEL_KERNEL Triple scaledNormal(const Gradient& t, float eigenvalue, float streng
 }
 
 QEL_KERNEL float eigenvectorHelicity(const Gradient& t, float eigenvalue, float /*strength*/) {
-    return timesVorticity(realEigenvector(t, eigenvalue), vorticity(t));
+    return Helicity::at(t, realEigenvector(t, eigenvalue));
 }
 
 QEL_KERNEL float normalHelicity(const Gradient& t, float eigenvalue, float strength) {
-    return timesVorticity(swirlPlaneNormal(t, eigenvalue, strength), vorticity(t));
+    return Helicity::at(t, swirlPlaneNormal(t, eigenvalue, strength));
 }
 
 QEL_KERNEL float stretchRate(const Gradient& t, float eigenvalue, float strength) {

@@ -1,28 +1,93 @@
 // The tensor analysis: each operation over the field.
 //
-// An operation is a formula at one point (PointFormulas.h, RootFormulas.h) in the loop below that
-// goes through the arrays' own operations. Arrays of the library's own kinds that share no memory
-// take the same formula through the vector units (FieldKernels.h, SplitRows.h, RootKernels.h), with
-// the same result.
+// An operation is a formula at one point (PointFormulas.h). Where all inputs are the library's own
+// kinds of arrays, its kernel (FieldKernels.h) works on their memory, and writes into that of the
+// output if its values lie side by side, else into a block from which they are stored. Inputs of a
+// caller's kind are read point by point.
 
 #include <qel/TensorEigenizer.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
-#include <tuple>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
 
 #include "platform/VectorDispatch.h"
-#include "tensor/FieldAccess.h"
 #include "tensor/FieldKernels.h"
+#include "tensor/FieldMemory.h"
 #include "tensor/PointFormulas.h"
-#include "tensor/RootFormulas.h"
-#include "tensor/RootKernels.h"
-#include "tensor/Runs.h"
-#include "tensor/SplitRows.h"
 
 namespace qel {
 namespace {
 
 using Triplet = TripletBase<float>;
+
+// -- Operations: the formula at one point, and the kernel for many ----
+
+template <typename Formula>
+struct InGroups : Formula {
+    template <std::size_t width>
+    using Kernel = GroupKernel<Formula, width>;
+};
+
+struct Discriminant {
+    template <typename Divisor = double>
+    QEL_KERNEL static float at(const Gradient& t) {
+        return static_cast<float>(characteristicCubic<Divisor>(t).discriminant);
+    }
+    QEL_KERNEL static Enclosure<float> enclose(const Gradient& t) {
+        const float value = at<ConstantDivisor>(t);
+        return {value, value};
+    }
+    template <std::size_t width>
+    using Kernel = EnclosureKernel<Discriminant, width>;
+};
+
+struct SecondEigenvalue {
+    static float at(const Gradient& t) { return middleRoot(symmetricCubic<double>(t)); }
+    QEL_KERNEL static Enclosure<float> enclose(const Gradient& t) {
+        return encloseMiddleRoot(symmetricCubic<ConstantDivisor>(t));
+    }
+    template <std::size_t width>
+    using Kernel = EnclosureKernel<SecondEigenvalue, width>;
+};
+
+struct SwirlAnalysis {
+    static Swirl at(const Gradient& t) { return swirlOf(characteristicCubic<double>(t)); }
+    QEL_KERNEL static Enclosure<Swirl> enclose(const Gradient& t) {
+        return encloseSwirl(characteristicCubic<ConstantDivisor>(t));
+    }
+    template <std::size_t width>
+    using Kernel = EnclosureKernel<SwirlAnalysis, width>;
+};
+
+// A formula of the tensor, the real eigenvalue and the swirl strength; 0 where it does not swirl.
+template <auto formula>
+struct OfSwirl {
+    using Value = decltype(formula(Gradient(), 0.0f, 0.0f));
+
+    QEL_KERNEL static Value whereItSwirls(const Gradient& t, float strength, float eigenvalue) {
+        return formula(t, eigenvalue, strength);
+    }
+    static Value at(const Gradient& t, float strength, float eigenvalue) {
+        return strength > 0.0f ? whereItSwirls(t, strength, eigenvalue) : Value{};
+    }
+    template <std::size_t width>
+    using Kernel = SwirlKernel<OfSwirl, width>;
+};
+
+// out = the operation at each of n points.
+template <typename Operation, typename Output, typename... Inputs>
+void compute(std::size_t n, const Output& out, const Inputs&... inputs) {
+    std::size_t k = onFloatLanes<Operation::template Kernel>(n, out, inputs...);
+    for (; k < n; ++k) {
+        out.set(k, Operation::at(inputs.at(k)...));
+    }
+}
+
+// -- Arrays ----
 
 // The three rows, n points of each.
 struct Field {
@@ -32,13 +97,18 @@ struct Field {
     const TripletQELVector& row3;
 
     Gradient at(std::size_t k) const { return gradientOf(row1[k], row2[k], row3[k]); }
-
-    Rows rows() const { return {runOf(row1, n), runOf(row2, n), runOf(row3, n)}; }
+    GradientRows rows() const { return {memoryOf(row1, n), memoryOf(row2, n), memoryOf(row3, n)}; }
 };
 
-// -- Outputs ----
+float valueAt(FloatQELVector& array, std::size_t k) {
+    return array[k];
+}
 
-// Both outputs of the swirl analysis, as one.
+Triple valueAt(TripletQELVector& array, std::size_t k) {
+    return tripleOf(array[k]);
+}
+
+// Both outputs of the swirl analysis, as one. If they are one array, the eigenvalue stays.
 struct SwirlArrays {
     FloatQELVector& strength;
     FloatQELVector& eigenvalue;
@@ -49,98 +119,130 @@ struct SwirlArrays {
     }
 };
 
-bool isOwnKind(const SwirlArrays& arrays) {
-    return isOwnKind(arrays.strength) && isOwnKind(arrays.eigenvalue);
+bool isLibraryArray(const SwirlArrays& arrays) {
+    return qel::isLibraryArray(arrays.strength) && qel::isLibraryArray(arrays.eigenvalue);
 }
 
-SwirlRuns runOf(SwirlArrays& arrays, std::size_t n) {
-    return {runOf(arrays.strength, n), runOf(arrays.eigenvalue, n)};
+SwirlValues<StridedFloats> memoryOf(SwirlArrays& arrays, std::size_t n) {
+    return {qel::memoryOf(arrays.strength, n), qel::memoryOf(arrays.eigenvalue, n)};
 }
 
-void store(float value, FloatQELVector& out, std::size_t k) {
+// The n values of an output that lie side by side, where its kind of array has them so.
+bool isContiguous(const FloatQELVector& out) {
+    return typeid(out) == typeid(FloatQELVectorConcrete);
+}
+
+bool isContiguous(const TripletQELVector&) {
+    return true;
+}
+
+bool isContiguous(const SwirlArrays& out) {
+    return isContiguous(out.strength) && isContiguous(out.eigenvalue);
+}
+
+Elements<float> elementsOf(FloatQELVector& out, std::size_t n) {
+    return {memoryOf(out, n).first};
+}
+
+Elements<Triplet> elementsOf(TripletQELVector& out, std::size_t n) {
+    static_cast<void>(out[n - 1]);
+    return {&out[0]};
+}
+
+SwirlValues<Elements<float>> elementsOf(SwirlArrays& out, std::size_t n) {
+    return {elementsOf(out.strength, n), elementsOf(out.eigenvalue, n)};
+}
+
+// -- One by one ----
+
+// Stores through the array's own operations. True if that changes none of the inputs, of which a
+// caller's array may be a part.
+template <typename Ranges>
+bool store(float value, FloatQELVector& out, std::size_t k, const Ranges& inputs) {
+    float& place = out[k];
+    place = value;
+    return std::none_of(inputs.begin(), inputs.end(),
+                        [&](const MemoryRange& input) { return input.holds(&place); });
+}
+
+template <typename Ranges>
+bool store(const Swirl& value, SwirlArrays& out, std::size_t k, const Ranges& inputs) {
+    const bool isApart = store(value.strength, out.strength, k, inputs);
+    return store(value.realEigenvalue, out.eigenvalue, k, inputs) && isApart;
+}
+
+template <typename Ranges>
+bool store(const Triplet& value, TripletQELVector& out, std::size_t k, const Ranges&) {
     out[k] = value;
+    return true;
 }
 
-void store(const Triple& value, TripletQELVector& out, std::size_t k) {
-    out[k] = tripletOf(value);
+// The points from `from` on, one by one: the definition of every operation.
+template <typename Operation, typename Output, typename... Inputs>
+void computeEach(std::size_t from, const Field& field, Output& out, Inputs&... inputs) {
+    for (std::size_t k = from; k < field.n; ++k) {
+        store(Operation::at(field.at(k), valueAt(inputs, k)...), out, k,
+              std::array<MemoryRange, 0>());
+    }
 }
 
-void store(const Swirl& value, SwirlArrays& out, std::size_t k) {
-    out.strength[k] = value.strength;
-    out.eigenvalue[k] = value.realEigenvalue;
+// -- Through a block ----
+
+Elements<float> firstOf(float* buffer, const FloatQELVector&) {
+    return {buffer};
+}
+
+SwirlValues<Elements<float>> firstOf(float* buffer, const SwirlArrays&) {
+    return {{buffer}, {buffer + kBlock}};
+}
+
+// Computes by blocks and returns how many points are done: all, unless one changes the inputs of
+// those to come.
+template <typename Operation, typename Output, typename... Inputs>
+std::size_t computeInBlocks(const Field& field, Output& out, Inputs&... inputs) {
+    const std::size_t n = field.n;
+    float buffer[2 * kBlock];
+    const auto block = firstOf(buffer, out);
+    for (std::size_t from = 0; from < n; from += kBlock) {
+        const std::size_t count = std::min(kBlock, n - from);
+        const GradientRows rows = field.rows();
+        compute<Operation>(count, block, rows.after(from), memoryOf(inputs, n).after(from)...);
+        if (isLibraryArray(out)) {
+            const auto memory = memoryOf(out, n).after(from);
+            for (std::size_t i = 0; i < count; ++i) {
+                memory.set(i, block.at(i));
+            }
+            continue;
+        }
+        const std::array ranges{MemoryRange(rows.row1, n), MemoryRange(rows.row2, n),
+                                MemoryRange(rows.row3, n), MemoryRange(memoryOf(inputs, n), n)...};
+        for (std::size_t i = 0; i < count; ++i) {
+            if (!store(block.at(i), out, from + i, ranges)) {
+                return from + i + 1;
+            }
+        }
+    }
+    return n;
 }
 
 // -- An operation over the field ----
 
-// out = atPoint(k) for every point k in order, through the arrays' operations; or the same by
-// onMemory(n, memory of out, rows, memory of the inputs...) where that may stand for it.
-template <typename OnMemory, typename AtPoint, typename Output, typename... Inputs>
-void evaluate(const Field& field, const OnMemory& onMemory, const AtPoint& atPoint, Output& out,
-              Inputs&... inputs) {
+template <typename Operation, typename Output, typename... Inputs>
+void evaluate(const Field& field, Output& out, Inputs&... inputs) {
+    constexpr std::size_t kMinPoints = 4; // of which a kernel is faster
     const std::size_t n = field.n;
     out.resize(n);
-    if (n == 0) {
-        return;
-    }
-    if (isOwnKind(out) && (isOwnKind(inputs) && ...)) {
-        const std::tuple memory{runOf(inputs, n)...};
-        const auto output = runOf(out, n);
-        const Rows rows = field.rows();
-        const auto run = [&](const auto&... input) {
-            const bool apart = standsApart(n, output, rows, input...);
-            if (apart) {
-                onMemory(n, output, rows, input...);
-            }
-            return apart;
-        };
-        if (std::apply(run, memory)) {
+    std::size_t done = 0;
+    if (n >= kMinPoints && (isLibraryArray(inputs) && ...)) {
+        if (isContiguous(out)) {
+            compute<Operation>(n, elementsOf(out, n), field.rows(), memoryOf(inputs, n)...);
             return;
         }
-    }
-    for (std::size_t k = 0; k < n; ++k) {
-        store(atPoint(k), out, k);
-    }
-}
-
-// A formula of the tensor, the memory read by groups and their components put apart.
-template <typename Formula, template <typename, std::size_t> class Split = SplitKernel,
-          typename Output>
-void evaluateSplit(const Field& field, Output& out) {
-    evaluate(
-        field, [](auto... memory) { onVectorUnitSplit<Formula, Split>(memory...); },
-        [&](std::size_t k) { return Formula::at(field.at(k)); }, out);
-}
-
-// A root, bracketed in vector lanes: that costs more than the C library's function, unless many are
-// done at once.
-template <typename Root, typename Output>
-void evaluateRoot(const Field& field, Output& out) {
-    const auto onMemory = [](auto... memory) {
-        if (vectorUnit() == VectorUnit::portable) {
-            runPortable<PointKernel<Root>>(memory...);
-        } else {
-            onVectorUnit<BracketedKernel<Root>>(memory...);
+        if constexpr (!std::is_same_v<Output, TripletQELVector>) {
+            done = computeInBlocks<Operation>(field, out, inputs...);
         }
-    };
-    evaluate(
-        field, onMemory, [&](std::size_t k) { return Root::at(field.at(k)); }, out);
-}
-
-// A formula of the tensor, the real eigenvalue and the swirl strength, where it swirls. Both are
-// read at every point, also where the second is not needed: inputs that are too short are fatal,
-// whatever their values.
-template <auto formula, typename Output>
-void evaluateSwirl(const Field& field, FloatQELVector& swirl, FloatQELVector& realEigenvalue,
-                   Output& out) {
-    using Value = decltype(formula(Gradient(), 0.0f, 0.0f));
-    const auto atPoint = [&](std::size_t k) {
-        const float strength = swirl[k];
-        const float eigenvalue = realEigenvalue[k];
-        return strength > 0.0f ? formula(field.at(k), eigenvalue, strength) : Value{};
-    };
-    evaluate(
-        field, [](auto... memory) { onVectorUnit<SwirlPointKernel<formula>>(memory...); }, atPoint,
-        out, swirl, realEigenvalue);
+    }
+    computeEach<Operation>(done, field, out, inputs...);
 }
 
 } // namespace
@@ -155,31 +257,27 @@ TensorEigenizer::~TensorEigenizer() = default;
 // -- Invariants and products ----
 
 void TensorEigenizer::getInvariantQ(FloatQELVector& out) const {
-    evaluateSplit<InvariantQ>({n_, *row1_, *row2_, *row3_}, out);
+    evaluate<InGroups<InvariantQ>>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDivergence(FloatQELVector& out) const {
-    evaluateSplit<Divergence>({n_, *row1_, *row2_, *row3_}, out);
+    evaluate<InGroups<Divergence>>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getDiscrim(FloatQELVector& out) const {
-    evaluateSplit<Discriminant, SplitLoopKernel>({n_, *row1_, *row2_, *row3_}, out);
+    evaluate<Discriminant>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getVorticity(TripletQELVector& out) const {
-    evaluateSplit<Vorticity>({n_, *row1_, *row2_, *row3_}, out);
+    evaluate<InGroups<Vorticity>>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getHelicity(TripletQELVector& velocity, FloatQELVector& out) const {
-    const Field field = {n_, *row1_, *row2_, *row3_};
-    evaluate(
-        field, [](auto... memory) { onVectorUnitSplit<Helicity, SplitKernel>(memory...); },
-        [&](std::size_t k) { return Helicity::at(field.at(k), tripleOf(velocity[k])); }, out,
-        velocity);
+    evaluate<InGroups<Helicity>>({n_, *row1_, *row2_, *row3_}, out, velocity);
 }
 
 void TensorEigenizer::get2ndEValSymmTT(FloatQELVector& out) const {
-    evaluateRoot<SecondEigenvalue>({n_, *row1_, *row2_, *row3_}, out);
+    evaluate<SecondEigenvalue>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 // -- Eigenvalues and what is built on them ----
@@ -187,44 +285,45 @@ void TensorEigenizer::get2ndEValSymmTT(FloatQELVector& out) const {
 void TensorEigenizer::getSwirlStrength(FloatQELVector& swirl,
                                        FloatQELVector& realEigenvalue) const {
     SwirlArrays out = {swirl, realEigenvalue};
-    evaluateRoot<SwirlAnalysis>({n_, *row1_, *row2_, *row3_}, out);
+    evaluate<SwirlAnalysis>({n_, *row1_, *row2_, *row3_}, out);
 }
 
 void TensorEigenizer::getSwirlStretchRate(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                           FloatQELVector& out) const {
-    evaluateSwirl<stretchRate>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
+    evaluate<OfSwirl<stretchRate>>({n_, *row1_, *row2_, *row3_}, out, swirl, realEigenvalue);
 }
 
 void TensorEigenizer::getRealEigenHelicity(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                            FloatQELVector& out) const {
-    evaluateSwirl<eigenvectorHelicity>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
+    evaluate<OfSwirl<eigenvectorHelicity>>({n_, *row1_, *row2_, *row3_}, out, swirl,
+                                           realEigenvalue);
 }
 
 void TensorEigenizer::getNormEigenHelicity(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                            FloatQELVector& out) const {
-    evaluateSwirl<normalHelicity>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
+    evaluate<OfSwirl<normalHelicity>>({n_, *row1_, *row2_, *row3_}, out, swirl, realEigenvalue);
 }
 
 void TensorEigenizer::getSwirlNormal(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                      TripletQELVector& out) const {
-    evaluateSwirl<scaledNormal>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
+    evaluate<OfSwirl<scaledNormal>>({n_, *row1_, *row2_, *row3_}, out, swirl, realEigenvalue);
 }
 
 void TensorEigenizer::getEVecReal(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                   TripletQELVector& out) const {
-    evaluateSwirl<scaledEigenvector>({n_, *row1_, *row2_, *row3_}, swirl, realEigenvalue, out);
+    evaluate<OfSwirl<scaledEigenvector>>({n_, *row1_, *row2_, *row3_}, out, swirl, realEigenvalue);
 }
 
 // -- One point ----
 
 Triplet TensorEigenizer::realeigenvec(const Triplet& row1, const Triplet& row2, const Triplet& row3,
                                       float realEigenvalue) const {
-    return tripletOf(realEigenvector(gradientOf(row1, row2, row3), realEigenvalue));
+    return realEigenvector(gradientOf(row1, row2, row3), realEigenvalue);
 }
 
 Triplet TensorEigenizer::swirlnormal(const Triplet& row1, const Triplet& row2, const Triplet& row3,
                                      float realEigenvalue, float swirlStrength) const {
-    return tripletOf(swirlPlaneNormal(gradientOf(row1, row2, row3), realEigenvalue, swirlStrength));
+    return swirlPlaneNormal(gradientOf(row1, row2, row3), realEigenvalue, swirlStrength);
 }
 
 } // namespace qel

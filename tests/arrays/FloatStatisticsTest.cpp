@@ -10,7 +10,7 @@
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 
-#include "arrays/PlainStatistics.h"
+#include "arrays/ReferenceStatistics.h"
 #include "support/Bits.h"
 #include "support/SpecialFloats.h"
 #include "support/VectorUnits.h"
@@ -129,7 +129,7 @@ TEST(FloatStatistics, ASumOfNegativeZerosIsZero) {
     checkStatistics(Values(5000, -0.0f));
 }
 
-// Places where a block of a fast road may end.
+// Places where a block of the fast path may end.
 const std::size_t kLengths[] = {1,   2,   7,   8,   15,  16,  17,   31,   33,   63,   64,  65,
                                 127, 128, 129, 255, 256, 257, 1000, 1024, 1025, 4096, 5001};
 

@@ -1,7 +1,7 @@
 // The statistics of floats in memory, in doubles: where blocks are added up in lanes and where not
 // shows in the last digits of the sum, which the arrays round away.
 
-#include "arrays/ValueStatistics.h"
+#include "arrays/Statistics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,8 +11,8 @@
 
 #include <gtest/gtest.h>
 
-#include "arrays/PlainStatistics.h"
 #include "arrays/RandomFields.h"
+#include "arrays/ReferenceStatistics.h"
 #include "support/Bits.h"
 #include "support/SpecialFloats.h"
 #include "support/VectorUnits.h"
@@ -33,7 +33,7 @@ constexpr std::size_t kBlock = 1024; // values that are looked at together
 
 ::testing::AssertionResult same(const ValueStatistics& a, const Statistics& b) {
     if (sameBits(a.min, b.min) && sameBits(a.max, b.max) && sameBits(a.sum, b.sum) &&
-        a.count == b.count) {
+        a.count == static_cast<std::size_t>(b.count)) {
         return ::testing::AssertionSuccess();
     }
     return ::testing::AssertionFailure()
@@ -128,7 +128,7 @@ TEST(ValueStatistics, TheFirstOfTheZerosIsTheExtremeInAnyBlock) {
 }
 
 TEST(ValueStatistics, OfInfinitiesNaNAndMarkersInAnyBlock) {
-    for (const float special : {kInf, -kInf, kNan, kUndef, -kUndef}) {
+    for (const float special : {kInf, -kInf, kNan, -kNan, kUndef, -kUndef}) {
         for (const std::size_t at : {std::size_t{0}, kBlock - 1, kBlock, 2 * kBlock + 5}) {
             Values values(2 * kBlock + 10, 0.1f);
             values[at] = special;

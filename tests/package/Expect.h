@@ -1,7 +1,7 @@
 #ifndef QEL_TESTS_PACKAGE_EXPECT_H
 #define QEL_TESTS_PACKAGE_EXPECT_H
 
-// What the programs of strangers check by; they know no test framework.
+// What the external consumers check by; they know no test framework.
 
 #include <iostream>
 

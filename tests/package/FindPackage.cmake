@@ -1,5 +1,5 @@
-# Configures, builds and runs a stranger's CMake project against the installed package. OPTIONS are
-# further arguments for its configuration.
+# Configures, builds and runs an external consumer's CMake project against the installed package.
+# OPTIONS are further arguments for its configuration.
 
 cmake_minimum_required(VERSION 3.25)
 

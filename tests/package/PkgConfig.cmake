@@ -1,4 +1,4 @@
-# Compiles a stranger's program with the flags that pkg-config gives, and runs it.
+# Compiles an external consumer with the flags that pkg-config gives, and runs it.
 
 cmake_minimum_required(VERSION 3.25)
 

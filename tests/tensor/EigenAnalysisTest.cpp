@@ -6,7 +6,7 @@
 
 #include "support/Bits.h"
 #include "tensor/Fields.h"
-#include "tensor/PlainFormulas.h"
+#include "tensor/ReferenceFormulas.h"
 
 namespace {
 
@@ -98,10 +98,10 @@ TEST(EigenAnalysis, RepeatedRootFormulaWhereAllEigenvaluesAreReal) {
 
 // Exponents differ in the fifteenth digit, results by some 1e-14: seen where little else is left.
 TEST(EigenAnalysis, TheCubeRootsExponentIsNotAThird) {
-    EXPECT_NE(plain::cubeRoot(1e30), std::pow(1e30, 1.0 / 3.0));
+    EXPECT_NE(reference::cubeRoot(1e30), std::pow(1e30, 1.0 / 3.0));
     const Field field({Tensor{1e20f, 0, 0, 0, 1e20f, 0, 0, 0, -2e20f}});
     Analysis a(field.eigenizer());
-    const plain::Swirl expected = plain::swirl(field.at(0));
+    const reference::Swirl expected = reference::swirl(field.at(0));
     EXPECT_TRUE(sameBits(a.eigenvalue[0], expected.eigenvalue));
 }
 
@@ -184,7 +184,7 @@ TEST(EigenAnalysis, EveryBitOverManyTensors) {
     for (std::size_t k = 0; k < tensors.size(); ++k) {
         const Tensor& t = tensors[k];
         SCOPED_TRACE(k);
-        const plain::Swirl s = plain::swirl(t);
+        const reference::Swirl s = reference::swirl(t);
         ASSERT_TRUE(sameBits(a.swirl[k], s.strength)) << a.swirl[k] << " " << s.strength;
         ASSERT_TRUE(sameBits(a.eigenvalue[k], s.eigenvalue))
             << a.eigenvalue[k] << " " << s.eigenvalue;
@@ -192,13 +192,13 @@ TEST(EigenAnalysis, EveryBitOverManyTensors) {
         Triplet vector, normal;
         float stretch = 0, realHelicity = 0, normalHelicity = 0;
         if (s.strength > 0) {
-            e = plain::realEigenvector(t, s.eigenvalue);
-            n = plain::swirlNormal(t, s.eigenvalue, s.strength);
+            e = reference::realEigenvector(t, s.eigenvalue);
+            n = reference::swirlNormal(t, s.eigenvalue, s.strength);
             vector = {e.x * s.strength, e.y * s.strength, e.z * s.strength};
             normal = {n.x * s.strength, n.y * s.strength, n.z * s.strength};
             stretch = (e.x * n.x + e.y * n.y + e.z * n.z) * s.strength;
-            realHelicity = plain::productYxz(e, plain::vorticity(t));
-            normalHelicity = plain::productYxz(n, plain::vorticity(t));
+            realHelicity = reference::productYxz(e, reference::vorticity(t));
+            normalHelicity = reference::productYxz(n, reference::vorticity(t));
         }
         ASSERT_TRUE(sameBits(a.vector[k], vector)) << a.vector[k] << " " << vector;
         ASSERT_TRUE(sameBits(a.normal[k], normal)) << a.normal[k] << " " << normal;
@@ -216,10 +216,10 @@ TEST(EigenAnalysis, HelpersOverManyTensors) {
         const Field one({tensor});
         const Tensor more = normalTensor(random, 2.0f);
         const Triplet &r1 = one.row1[0], &r2 = one.row2[0], &r3 = one.row3[0];
-        ASSERT_TRUE(
-            sameBits(t.realeigenvec(r1, r2, r3, more[0]), plain::realEigenvector(tensor, more[0])));
+        ASSERT_TRUE(sameBits(t.realeigenvec(r1, r2, r3, more[0]),
+                             reference::realEigenvector(tensor, more[0])));
         ASSERT_TRUE(sameBits(t.swirlnormal(r1, r2, r3, more[0], more[1]),
-                             plain::swirlNormal(tensor, more[0], more[1])));
+                             reference::swirlNormal(tensor, more[0], more[1])));
     }
 }
 

@@ -8,7 +8,7 @@
 
 #include "support/Bits.h"
 #include "tensor/Fields.h"
-#include "tensor/PlainFormulas.h"
+#include "tensor/ReferenceFormulas.h"
 
 namespace {
 
@@ -94,7 +94,7 @@ TEST(Invariants, ASpreadAtTheThresholdIsSolvedFor) {
     };
     EXPECT_NEAR(lambda2(at), double{a} * double{a} - double{a} * double{c}, 1e-24);
     EXPECT_EQ(lambda2(below), static_cast<float>(double{a} * double{a}));
-    EXPECT_EQ(lambda2(at), plain::secondEigenvalue({a, c, at, 0, a, 0, 0, 0, 0}));
+    EXPECT_EQ(lambda2(at), reference::secondEigenvalue({a, c, at, 0, a, 0, 0, 0, 0}));
 }
 
 TEST(Invariants, UndefinedInputsFlowThroughAsNumbers) {
@@ -144,13 +144,15 @@ TEST(Invariants, EveryBitOverManyTensors) {
     for (std::size_t k = 0; k < tensors.size(); ++k) {
         const Tensor& t = tensors[k];
         SCOPED_TRACE(k);
-        ASSERT_TRUE(sameBits(q[k], plain::invariantQ(t)));
-        ASSERT_TRUE(sameBits(divergence[k], plain::divergence(t)));
-        ASSERT_TRUE(sameBits(vorticity[k], plain::vorticity(t)));
-        ASSERT_TRUE(sameBits(helicity[k], plain::productYxz(velocity[k], plain::vorticity(t))));
-        ASSERT_TRUE(sameBits(discriminant[k], static_cast<float>(plain::cubic(t).discriminant)));
-        ASSERT_TRUE(sameBits(second[k], plain::secondEigenvalue(t)))
-            << second[k] << " " << plain::secondEigenvalue(t);
+        ASSERT_TRUE(sameBits(q[k], reference::invariantQ(t)));
+        ASSERT_TRUE(sameBits(divergence[k], reference::divergence(t)));
+        ASSERT_TRUE(sameBits(vorticity[k], reference::vorticity(t)));
+        ASSERT_TRUE(
+            sameBits(helicity[k], reference::productYxz(velocity[k], reference::vorticity(t))));
+        ASSERT_TRUE(
+            sameBits(discriminant[k], static_cast<float>(reference::cubic(t).discriminant)));
+        ASSERT_TRUE(sameBits(second[k], reference::secondEigenvalue(t)))
+            << second[k] << " " << reference::secondEigenvalue(t);
     }
 }
 

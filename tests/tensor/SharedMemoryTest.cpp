@@ -1,8 +1,10 @@
 // Arrays of every kind, and outputs that share memory with inputs: always the result of the loop
 // over the points in order, and the expiry of statistics that goes with it.
 
-#include <functional>
+#include <algorithm>
 #include <numeric>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -14,7 +16,7 @@
 #include "support/Errors.h"
 #include "tensor/Fields.h"
 #include "tensor/Operations.h"
-#include "tensor/PlainFormulas.h"
+#include "tensor/ReferenceFormulas.h"
 
 namespace {
 
@@ -107,7 +109,83 @@ TEST(CallersArrays, DerivedFromTheLibrarysAreTheirOwnKind) {
     EXPECT_EQ(out.asked.size(), kCount);
 }
 
-// Every operation, into arrays that `make` builds, against arrays of the caller's kind.
+// A caller's array whose values lie among the components of a triplet array, in an order of its
+// own.
+class Scattered : public FloatQELVector {
+public:
+    Scattered(TripletQELVector& triplets, std::vector<std::size_t> places)
+        : triplets_(triplets), places_(std::move(places)) {}
+    const float& operator[](std::size_t i) const override { return at(i); }
+    float& operator[](std::size_t i) override { return at(i); }
+    void resize(std::size_t n) override { ASSERT_EQ(n, places_.size()); }
+    std::size_t size() const override { return places_.size(); }
+    Iterator Begin() override { return {}; }
+    Iterator End() override { return {}; }
+
+private:
+    float& at(std::size_t i) const {
+        const std::size_t place = places_.at(i);
+        return triplets_[place / 3].getRef(static_cast<int>(place % 3));
+    }
+    int getStride() const override { return 1; }
+
+    TripletQELVector& triplets_;
+    std::vector<std::size_t> places_;
+};
+
+using Places = std::vector<std::size_t>;
+
+// Storing a value changes the tensor at points to come: each is computed from what is there then.
+void checkOutputWithinRow(const Places& places,
+                          void (TensorEigenizer::*operation)(FloatQELVector&) const) {
+    const std::size_t n = places.size();
+    Field field(mixedTensors(n, 52)), expected(mixedTensors(n, 52));
+    Scattered out(field.row2, places), reference(expected.row2, places);
+    (field.eigenizer().*operation)(out);
+    for (std::size_t k = 0; k < n; ++k) {
+        FloatQELVectorConcrete one;
+        const TensorEigenizer all = expected.eigenizer();
+        (all.*operation)(one);
+        reference[k] = one[k];
+    }
+    EXPECT_TRUE(sameBitsInAll(field.row2.getInternals(), expected.row2.getInternals()));
+}
+
+TEST(CallersArrays, WithinTheMemoryOfARowChangeTheTensorPointByPoint) {
+    constexpr std::size_t n = 300;
+    Places reversed(n), ahead(n), swapped(n), behind(n);
+    for (std::size_t k = 0; k < n; ++k) {
+        reversed[k] = 3 * (n - 1 - k);
+        ahead[k] = 3 * std::min(k + 1, n - 1) + 1;
+        behind[k] = k;
+        swapped[k] = 3 * (k ^ 1U) + 2;
+    }
+    for (const Places& places : {reversed, ahead, behind, swapped}) {
+        checkOutputWithinRow(places, &TensorEigenizer::getDivergence);
+        checkOutputWithinRow(places, &TensorEigenizer::get2ndEValSymmTT);
+    }
+}
+
+TEST(CallersArrays, WithinTheMemoryOfTheVelocityChangeItPointByPoint) {
+    constexpr std::size_t n = 300;
+    const Field field(mixedTensors(n, 53));
+    TripletQELVector velocity = field.row1;
+    Places ahead(n);
+    for (std::size_t k = 0; k < n; ++k) {
+        ahead[k] = 3 * std::min(k + 1, n - 1);
+    }
+    Scattered out(velocity, ahead);
+    field.eigenizer().getHelicity(velocity, out);
+    Triplet u = field.row1[0];
+    for (std::size_t k = 0; k + 1 < n; ++k) {
+        const float expected = reference::productYxz(u, reference::vorticity(field.at(k)));
+        u = field.row1[k + 1];
+        u.x = expected;
+        ASSERT_TRUE(k + 2 == n || sameBits(velocity[k + 1].x, expected)) << k;
+    }
+}
+
+// The outputs of every operation.
 struct Results {
     std::vector<std::vector<float>> floats;
     std::vector<std::vector<Triplet>> triplets;
@@ -163,6 +241,10 @@ TEST(SharedMemory, EveryKindOfArrayGivesTheSame) {
     expectSame(resultsOf(t, ownSwirl, ownEigenvalue, mixedOut, field.row2), expected);
     CallersArray mixedSwirl;
     expectSame(resultsOf(t, mixedSwirl, ownEigenvalue, ownOut, field.row2), expected);
+    TripletQELVector triplets;
+    FloatQELVectorComponent view(triplets, 1);
+    expectSame(resultsOf(t, ownSwirl, view, mixedOut, field.row2), expected);
+    expectSame(resultsOf(t, view, mixedSwirl, ownOut, field.row2), expected);
 }
 
 // -- Outputs that are inputs ----
@@ -178,7 +260,7 @@ TEST(SharedMemory, AViewOfARowAsOutput) {
             for (std::size_t k = 0; k < kCount; ++k) {
                 Tensor expected = start[k];
                 expected[static_cast<std::size_t>(3 * row + component)] =
-                    static_cast<float>(plain::cubic(start[k]).discriminant);
+                    static_cast<float>(reference::cubic(start[k]).discriminant);
                 const Tensor actual = field.at(k);
                 for (std::size_t i = 0; i < 9; ++i) {
                     ASSERT_TRUE(sameBits(actual[i], expected[i])) << k << " " << i;
@@ -193,7 +275,7 @@ TEST(SharedMemory, ARowAsVorticityOutput) {
     Field field(start);
     field.eigenizer().getVorticity(field.row2);
     for (std::size_t k = 0; k < kCount; ++k) {
-        ASSERT_TRUE(sameBits(field.row2[k], plain::vorticity(start[k])));
+        ASSERT_TRUE(sameBits(field.row2[k], reference::vorticity(start[k])));
     }
 }
 
@@ -204,7 +286,8 @@ TEST(SharedMemory, TheVelocityAsHelicityOutput) {
     field.eigenizer().getHelicity(velocity, out);
     for (std::size_t k = 0; k < kCount; ++k) {
         const Triplet u = field.row3[k];
-        ASSERT_TRUE(sameBits(velocity[k].x, plain::productYxz(u, plain::vorticity(field.at(k)))));
+        ASSERT_TRUE(
+            sameBits(velocity[k].x, reference::productYxz(u, reference::vorticity(field.at(k)))));
         ASSERT_TRUE(sameBits(velocity[k].y, u.y));
     }
 }
@@ -215,7 +298,8 @@ TEST(SharedMemory, ARowAsVelocity) {
     field.eigenizer().getHelicity(field.row1, out);
     for (std::size_t k = 0; k < kCount; ++k) {
         const Tensor t = field.at(k);
-        ASSERT_TRUE(sameBits(out[k], plain::productYxz(field.row1[k], plain::vorticity(t))));
+        ASSERT_TRUE(
+            sameBits(out[k], reference::productYxz(field.row1[k], reference::vorticity(t))));
     }
 }
 
@@ -227,7 +311,7 @@ TEST(SharedMemory, BothSwirlOutputsInOneArrayKeepTheEigenvalue) {
     FloatQELVectorComponent view(triplets, 1), again(triplets, 1);
     field.eigenizer().getSwirlStrength(view, again);
     for (std::size_t k = 0; k < kCount; ++k) {
-        ASSERT_TRUE(sameBits(both[k], plain::swirl(field.at(k)).eigenvalue));
+        ASSERT_TRUE(sameBits(both[k], reference::swirl(field.at(k)).eigenvalue));
         ASSERT_TRUE(sameBits(view[k], both[k]));
     }
 }

@@ -1,4 +1,4 @@
-// A stranger's program: calls the library, catches what it throws across the library's border, and
+// An external consumer: calls the library, catches what it throws across the library's border, and
 // installs a reporter of its own. Leaves with the number of things that went wrong.
 
 #include <vector>

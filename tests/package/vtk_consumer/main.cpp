@@ -1,4 +1,4 @@
-// A stranger's program: the vortex filter on a flow that turns, and lines as a curve. Leaves with
+// An external consumer: the vortex filter on a flow that turns, and lines as a curve. Leaves with
 // the number of things that went wrong.
 
 #include <cmath>

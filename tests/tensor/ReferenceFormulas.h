@@ -1,5 +1,5 @@
-#ifndef QEL_TESTS_TENSOR_PLAINFORMULAS_H
-#define QEL_TESTS_TENSOR_PLAINFORMULAS_H
+#ifndef QEL_TESTS_TENSOR_REFERENCEFORMULAS_H
+#define QEL_TESTS_TENSOR_REFERENCEFORMULAS_H
 
 // The tensor formulas once more, written apart from the library's, with indices instead of names:
 // what every operation must give, bit for bit.
@@ -11,7 +11,7 @@
 #include "tensor/Fields.h"
 
 namespace qel_test {
-namespace plain {
+namespace reference {
 
 inline float at(const Tensor& t, int row, int column) {
     return t[static_cast<std::size_t>(3 * (row - 1) + column - 1)];
@@ -177,7 +177,20 @@ inline Triplet swirlNormal(const Tensor& t, float eigenvalue, float strength) {
     return orientedLongest(rows, t);
 }
 
-} // namespace plain
+inline Triplet scaled(const Triplet& t, float factor) {
+    return {t.x * factor, t.y * factor, t.z * factor};
+}
+
+inline float stretchRate(const Tensor& t, float eigenvalue, float strength) {
+    const Triplet e = realEigenvector(t, eigenvalue);
+    const Triplet n = swirlNormal(t, eigenvalue, strength);
+    float sum = e.x * n.x;
+    sum += e.y * n.y;
+    sum += e.z * n.z;
+    return sum * strength;
+}
+
+} // namespace reference
 } // namespace qel_test
 
 #endif

@@ -1,7 +1,7 @@
-#ifndef QEL_TESTS_ARRAYS_PLAINSTATISTICS_H
-#define QEL_TESTS_ARRAYS_PLAINSTATISTICS_H
+#ifndef QEL_TESTS_ARRAYS_REFERENCESTATISTICS_H
+#define QEL_TESTS_ARRAYS_REFERENCESTATISTICS_H
 
-// The plain statement of the statistics of floats.
+// The reference implementation of the statistics of floats.
 
 #include <vector>
 

@@ -1,9 +1,12 @@
-// Bilinear interpolation in a plane quadrilateral, and its inverse by Newton's method.
+// Machine spacing; bilinear interpolation in a plane quadrilateral, and its inverse by Newton's
+// method.
 
 #include <qel/NumericalUtils.h>
 
 #include <algorithm>
 #include <cmath>
+
+#include "foundation/MachineSpacing.h"
 
 namespace qel {
 namespace {
@@ -39,14 +42,7 @@ struct Weights {
 bool isSingular(double determinant, double numeratorS, double numeratorT) {
     const double size = std::abs(determinant);
     const float step = static_cast<float>(std::max(std::abs(numeratorS), std::abs(numeratorT)));
-    // The decade of a number is at most ten times the number, so most steps are cleared without
-    // looking for it. Not so zero, which counts as 1, nor what rounds coarsely near the limits.
-    constexpr float smallest = 1e-30f, largest = 1e30f;
-    constexpr double decadeBound = 11.0 * 1.1920928955078125e-7;
-    if (step > smallest && step < largest && size >= kSingularSpacings * decadeBound * step) {
-        return false;
-    }
-    return size < kSingularSpacings * NumericalUtils::spacing(step);
+    return size < kSingularSpacings * spacingAt(step);
 }
 
 struct Flags {
@@ -112,6 +108,16 @@ void search(T& sResult, T& tResult, double px, double py, const Axis& x, const A
 }
 
 } // namespace
+
+// -- Machine spacing ----
+
+double NumericalUtils::spacing(double x) {
+    return spacingAt(x);
+}
+
+float NumericalUtils::spacing(float x) {
+    return spacingAt(x);
+}
 
 // -- Bilinear value ----
 
