@@ -11,7 +11,7 @@
 
 #include <qel/Export.h>
 #include <qel/LineSegment2D.h>
-#include <qel/TripletBase.h>
+#include <qel/Point.h>
 
 namespace qel {
 
@@ -53,7 +53,7 @@ public:
     /// The precision whose spacing is the tolerance of eliminateDoublePoints.
     enum PrecisionUtils : int { singlePrecision = 0, doublePrecision = 1 };
 
-    /// A chord of the simplification, and the vertex that strays farthest from it.
+    /// A chord of the simplification, and the vertex farthest from it.
     struct tEdge {
         int first = 0;         ///< index of the chord's first point
         int second = 0;        ///< index of the chord's last point
@@ -68,46 +68,48 @@ public:
     ParametricCurve();
 
     /// @see setPoints with the same arguments
-    ParametricCurve(const std::vector<TripletBase<double>>& points, dim dimension);
-    ParametricCurve(const std::vector<TripletBase<float>>& points, dim dimension);
-    ParametricCurve(const std::vector<TripletBase<float>>& points, normalization norm,
-                    dim dimension);
-    ParametricCurve(const std::vector<TripletBase<double>>& points,
-                    const std::vector<double>& svalues, dim dimension);
-    ParametricCurve(const std::vector<TripletBase<float>>& points,
-                    const std::vector<double>& svalues, dim dimension);
+    ParametricCurve(const Points& points, dim dimension);
+    ParametricCurve(Points&& points, dim dimension);
+    ParametricCurve(const FloatPoints& points, dim dimension);
+    ParametricCurve(const FloatPoints& points, normalization norm, dim dimension);
+    ParametricCurve(const Points& points, const std::vector<double>& svalues, dim dimension);
+    ParametricCurve(Points&& points, std::vector<double>&& svalues, dim dimension);
+    ParametricCurve(const FloatPoints& points, const std::vector<double>& svalues, dim dimension);
 
     ParametricCurve(const ParametricCurve& other);
     ParametricCurve& operator=(const ParametricCurve& other);
+    /// The source is left without points: it can be set, assigned to and destroyed.
+    ParametricCurve(ParametricCurve&& other) noexcept;
+    /// The source is left with this curve's points and s-values.
+    ParametricCurve& operator=(ParametricCurve&& other) noexcept;
     virtual ~ParametricCurve();
 
-    /// Sets the points and computes s as normalised arc length. O(n).
+    /// Sets the points and computes s as normalised arc length. O(n). Here and below, a vector that
+    /// is moved in gets what the curve held in exchange, and memory is reused where it is enough.
     ///
     /// @throws internal::error  (method "Constructor") for fewer than two points, and (method
     ///     "setPoints") for a dimension that is none of the enumeration; in the second case the
     ///     curve deliberately keeps the new points and the dimension
-    void setPoints(const std::vector<TripletBase<double>>& points, dim dimension);
-    void setPoints(const std::vector<TripletBase<float>>& points, dim dimension);
+    void setPoints(const Points& points, dim dimension);
+    void setPoints(Points&& points, dim dimension);
+    void setPoints(const FloatPoints& points, dim dimension);
 
     /// Sets the points, with s computed from one component or from arc length and recorded as
     /// supplied. The length is not computed. O(n).
     ///
     /// @throws internal::error  as above, and (method "setPoints", before any change) for
     ///     normalizeUniform and for anything that is none of the enumeration
-    void setPoints(const std::vector<TripletBase<double>>& points, normalization norm,
-                   dim dimension);
-    void setPoints(const std::vector<TripletBase<float>>& points, normalization norm,
-                   dim dimension);
+    void setPoints(const Points& points, normalization norm, dim dimension);
+    void setPoints(const FloatPoints& points, normalization norm, dim dimension);
 
     /// Sets the points and s-values, which are kept as given. The length keeps its value. O(n).
     ///
     /// @throws internal::error  as the first overload, and (method "setPoints") if the counts
     ///     differ or s decreases; in the last case the curve deliberately keeps the new points
     ///     with the old s-values
-    void setPoints(const std::vector<TripletBase<double>>& points,
-                   const std::vector<double>& svalues, dim dimension);
-    void setPoints(const std::vector<TripletBase<float>>& points,
-                   const std::vector<double>& svalues, dim dimension);
+    void setPoints(const Points& points, const std::vector<double>& svalues, dim dimension);
+    void setPoints(Points&& points, std::vector<double>&& svalues, dim dimension);
+    void setPoints(const FloatPoints& points, const std::vector<double>& svalues, dim dimension);
 
     /// Sets points (x, 0, 0), (0, y, 0) or (0, 0, z) with s as normalised arc length; the curve is
     /// three-dimensional whichever component it fills. O(n).
@@ -144,11 +146,11 @@ public:
 
     /// Origin and unit direction of the axis set by the last conversion; (0,0,0) and (0,0,1)
     /// before one.
-    const TripletBase<double>& getAxisPoint() const;
-    const TripletBase<double>& getAxisDirection() const;
+    const Point& getAxisPoint() const;
+    const Point& getAxisDirection() const;
 
-    const std::vector<TripletBase<double>>& getCurve() const;
-    void getCurve(std::vector<TripletBase<double>>& points) const;
+    const Points& getCurve() const;
+    void getCurve(Points& points) const;
     const std::vector<double>& getSvalues() const;
     void getSvalues(std::vector<double>& svalues) const;
 
@@ -160,23 +162,23 @@ public:
     std::vector<double> getSvalues(const std::vector<int>& ids) const;
 
     /// @throws internal::error  (method "getPointAtIndex") for an id that is not a point's
-    TripletBase<double> getPointAtIndex(int id) const;
-    TripletBase<double> getFirstPoint() const;
-    TripletBase<double> getLastPoint() const;
+    Point getPointAtIndex(int id) const;
+    Point getFirstPoint() const;
+    Point getLastPoint() const;
 
     /// One component of every point; the triplet forms zero the other two.
     void getX(std::vector<double>& values) const;
     void getX(std::vector<float>& values) const;
-    void getX(std::vector<TripletBase<double>>& values) const;
-    void getX(std::vector<TripletBase<float>>& values) const;
+    void getX(Points& values) const;
+    void getX(FloatPoints& values) const;
     void getY(std::vector<double>& values) const;
     void getY(std::vector<float>& values) const;
-    void getY(std::vector<TripletBase<double>>& values) const;
-    void getY(std::vector<TripletBase<float>>& values) const;
+    void getY(Points& values) const;
+    void getY(FloatPoints& values) const;
     void getZ(std::vector<double>& values) const;
     void getZ(std::vector<float>& values) const;
-    void getZ(std::vector<TripletBase<double>>& values) const;
-    void getZ(std::vector<TripletBase<float>>& values) const;
+    void getZ(Points& values) const;
+    void getZ(FloatPoints& values) const;
 
     /// Bounding values. A NaN enters only as the first point's component. O(n).
     void getMinMax(double& xmin, double& xmax, double& ymin, double& ymax, double& zmin,
@@ -196,7 +198,7 @@ public:
     // -- Evaluation at s ----
 
     /// Point at s; outside the range, the nearer end point. O(log n), no allocation.
-    TripletBase<double> getPointAtParameter(double s) const;
+    Point getPointAtParameter(double s) const;
 
     /// Index of the point whose s-value is nearest to s, the later one of two equally near; the
     /// first for s <= 0 and the last for s >= 1, whatever the curve's own range. O(log n).
@@ -206,22 +208,21 @@ public:
 
     /// Foot of q on the edges at the vertex nearest to q, and its s. Edges that do not touch that
     /// vertex are not examined. O(n), no allocation.
-    TripletBase<double> projectPoint(const TripletBase<double>& q, double& s) const;
-    TripletBase<double> projectPoint(const TripletBase<double>& q) const;
-    TripletBase<float> projectPoint(const TripletBase<float>& q, float& s) const;
-    TripletBase<float> projectPoint(const TripletBase<float>& q, double& s) const;
-    TripletBase<float> projectPoint(const TripletBase<float>& q) const;
+    Point projectPoint(const Point& q, double& s) const;
+    Point projectPoint(const Point& q) const;
+    FloatPoint projectPoint(const FloatPoint& q, float& s) const;
+    FloatPoint projectPoint(const FloatPoint& q, double& s) const;
+    FloatPoint projectPoint(const FloatPoint& q) const;
 
     /// Index of the vertex nearest to q, the first of equally near ones. O(n), no allocation.
-    int getClosestPoint(const TripletBase<double>& q) const;
-    int getClosestPoint(const TripletBase<float>& q) const;
+    int getClosestPoint(const Point& q) const;
+    int getClosestPoint(const FloatPoint& q) const;
 
     /// The s-values of other points, by projection onto this curve.
     ///
     /// @param normalize  sets the first s-value to 0 and the last to 1; the others stay as they are
     /// @throws internal::error  (method "getSvalues") for fewer than two points
-    void getSvalues(const std::vector<TripletBase<double>>& points, std::vector<double>& svalues,
-                    bool normalize) const;
+    void getSvalues(const Points& points, std::vector<double>& svalues, bool normalize) const;
 
     /// Largest distance of the vertices strictly between i and j from the line through vertices i
     /// and j. O(j - i).
@@ -240,46 +241,40 @@ public:
     /// The piece between two parameter values, clamped to the curve's range, with the stored
     /// points in between and their s-values. Outputs are emptied first. O(log n) and the copy.
     /// @throws internal::error  (method "getCurve") if the clamped start is not below the end
-    void getCurve(double sStart, double sEnd, std::vector<TripletBase<double>>& points,
+    void getCurve(double sStart, double sEnd, Points& points, std::vector<double>& svalues) const;
+    void getCurve(double sStart, double sEnd, FloatPoints& points,
                   std::vector<double>& svalues) const;
-    void getCurve(double sStart, double sEnd, std::vector<TripletBase<float>>& points,
-                  std::vector<double>& svalues) const;
-    void getCurve(double sStart, double sEnd, std::vector<TripletBase<double>>& points) const;
-    void getCurve(double sStart, double sEnd, std::vector<TripletBase<float>>& points) const;
+    void getCurve(double sStart, double sEnd, Points& points) const;
+    void getCurve(double sStart, double sEnd, FloatPoints& points) const;
 
     /// The piece from the start of the curve to s.
-    void getCurveBegin(double s, std::vector<TripletBase<double>>& points,
-                       std::vector<double>& svalues) const;
-    void getCurveBegin(double s, std::vector<TripletBase<double>>& points) const;
-    void getCurveBegin(double s, std::vector<TripletBase<float>>& points) const;
+    void getCurveBegin(double s, Points& points, std::vector<double>& svalues) const;
+    void getCurveBegin(double s, Points& points) const;
+    void getCurveBegin(double s, FloatPoints& points) const;
 
     /// The piece from s to the end of the curve.
-    void getCurveEnd(double s, std::vector<TripletBase<double>>& points,
-                     std::vector<double>& svalues) const;
-    void getCurveEnd(double s, std::vector<TripletBase<double>>& points) const;
-    void getCurveEnd(double s, std::vector<TripletBase<float>>& points) const;
+    void getCurveEnd(double s, Points& points, std::vector<double>& svalues) const;
+    void getCurveEnd(double s, Points& points) const;
+    void getCurveEnd(double s, FloatPoints& points) const;
 
     /// Splits the curve, read as a closed loop, into the arc from first to second in the direction
     /// of increasing index and the arc from second back to first; both include both ends.
     /// @throws internal::error  (method "getCurve") for an index that is not a point's or equal
     ///     indices
-    void getCurve(std::size_t first, std::size_t second, std::vector<TripletBase<double>>& forward,
-                  std::vector<TripletBase<double>>& backward) const;
-    void getCurve(std::size_t first, std::size_t second, std::vector<TripletBase<float>>& forward,
-                  std::vector<TripletBase<float>>& backward) const;
+    void getCurve(std::size_t first, std::size_t second, Points& forward, Points& backward) const;
+    void getCurve(std::size_t first, std::size_t second, FloatPoints& forward,
+                  FloatPoints& backward) const;
 
     /// The closed loop started and ended at a point: getSize() + 1 points.
     /// @throws internal::error  (method "getCurve") for an index that is not a point's
-    void getCurve(std::size_t index, std::vector<TripletBase<double>>& points) const;
-    void getCurve(std::size_t index, std::vector<TripletBase<float>>& points) const;
+    void getCurve(std::size_t index, Points& points) const;
+    void getCurve(std::size_t index, FloatPoints& points) const;
 
     /// The points first to second, both included.
     /// @throws internal::error  (method "getCurve") for an index that is not a point's or first
     ///     greater than second
-    void getCurve(std::size_t first, std::size_t second,
-                  std::vector<TripletBase<double>>& points) const;
-    void getCurve(std::size_t first, std::size_t second,
-                  std::vector<TripletBase<float>>& points) const;
+    void getCurve(std::size_t first, std::size_t second, Points& points) const;
+    void getCurve(std::size_t first, std::size_t second, FloatPoints& points) const;
 
     /// Trims a caller's points and s-values at both ends: drops leading and trailing runs in which
     /// s does not increase, seen from the s-value nearest the middle of the range; then widens the
@@ -287,28 +282,28 @@ public:
     /// @throws internal::error  (method "Constructor") for fewer than two points, (method
     ///     "getCurveCleanEnds") for sStart not below sEnd, sizes that differ, or fewer than two
     ///     points left; the vectors are unchanged then
-    void getCurveCleanEnds(std::vector<TripletBase<double>>& points, std::vector<double>& svalues,
-                           double sStart, double sEnd) const;
-    void getCurveCleanEnds(std::vector<TripletBase<float>>& points, std::vector<double>& svalues,
-                           double sStart, double sEnd) const;
+    void getCurveCleanEnds(Points& points, std::vector<double>& svalues, double sStart,
+                           double sEnd) const;
+    void getCurveCleanEnds(FloatPoints& points, std::vector<double>& svalues, double sStart,
+                           double sEnd) const;
 
     // -- Sampling ----
 
     /// Points at count equal steps of s over 0..1; the end points are copied. O(count + n).
     /// @throws internal::error  (method "getCurveForEquidistantS") for count < 2
-    void getCurveForEquidistantS(std::vector<TripletBase<double>>& points, int count) const;
-    void getCurveForEquidistantS(std::vector<TripletBase<float>>& points, int count) const;
+    void getCurveForEquidistantS(Points& points, int count) const;
+    void getCurveForEquidistantS(FloatPoints& points, int count) const;
 
-    /// Points at the given s-values, in any order.
+    /// Points at the given s-values, in any order; outside the range, the nearer end point. For m
+    /// of them O(m log n) at most, O(m + n) in order.
     ///
     /// @param keepEnds  takes the curve's end points instead of the first and last s-value's
     /// @throws internal::error  (method "getCurveBySvalues") for fewer than two s-values
-    void getCurveBySvalues(std::vector<TripletBase<double>>& points,
-                           const std::vector<double>& svalues, bool keepEnds) const;
-    void getCurveBySvalues(std::vector<TripletBase<float>>& points,
-                           const std::vector<double>& svalues, bool keepEnds) const;
+    void getCurveBySvalues(Points& points, const std::vector<double>& svalues, bool keepEnds) const;
+    void getCurveBySvalues(FloatPoints& points, const std::vector<double>& svalues,
+                           bool keepEnds) const;
 
-    /// The x components of getCurveBySvalues.
+    /// The x components of getCurveBySvalues, at the same cost.
     /// @throws internal::error  (method "getCurveXBySvalues") for fewer than two s-values
     void getCurveXBySvalues(std::vector<double>& xs, const std::vector<double>& svalues,
                             bool keepEnds) const;
@@ -320,28 +315,30 @@ public:
                                              bool keepEnds) const;
 
     /// The curve's points, with points inserted so that no step of s is longer than
-    /// 1 / (count - 1); a copy of the curve for count < 2. The first s-value is 0, always.
-    void getCurveWithMinimumS(std::vector<TripletBase<double>>& points,
-                              std::vector<double>& svalues, int count) const;
-    void getCurveWithMinimumS(std::vector<TripletBase<float>>& points, std::vector<double>& svalues,
-                              int count) const;
-    void getCurveWithMinimumS(std::vector<TripletBase<double>>& points, int count) const;
-    void getCurveWithMinimumS(std::vector<TripletBase<float>>& points, int count) const;
+    /// 1 / (count - 1); a copy of the curve for count < 2. The first s-value is 0, always. O(n)
+    /// and the points inserted.
+    /// @throws internal::error  (method "getCurveWithMinimumS") for more points than an int counts
+    void getCurveWithMinimumS(Points& points, std::vector<double>& svalues, int count) const;
+    void getCurveWithMinimumS(FloatPoints& points, std::vector<double>& svalues, int count) const;
+    void getCurveWithMinimumS(Points& points, int count) const;
+    void getCurveWithMinimumS(FloatPoints& points, int count) const;
 
     /// At each inner point, the step of s before it (forward) or after it (backward) over the sum
-    /// of both; the end entries repeat their neighbours. Zeros for fewer than three points.
+    /// of both; the end entries repeat their neighbours. Zeros for fewer than three points. O(n).
     void getRatioForward(std::vector<double>& ratios) const;
     void getRatioBackward(std::vector<double>& ratios) const;
 
-    /// Cosines of count + 2 equally spaced angles in radians, both ends included.
+    /// Cosines of count + 2 equally spaced angles in radians, both ends included. O(count).
     /// @throws internal::error  (method "getCosineCurveSample") for a negative count
     void getCosineCurveSample(int count, double from, double to, std::vector<double>& values) const;
 
-    /// count + 2 equally spaced values, both ends included.
+    /// count + 2 equally spaced values, both ends included. O(count).
     /// @throws internal::error  (method "getLinearCurveSample") for a negative count
     void getLinearCurveSample(int count, double from, double to, std::vector<double>& values) const;
 
     // -- Inserting points ----
+    // The stored points stay. O(n) and the points inserted. All throw internal::error, under the
+    // member's name, before any change, for more points than an int counts.
 
     /// Splits every step of s longer than maxStep into equal parts no longer than it. s is
     /// interpolated and the parametrization kept.
@@ -371,7 +368,8 @@ public:
     void tesselateXCurvebyCosine(int count, const std::vector<std::pair<double, double>>& spreads);
 
     // -- Cleaning ----
-    // Each ends with s and length computed from the points that remain.
+    // Each ends with s and length computed from the points that remain. O(n), no allocation but
+    // for s-values that a curve has too few of.
 
     /// Drops inner points whose s is within 10^exponent spacings of the point kept before or the
     /// point after. The spacing is that of doubles if the curve was created from doubles.
@@ -410,7 +408,9 @@ public:
     double getMaximumNormalDistance(const std::vector<double>& svalues) const;
 
     /// The two sharpest corners between two indices: (angle between the directions to the
-    /// neighbours in radians, index), a with the larger index and b with the smaller.
+    /// neighbours in radians, index), a with the larger index and b with the smaller. The curve's
+    /// ends are no corners; where no neighbour among the next four is far enough away to measure,
+    /// the angle is 2 pi. O(second - first), no allocation.
     /// @throws internal::error  (method "findTwoPointsWithMinAngle") for an index that is not a
     ///     point's, equal indices, or fewer than two inner points in the range
     void findTwoPointsWithMinAngle(std::size_t first, std::size_t second,
@@ -419,7 +419,7 @@ public:
 
     // -- Extrapolation ----
     // Along the direction of the end segments, by a fraction of the curve's length. All throw
-    // internal::error (method "expandCurve") if the curve's length is zero.
+    // internal::error (method "expandCurve") if the curve's length is zero. O(n).
 
     /// Moves the end points outward; then computes s.
     void expandCurveBothEnds(double fraction);
@@ -431,39 +431,36 @@ public:
 
     // -- Axial, radial and angle coordinates ----
     // About the axis through a point along a direction, which is stored in the curve. All throw
-    // data::invalid (method "setAxis") for a direction of no length, before anything is stored.
+    // data::invalid (method "setAxis") for a direction of no length, before anything is stored. A
+    // point on the axis has the radial coordinate 0, and its angle is that of its neighbour. O(n).
 
     /// Every point as (axial, radial, 0).
-    void convertToART0(const TripletBase<float>& point, const TripletBase<float>& direction,
-                       std::vector<TripletBase<double>>& out) const;
-    void convertToART0(const TripletBase<float>& point, const TripletBase<float>& direction,
-                       std::vector<TripletBase<float>>& out) const;
+    void convertToART0(const FloatPoint& point, const FloatPoint& direction, Points& out) const;
+    void convertToART0(const FloatPoint& point, const FloatPoint& direction,
+                       FloatPoints& out) const;
     /// Replaces the curve's points, then computes s.
-    void convertToART0(const TripletBase<float>& point, const TripletBase<float>& direction);
+    void convertToART0(const FloatPoint& point, const FloatPoint& direction);
 
     /// Every point as (axial, radial, angle in radians); the angle is theta0 at point refId and
     /// follows the curve from there without wrapping.
     /// @throws internal::error  (method "expandCurve") for a refId that is not a point's
-    void convertToART(const TripletBase<float>& point, const TripletBase<float>& direction,
-                      std::vector<TripletBase<double>>& out, int refId, double theta0) const;
-    void convertToART(const TripletBase<float>& point, const TripletBase<float>& direction,
-                      std::vector<TripletBase<float>>& out, int refId, double theta0) const;
+    void convertToART(const FloatPoint& point, const FloatPoint& direction, Points& out, int refId,
+                      double theta0) const;
+    void convertToART(const FloatPoint& point, const FloatPoint& direction, FloatPoints& out,
+                      int refId, double theta0) const;
     /// The same with angle 0 at the first point.
-    void convertToART(const TripletBase<float>& point, const TripletBase<float>& direction,
-                      std::vector<TripletBase<double>>& out) const;
-    void convertToART(const TripletBase<float>& point, const TripletBase<float>& direction,
-                      std::vector<TripletBase<float>>& out) const;
+    void convertToART(const FloatPoint& point, const FloatPoint& direction, Points& out) const;
+    void convertToART(const FloatPoint& point, const FloatPoint& direction, FloatPoints& out) const;
     /// Replaces the curve's points; s-values, parametrization and length stay.
-    void convertToART(const TripletBase<float>& point, const TripletBase<float>& direction,
-                      int refId, double theta0);
-    void convertToART(const TripletBase<float>& point, const TripletBase<float>& direction);
+    void convertToART(const FloatPoint& point, const FloatPoint& direction, int refId,
+                      double theta0);
+    void convertToART(const FloatPoint& point, const FloatPoint& direction);
 
     /// Turns every point about the axis through centre, by an angle in radians and the right-hand
-    /// rule. A zero axis is used as it is. s-values and length stay.
-    void rotateAroundVector(const TripletBase<double>& centre, const TripletBase<double>& axis,
-                            double angle);
+    /// rule. A zero axis is used as it is. s-values and length stay. O(n), no allocation.
+    void rotateAroundVector(const Point& centre, const Point& axis, double angle);
 
-    /// Every point (x, y, z) becomes (s, x, z); s-values and length stay.
+    /// Every point (x, y, z) becomes (s, x, z); s-values and length stay. O(n), no allocation.
     void storeSvaluetoXandXToY();
 
     // -- Intersection in the plane ----
@@ -475,12 +472,12 @@ public:
     ///
     /// @param[out] point  the crossing, with z = 0; untouched if there is none
     /// @return true if they cross
-    bool intersectWithSegment(const LineSegment2D& segment, TripletBase<float>& point) const;
+    bool intersectWithSegment(const LineSegment2D& segment, FloatPoint& point) const;
 
     /// The first crossing found by walking this curve's segments and, for each, the other's. Only
     /// the other's dimension is tested, and reported once for every segment tried. Near O(n + m)
     /// where few segments of the two lie close to each other.
-    bool intersectWithCurve(const ParametricCurve& other, TripletBase<float>& point) const;
+    bool intersectWithCurve(const ParametricCurve& other, FloatPoint& point) const;
 
     // -- Text ----
 
@@ -496,40 +493,42 @@ public:
     void printCurveAndSvalues(const std::string& title) const;
 
 private:
-    using Point = TripletBase<double>;
-
     friend class ParametricCurveTestAccess; // lets tests reach the private steps
 
-    // -- Model ----
+    // -- Setters ----
+    template <typename Source>
+    void setComputed(const std::vector<Source>& points, dim dimension);
+    template <typename Source>
+    void setNormalised(const std::vector<Source>& points, normalization norm, dim dimension);
+    template <typename Source>
+    void setSupplied(const std::vector<Source>& points, const std::vector<double>& svalues,
+                     dim dimension);
     template <typename T>
     void setComponent(double Point::*component, const std::vector<T>& values);
     void setComponent(double Point::*component, const std::vector<double>& values,
                       const std::vector<double>& svalues);
-    void setParametrization(parametrization value);
-    void exchange(std::vector<Point>& points, std::vector<double>& svalues) noexcept;
-    void exchangeAndCalculateArcValue(std::vector<Point>& points);
 
-    // -- Evaluation and projection ----
-    Point interpolateOnS(double s, std::size_t& lo, std::size_t& hi) const;
+    // -- Their steps ----
+    void makeRoom(std::size_t pointCount, std::size_t svalueCount);
+    void setFields(dim dimension, parametrization origin, bool createdAsDouble);
+    void copyFields(const ParametricCurve& other) noexcept;
+    void computeSvalues();
+    void exchange(Points& points, std::vector<double>& svalues) noexcept;
+    void exchangeAndCalculateArcValue(Points& points);
+
+    // -- Extrapolation and axis ----
+    void expandCurve(bool atBegin, double fractionBegin, bool atEnd, double fractionEnd);
+    void expandCurveExtraPoints(bool atBegin, double fractionBegin, bool atEnd, double fractionEnd);
+    void setAxis(const FloatPoint& point, const FloatPoint& direction) const;
+    template <typename Target>
+    void prepareConversion(FloatPoint point, FloatPoint direction, std::vector<Target>& out) const;
+
+    // -- Projection and simplification ----
     Point projectBesideVertex(std::size_t nearest, const Point& q, double& s) const;
     Point projectToEdge(int i, int j, double d2i, double d2j, double& s) const;
     void calculateDistanceFromTwoPoints(int i, int j, double& distance, int& index,
                                         bool& done) const;
     void measureChord(tEdge& edge, const RunSegments* runs) const;
-
-    // -- Cleaning and extrapolation ----
-    void eliminateDoublePoints(int exponent, const std::vector<Point>& points,
-                               std::vector<Point>& kept, PrecisionUtils precision) const;
-    void eliminateDoublePoints(int exponent, const std::vector<Point>& points,
-                               std::vector<Point>& kept) const;
-    void expandCurve(bool atBegin, double fractionBegin, bool atEnd, double fractionEnd);
-    void expandCurveExtraPoints(bool atBegin, double fractionBegin, bool atEnd, double fractionEnd);
-
-    // -- Axis ----
-    void setAxis(const TripletBase<float>& point, const TripletBase<float>& direction) const;
-    Point convertPointToART0(const Point& p, Point& radial) const;
-    Point convertPointToART0(const Point& p) const;
-    double calculateDeltaTheta(const Point& from, const Point& to) const;
 
     dim dimension_ = dim3D;
     parametrization parametrization_ = parametrizationComputed;

@@ -12,6 +12,7 @@
 #include <qel/LineSegment2D.h>
 #include <qel/NumericalUtils.h>
 #include <qel/ParametricCurve.h>
+#include <qel/Point.h>
 #include <qel/QELMatrix3base.h>
 #include <qel/QELMatrix4.h>
 #include <qel/QELVector.h>

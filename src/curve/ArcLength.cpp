@@ -2,32 +2,96 @@
 
 #include <algorithm>
 
-#include <qel/NumericalUtils.h>
-
-#include "curve/ArcLengthSteps.h"
+#include "curve/Tolerance.h"
+#include "curve/VectorLength.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
-constexpr double kSignificantLength = 100.0; // spacings of the length
+constexpr std::size_t kBlock = 32; // steps computed before they are added
 
-// A NaN length, or the NaN spacing of an infinite one, is insignificant.
-bool isSignificant(double length) {
-    return length >= kSignificantLength * NumericalUtils::spacing(length);
+// The length of the step from point i to the next.
+struct StepsInSpace {
+    const Point* points;
+
+    QEL_KERNEL double operator[](std::size_t i) const {
+        const Point& from = points[i];
+        const Point& to = points[i + 1];
+        return vectorLength(to.x - from.x, to.y - from.y, to.z - from.z);
+    }
+};
+
+struct StepsOfComponent {
+    static constexpr std::size_t kStride = sizeof(Point) / sizeof(double);
+    const double* first;
+
+    QEL_KERNEL double operator[](std::size_t i) const {
+        return vectorLength(first[(i + 1) * kStride] - first[i * kStride], 0.0, 0.0);
+    }
+};
+
+// distances[i] = distances[i - 1] + steps[i - 1], from 0 on.
+template <typename Steps>
+struct CumulateKernel {
+    QEL_KERNEL static void run(Steps steps, std::size_t count, double* distances) {
+        double lengths[kBlock];
+        double sum = 0.0;
+        distances[0] = sum;
+        std::size_t i = 1;
+        for (; i + kBlock <= count; i += kBlock) {
+            compute(steps, i - 1, kBlock, lengths);
+            for (std::size_t j = 0; j < kBlock; ++j) {
+                distances[i + j] = sum += lengths[j];
+            }
+        }
+        compute(steps, i - 1, count - i, lengths);
+        for (std::size_t j = 0; i + j < count; ++j) {
+            distances[i + j] = sum += lengths[j];
+        }
+    }
+
+private:
+    QEL_KERNEL static void compute(Steps steps, std::size_t first, std::size_t count,
+                                   double* lengths) {
+        for (std::size_t j = 0; j < count; ++j) {
+            lengths[j] = steps[first + j];
+        }
+    }
+};
+
+struct DivideKernel {
+    QEL_KERNEL static void run(double* values, std::size_t count, double divisor) {
+        for (std::size_t i = 0; i < count; ++i) {
+            values[i] /= divisor;
+        }
+    }
+};
+
+template <typename Steps>
+void calculate(Steps steps, std::size_t count, std::vector<double>& svalues, double& length) {
+    svalues.resize(count);
+    onVectorUnitFrom<CumulateKernel<Steps>>(count, steps, count, svalues.data());
+    length = svalues.back();
+    // A NaN length, or the NaN spacing of an infinite one, is insignificant.
+    if (length >= insignificantAt(length)) {
+        onVectorUnitFrom<DivideKernel>(count, svalues.data(), count, length);
+    } else {
+        std::fill(svalues.begin(), svalues.end(), 0.0);
+    }
+    svalues.back() = 1.0;
 }
 
 } // namespace
 
 void calculateArcValue(const Points& points, std::vector<double>& svalues, double& length) {
-    svalues.resize(points.size());
-    cumulateSteps(points, svalues.data());
-    length = svalues.back();
-    if (isSignificant(length)) {
-        divideAll(svalues.data(), svalues.size(), length);
-    } else {
-        std::fill(svalues.begin(), svalues.end(), 0.0);
-    }
-    svalues.back() = 1.0;
+    calculate(StepsInSpace{points.data()}, points.size(), svalues, length);
+}
+
+void calculateArcValue(const Points& points, double Point::*component, std::vector<double>& svalues,
+                       double& length) {
+    const Point& first = points[0];
+    calculate(StepsOfComponent{&(first.*component)}, points.size(), svalues, length);
 }
 
 } // namespace qel

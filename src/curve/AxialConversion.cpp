@@ -1,38 +1,39 @@
 // Axial, radial and angle coordinates about an axis, rotation about an axis, and s as a coordinate.
 //
-// The axis is stored in the curve by every conversion, also by the const ones. It is stored after
-// all memory was got, so that a conversion that fails leaves also the axis as it was.
+// The axis is stored in the curve by every conversion, also by the const ones; after memory was
+// got, so that a conversion that fails leaves also the axis as it was.
 
 #include <qel/ParametricCurve.h>
 
-#include <algorithm>
 #include <cmath>
-#include <iterator>
 
-#include <qel/NumericalUtils.h>
-
-#include "curve/ArcLength.h"
-#include "curve/Conversions.h"
-#include "curve/Rotation.h"
+#include "curve/AxisCoordinates.h"
+#include "curve/Tolerance.h"
 #include "foundation/MessageTokens.h"
+#include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
-constexpr float kSignificantAxis = 100.0F; // spacings of the direction's length
+bool isSignificant(const FloatPoint& direction) {
+    const float length = direction.length();
+    return !(insignificantAt(length) > length);
+}
 
-void checkReferent(int refId, std::size_t size) {
+std::size_t checkedReferent(int refId, std::size_t size) {
     if (refId < 0 || static_cast<std::size_t>(refId) >= size) {
         // Under the name of the extrapolation, on purpose.
         SystemMsg message("Referent id out of bounds. PointId=%1");
         throw internal::error("ParametricCurve", "expandCurve", message % refId, argumentError);
     }
+    return static_cast<std::size_t>(refId);
 }
 
-void narrowInto(const Points& points, FloatPoints& out) {
-    std::transform(points.begin(), points.end(), std::back_inserter(out),
-                   [](const Point& p) { return FloatPoint(p); });
-}
+// A matrix, row by row, and the point that it leaves in place.
+struct Rotation {
+    Point centre;
+    Point rows[3];
+};
 
 // Rotation by an angle about a unit vector u (Rodrigues' formula).
 Rotation rotationAbout(const Point& centre, const Point& u, double angle) {
@@ -45,13 +46,22 @@ Rotation rotationAbout(const Point& centre, const Point& u, double angle) {
              {u.z * u.x * C - u.y * s, u.z * u.y * C + u.x * s, u.z * u.z * C + c}}};
 }
 
+struct RotateKernel {
+    QEL_KERNEL static void run(Point* points, std::size_t count, const Rotation* rotation) {
+        const auto [centre, rows] = *rotation;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Point d = points[i] - centre;
+            points[i] = centre + Point(rows[0].dot(d), rows[1].dot(d), rows[2].dot(d));
+        }
+    }
+};
+
 } // namespace
 
 // -- The axis ----
 
 void ParametricCurve::setAxis(const FloatPoint& point, const FloatPoint& direction) const {
-    const float length = direction.length();
-    if (kSignificantAxis * NumericalUtils::spacing(length) > length) {
+    if (!isSignificant(direction)) {
         UserMsg message("Axis vector definition insignificant. Axis vector= %1,%2,%3", nullptr);
         throw data::invalid("ParametricCurve", "setAxis",
                             message % direction.x % direction.y % direction.z, argumentError);
@@ -61,101 +71,53 @@ void ParametricCurve::setAxis(const FloatPoint& point, const FloatPoint& directi
     axisDirection_.normalize();
 }
 
-// -- One point ----
-
-Point ParametricCurve::convertPointToART0(const Point& p, Point& radial) const {
-    const Point v = p - axisPoint_;
-    Point around = axisDirection_.cross(v);
-    const double length = around.length();
-    if (length != 0.0) {
-        around /= length;
+// A copy of the axis is given, as it may stand in out.
+template <typename Target>
+void ParametricCurve::prepareConversion(FloatPoint point, FloatPoint direction,
+                                        std::vector<Target>& out) const {
+    if (!isSignificant(direction)) {
+        out.clear(); // emptied also when refused
+    } else {
+        out.resize(points_.size());
     }
-    radial = around.cross(axisDirection_);
-    radial.normalize(); // stays zero on the axis
-    return {v.dot(axisDirection_), v.dot(radial), 0.0};
-}
-
-Point ParametricCurve::convertPointToART0(const Point& p) const {
-    Point radial;
-    return convertPointToART0(p, radial);
-}
-
-double ParametricCurve::calculateDeltaTheta(const Point& from, const Point& to) const {
-    const double y = to.dot(axisDirection_.cross(from));
-    const double x = to.dot(from);
-    return x == 0.0 && y == 0.0 ? 0.0 : std::atan2(y, x);
+    setAxis(point, direction);
 }
 
 // -- Without the angle ----
 
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction,
                                     Points& out) const {
-    out.clear();
-    out.reserve(points_.size());
-    setAxis(point, direction);
-    for (const Point& p : points_) {
-        out.push_back(convertPointToART0(p));
-    }
+    prepareConversion(point, direction, out);
+    qel::convertToART0({axisPoint_, axisDirection_}, points_, out.data());
 }
 
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction,
                                     FloatPoints& out) const {
-    const FloatPoint axis[] = {point, direction}; // which may stand in out
-    out.clear();
-    out.reserve(points_.size());
-    Points converted;
-    convertToART0(axis[0], axis[1], converted);
-    narrowInto(converted, out);
+    prepareConversion(point, direction, out);
+    qel::convertToART0({axisPoint_, axisDirection_}, points_, out.data());
 }
 
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction) {
-    Points converted;
-    std::vector<double> svalues(points_.size());
-    convertToART0(point, direction, converted);
-    qel::calculateArcValue(converted, svalues, length_);
-    exchange(converted, svalues);
-    setParametrization(parametrizationComputed);
+    svalues_.reserve(points_.size());
+    setAxis(point, direction);
+    qel::convertToART0({axisPoint_, axisDirection_}, points_, points_.data());
+    computeSvalues();
 }
 
 // -- With the angle ----
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction,
                                    Points& out, int refId, double theta0) const {
-    checkReferent(refId, points_.size());
-    const auto reference = static_cast<std::size_t>(refId);
-    out.clear();
-    out.reserve(points_.size());
-    setAxis(point, direction);
-    out.resize(points_.size());
-
-    Point referenceRadial;
-    out[reference] = convertPointToART0(points_[reference], referenceRadial);
-    out[reference].z = theta0;
-    // The angle of point i follows from its neighbour's on the side of the reference.
-    Point radial = referenceRadial;
-    const auto follow = [&](std::size_t i, std::size_t neighbour) {
-        const Point before = radial;
-        out[i] = convertPointToART0(points_[i], radial);
-        out[i].z = out[neighbour].z + calculateDeltaTheta(before, radial);
-    };
-    for (std::size_t i = reference + 1; i < points_.size(); ++i) {
-        follow(i, i - 1);
-    }
-    radial = referenceRadial;
-    for (std::size_t i = reference; i-- > 0;) {
-        follow(i, i + 1);
-    }
+    const std::size_t reference = checkedReferent(refId, points_.size());
+    prepareConversion(point, direction, out);
+    qel::convertToART({axisPoint_, axisDirection_}, points_, reference, theta0, out.data());
 }
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction,
                                    FloatPoints& out, int refId, double theta0) const {
-    checkReferent(refId, points_.size());
-    const FloatPoint axis[] = {point, direction}; // which may stand in out
-    out.clear();
-    out.reserve(points_.size());
-    Points converted;
-    convertToART(axis[0], axis[1], converted, refId, theta0);
-    narrowInto(converted, out);
+    const std::size_t reference = checkedReferent(refId, points_.size());
+    prepareConversion(point, direction, out);
+    qel::convertToART({axisPoint_, axisDirection_}, points_, reference, theta0, out.data());
 }
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction,
@@ -171,9 +133,9 @@ void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& di
 // s, length and parametrization stay, unlike after convertToART0; on purpose.
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction, int refId,
                                    double theta0) {
-    Points converted;
-    convertToART(point, direction, converted, refId, theta0);
-    points_.swap(converted);
+    const std::size_t reference = checkedReferent(refId, points_.size());
+    setAxis(point, direction);
+    qel::convertToART({axisPoint_, axisDirection_}, points_, reference, theta0, points_.data());
 }
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction) {
@@ -185,7 +147,8 @@ void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& di
 void ParametricCurve::rotateAroundVector(const Point& centre, const Point& axis, double angle) {
     Point unit = axis;
     unit.normalize();
-    rotatePoints(points_.data(), points_.size(), rotationAbout(centre, unit, angle));
+    const Rotation rotation = rotationAbout(centre, unit, angle);
+    onVectorUnitFrom<RotateKernel>(points_.size(), points_.data(), points_.size(), &rotation);
 }
 
 void ParametricCurve::storeSvaluetoXandXToY() {

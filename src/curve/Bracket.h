@@ -2,28 +2,14 @@
 #define QEL_CURVE_BRACKET_H
 
 /// @file
-/// The stored points around an s, and the point between them.
+/// The stored points around an s.
 
-#include <cmath>
 #include <cstddef>
 #include <vector>
 
-#include "curve/Conversions.h"
 #include "curve/PartitionPoint.h"
-#include "foundation/MachineSpacing.h"
 
 namespace qel {
-
-constexpr double kEqualSvalues = 100.0; // spacings of the greater one
-
-inline bool countAsEqual(double sLo, double sHi) {
-    const double step = sHi - sLo;
-    const double magnitude = std::abs(sHi);
-    if (magnitude > kLeastOfSpacings && step > kHundredSpacings * magnitude) {
-        return false; // without the search for the decade
-    }
-    return kEqualSvalues * spacingAt(sHi) > step;
-}
 
 /// hi is the first index whose s-value is greater than s; lo is the first index whose s-value
 /// equals s if there is one, else the last whose s-value is less.
@@ -50,34 +36,6 @@ inline Bracket bracketOf(const std::vector<double>& svalues, double s) {
     const std::size_t upper =
         partitionPoint(svalues.data(), svalues.size(), [s](double value) { return !(s < value); });
     return {lower == upper ? lower - 1 : lower, upper};
-}
-
-/// Point at s between two points with their s-values: weighted by where s lies, or the middle
-/// where the s-values count as equal.
-inline Point pointBetween(const Point& pLo, const Point& pHi, double sLo, double sHi, double s) {
-    if (countAsEqual(sLo, sHi)) {
-        return (pLo + pHi) * 0.5;
-    }
-    const double t = (s - sLo) / (sHi - sLo);
-    return pLo + (pHi - pLo) * t;
-}
-
-/// Point at s; outside the range, the nearer end point. Also tells the hi of its bracket, unless
-/// the answer is an end point. O(log n).
-inline Point pointAtParameter(const Points& points, const std::vector<double>& svalues, double s,
-                              std::size_t& hi) {
-    if (s > svalues.back()) {
-        s = svalues.back(); // where all s-values are equal, the first point answers
-    }
-    if (!(s > svalues.front())) {
-        return points.front();
-    }
-    if (!(s < svalues.back())) {
-        return points.back();
-    }
-    const Bracket bracket = bracketOf(svalues, s);
-    hi = bracket.hi;
-    return pointBetween(points[bracket.lo], points[hi], svalues[bracket.lo], svalues[hi], s);
 }
 
 } // namespace qel

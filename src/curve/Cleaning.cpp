@@ -1,10 +1,9 @@
 // Cleaning: drops points that repeat or turn back, or reverses the order.
 //
 // Each member ends with s and length computed from the points that remain, also where s had been
-// supplied. Those that only move points work in place: after the one reservation at their start
-// nothing can fail.
+// supplied. All work in place: after the one reservation at their start nothing can fail.
 
-#include <qel/ParametricCurve.h>
+#include "curve/Cleaning.h"
 
 #include <algorithm>
 
@@ -34,49 +33,31 @@ double powerOfTen(int exponent) {
 
 // -- Points close in s ----
 
-void ParametricCurve::eliminateDoublePoints(int exponent, const Points& points, Points& kept,
-                                            PrecisionUtils precision) const {
-    kept.clear();
-    if (points.empty()) {
-        return;
-    }
-    std::vector<double> svalues;
-    double length = 0.0;
-    qel::calculateArcValue(points, svalues, length);
-    const double spacing = precision == doublePrecision
+double coincidenceTolerance(int exponent, ParametricCurve::PrecisionUtils precision) {
+    const double spacing = precision == ParametricCurve::doublePrecision
                                ? NumericalUtils::spacing(0.5)
                                : static_cast<double>(NumericalUtils::spacing(0.5F));
-    const double tolerance = spacing * powerOfTen(exponent);
-    kept.reserve(points.size());
-    kept.push_back(points.front());
-    std::size_t last = 0;
-    for (std::size_t i = 1; i + 1 < points.size(); ++i) {
-        if (svalues[i] - svalues[last] > tolerance && svalues[i + 1] - svalues[i] > tolerance) {
-            kept.push_back(points[i]);
-            last = i;
-        }
-    }
-    kept.push_back(points.back()); // in every case
-}
-
-void ParametricCurve::eliminateDoublePoints(int exponent, const Points& points,
-                                            Points& kept) const {
-    eliminateDoublePoints(exponent, points, kept,
-                          createdAsDouble_ ? doublePrecision : singlePrecision);
+    return spacing * powerOfTen(exponent);
 }
 
 void ParametricCurve::eliminateDoublePoints(int exponent, PrecisionUtils precision) {
-    Points kept;
-    eliminateDoublePoints(exponent, points_, kept, precision);
-    exchangeAndCalculateArcValue(kept);
-    setParametrization(parametrizationComputed);
+    svalues_.reserve(points_.size());
+    calculateArcValue(points_, svalues_, length_);
+    std::size_t kept = 0;
+    forEachDistinct(svalues_, coincidenceTolerance(exponent, precision),
+                    [&](std::size_t i) { points_[kept++] = points_[i]; });
+    if (kept < points_.size()) {
+        points_.resize(kept);
+        calculateArcValue(points_, svalues_, length_);
+    }
+    parametrization_ = parametrizationComputed;
 }
 
 void ParametricCurve::eliminateDoublePoints(int exponent) {
     eliminateDoublePoints(exponent, createdAsDouble_ ? doublePrecision : singlePrecision);
 }
 
-// -- In place ----
+// -- Repeats and turns ----
 
 void ParametricCurve::makeUnique() {
     svalues_.reserve(points_.size());
@@ -84,8 +65,7 @@ void ParametricCurve::makeUnique() {
     if (points_.size() == 1) {
         points_.push_back(points_.front()); // in the place of one dropped
     }
-    qel::calculateArcValue(points_, svalues_, length_);
-    setParametrization(parametrizationComputed);
+    computeSvalues();
 }
 
 void ParametricCurve::makeContinuous() {
@@ -101,15 +81,13 @@ void ParametricCurve::makeContinuous() {
     }
     points_[++last] = points_.back();
     points_.resize(last + 1);
-    qel::calculateArcValue(points_, svalues_, length_);
-    setParametrization(parametrizationComputed);
+    computeSvalues();
 }
 
 void ParametricCurve::reverseCurve() {
     svalues_.reserve(points_.size());
     std::reverse(points_.begin(), points_.end());
-    qel::calculateArcValue(points_, svalues_, length_);
-    setParametrization(parametrizationComputed);
+    computeSvalues();
 }
 
 } // namespace qel

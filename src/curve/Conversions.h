@@ -2,18 +2,11 @@
 #define QEL_CURVE_CONVERSIONS_H
 
 /// @file
-/// Names for the curve's points, and their conversion between float and double.
+/// Lists of points between float and double.
 
-#include <vector>
-
-#include <qel/TripletBase.h>
+#include <qel/Point.h>
 
 namespace qel {
-
-using Point = TripletBase<double>;
-using FloatPoint = TripletBase<float>;
-using Points = std::vector<Point>;
-using FloatPoints = std::vector<FloatPoint>;
 
 inline Points widened(const FloatPoints& points) {
     return Points(points.begin(), points.end());
@@ -21,6 +14,14 @@ inline Points widened(const FloatPoints& points) {
 
 inline FloatPoints narrowed(const Points& points) {
     return FloatPoints(points.begin(), points.end());
+}
+
+/// Sets points to what make(Points&) makes, narrowed.
+template <typename Make>
+void makeNarrowed(FloatPoints& points, Make make) {
+    Points wide;
+    make(wide);
+    points = narrowed(wide);
 }
 
 } // namespace qel

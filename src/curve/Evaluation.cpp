@@ -1,14 +1,11 @@
-// Evaluation: the point at an s, the point nearest in s, components and bounds.
-//
-// The two evaluators find the same bracket but combine it in different orders of operations, and
-// only interpolateOnS rounds s to float first. Both differences are deliberate.
+#include "curve/Evaluation.h"
 
 #include <qel/ParametricCurve.h>
 
 #include <cmath>
 
-#include "curve/Bracket.h"
-#include "curve/Conversions.h"
+#include "curve/Bounds.h"
+#include "curve/FillVector.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -25,71 +22,39 @@ void copyComponent(const Points& points, double Point::*component, std::vector<T
 template <typename T>
 void copyComponent(const Points& points, double Point::*component, T TripletBase<T>::*target,
                    std::vector<TripletBase<T>>& values) {
-    values.assign(points.size(), TripletBase<T>());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        values[i].*target = static_cast<T>(points[i].*component);
-    }
-}
-
-// Strict comparisons: a NaN never enters after the first point.
-void minMax(const Points& points, double Point::*component, double& min, double& max) {
-    min = max = points[0].*component;
-    for (const Point& point : points) {
-        const double value = point.*component;
-        min = min > value ? value : min;
-        max = value > max ? value : max;
-    }
-}
-
-// Index of the first point whose component no other precedes.
-template <typename Precedes>
-std::size_t extremeId(const Points& points, double Point::*component, Precedes precedes) {
-    std::size_t id = 0;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        if (precedes(points[i].*component, points[id].*component)) {
-            id = i;
-        }
-    }
-    return id;
-}
-
-std::size_t minId(const Points& points, double Point::*component) {
-    return extremeId(points, component, [](double a, double b) { return a < b; });
-}
-
-std::size_t maxId(const Points& points, double Point::*component) {
-    return extremeId(points, component, [](double a, double b) { return a > b; });
+    const Point* const point = points.data();
+    fillAlong(
+        target, points.size(), [=](std::size_t i) { return static_cast<T>(point[i].*component); },
+        values);
 }
 
 } // namespace
 
 // -- At s ----
 
-Point ParametricCurve::interpolateOnS(double s, std::size_t& lo, std::size_t& hi) const {
-    // Rounded to float on purpose; getPointAtParameter is not, so the two may bracket differently
+BracketedPoint interpolateOnS(const Points& points, const std::vector<double>& svalues, double s) {
+    // Rounded to float on purpose; pointAtParameter does not, so the two may bracket differently
     // beside an s-value (EvaluationTest, InterpolateOnSRoundsSToFloatFirst).
     s = static_cast<float>(s);
-    if (!(s > svalues_.front())) {
-        lo = hi = 0;
-        return points_.front();
+    if (!(s > svalues.front())) {
+        return {points.front(), {0, 0}};
     }
-    if (!(s < svalues_.back())) {
-        lo = hi = points_.size() - 1;
-        return points_.back();
+    if (!(s < svalues.back())) {
+        return {points.back(), {points.size() - 1, points.size() - 1}};
     }
-    const Bracket bracket = bracketOf(svalues_, s);
-    lo = bracket.lo;
-    hi = bracket.hi;
-    if (countAsEqual(svalues_[lo], svalues_[hi])) {
-        return (points_[lo] + points_[hi]) * 0.5;
+    const Bracket bracket = bracketOf(svalues, s);
+    const Point& pLo = points[bracket.lo];
+    const Point& pHi = points[bracket.hi];
+    const double sLo = svalues[bracket.lo];
+    const double sHi = svalues[bracket.hi];
+    if (countAsEqual(sLo, sHi)) {
+        return {(pLo + pHi) * 0.5, bracket};
     }
-    return points_[lo] +
-           (points_[hi] - points_[lo]) * (s - svalues_[lo]) / (svalues_[hi] - svalues_[lo]);
+    return {pLo + (pHi - pLo) * (s - sLo) / (sHi - sLo), bracket};
 }
 
 Point ParametricCurve::getPointAtParameter(double s) const {
-    std::size_t hi = 0;
-    return pointAtParameter(points_, svalues_, s, hi);
+    return pointAtParameter(points_, svalues_, s);
 }
 
 int ParametricCurve::getClosestToSvaluePoint(double s) const {
@@ -183,37 +148,47 @@ void ParametricCurve::getZ(FloatPoints& values) const {
 
 void ParametricCurve::getMinMax(double& xmin, double& xmax, double& ymin, double& ymax,
                                 double& zmin, double& zmax) const {
-    getMinMaxX(xmin, xmax);
-    getMinMaxY(ymin, ymax);
-    getMinMaxZ(zmin, zmax);
+    const auto bounds = boundsOf(points_);
+    xmin = bounds[leastX];
+    xmax = bounds[greatestX];
+    ymin = bounds[leastY];
+    ymax = bounds[greatestY];
+    zmin = bounds[leastZ];
+    zmax = bounds[greatestZ];
 }
 void ParametricCurve::getMinMaxX(double& min, double& max) const {
-    minMax(points_, &Point::x, min, max);
+    const auto bounds = boundsOf(points_);
+    min = bounds[leastX];
+    max = bounds[greatestX];
 }
 void ParametricCurve::getMinMaxY(double& min, double& max) const {
-    minMax(points_, &Point::y, min, max);
+    const auto bounds = boundsOf(points_);
+    min = bounds[leastY];
+    max = bounds[greatestY];
 }
 void ParametricCurve::getMinMaxZ(double& min, double& max) const {
-    minMax(points_, &Point::z, min, max);
+    const auto bounds = boundsOf(points_);
+    min = bounds[leastZ];
+    max = bounds[greatestZ];
 }
 
 std::size_t ParametricCurve::getMinXid() const {
-    return minId(points_, &Point::x);
+    return indexOfExtreme(points_, leastX);
 }
 std::size_t ParametricCurve::getMaxXid() const {
-    return maxId(points_, &Point::x);
+    return indexOfExtreme(points_, greatestX);
 }
 std::size_t ParametricCurve::getMinYid() const {
-    return minId(points_, &Point::y);
+    return indexOfExtreme(points_, leastY);
 }
 std::size_t ParametricCurve::getMaxYid() const {
-    return maxId(points_, &Point::y);
+    return indexOfExtreme(points_, greatestY);
 }
 std::size_t ParametricCurve::getMinZid() const {
-    return minId(points_, &Point::z);
+    return indexOfExtreme(points_, leastZ);
 }
 std::size_t ParametricCurve::getMaxZid() const {
-    return maxId(points_, &Point::z);
+    return indexOfExtreme(points_, greatestZ);
 }
 
 } // namespace qel

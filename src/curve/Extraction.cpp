@@ -8,18 +8,17 @@
 #include <algorithm>
 
 #include "curve/Conversions.h"
+#include "curve/Evaluation.h"
 #include "curve/Validation.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
 namespace {
 
-// A place at which a piece starts or ends: its point and s, and the stored points around it.
+// A place at which a piece starts or ends.
 struct Cut {
-    Point point;
     double s;
-    std::size_t lo;
-    std::size_t hi;
+    BracketedPoint at;
 };
 
 // A NaN falls on the start: the comparisons leave it until the last one drops it.
@@ -63,49 +62,42 @@ void dropTrailingDuplicate(Points& points, std::vector<double>& svalues) {
     }
 }
 
-// The start, the stored points from start.hi to end.lo (none if they are not in this order), and
+Cut cutAt(const Points& points, const std::vector<double>& svalues, double s) {
+    return {s, interpolateOnS(points, svalues, s)};
+}
+
+// The start, the stored points behind it and before the end (none if these are not in order), and
 // the end.
 void assemble(const Points& storedPoints, const std::vector<double>& storedSvalues,
               const Cut& start, bool withStart, const Cut& end, Points& points,
               std::vector<double>& svalues) {
-    const std::size_t inner = start.hi > end.lo ? 0 : end.lo - start.hi + 1;
+    const std::size_t first = start.at.bracket.hi;
+    const std::size_t last = end.at.bracket.lo;
+    const std::size_t inner = first > last ? 0 : last - first + 1;
     points.resize(inner + (withStart ? 2 : 1));
     svalues.resize(points.size());
     Point* point = points.data();
     double* s = svalues.data();
     if (withStart) {
-        *point++ = start.point;
+        *point++ = start.at.point;
         *s++ = start.s;
     }
     if (inner > 0) {
-        point = copyRange(storedPoints, start.hi, end.lo, point);
-        s = copyRange(storedSvalues, start.hi, end.lo, s);
+        point = copyRange(storedPoints, first, last, point);
+        s = copyRange(storedSvalues, first, last, s);
     }
-    *point = end.point;
+    *point = end.at.point;
     *s = end.s;
     dropTrailingDuplicate(points, svalues);
 }
 
-// Index of the last s-value reached from the middle by a rise, and of the first from which s rises
-// to it. Neither walk stops at a step without a rise.
-std::size_t lastRise(const std::vector<double>& svalues, std::size_t middle) {
-    std::size_t last = middle;
-    for (std::size_t j = middle + 1; j < svalues.size(); ++j) {
-        if (svalues[j] > svalues[j - 1]) {
-            last = j;
-        }
-    }
-    return last;
-}
-
-std::size_t firstRise(const std::vector<double>& svalues, std::size_t middle) {
-    std::size_t first = middle;
-    for (std::size_t j = middle; j-- > 0;) {
-        if (svalues[j + 1] > svalues[j]) {
-            first = j;
-        }
-    }
-    return first;
+// Index of the first of the s-values nearest to one. A NaN is nearest only as the first.
+std::size_t nearestTo(double middle, const std::vector<double>& svalues) {
+    const auto isNearer = [=](double a, double b) {
+        return (a - middle) * (a - middle) < (b - middle) * (b - middle);
+    };
+    const auto nearest = std::min_element(svalues.begin(), svalues.end(), isNearer);
+    return static_cast<std::size_t>(nearest - svalues.begin());
 }
 
 template <typename T>
@@ -139,45 +131,40 @@ void checkCleanEnds(const Points& points, const std::vector<double>& svalues, do
 
 void ParametricCurve::getCurve(double sStart, double sEnd, Points& points,
                                std::vector<double>& svalues) const {
-    Cut start{};
-    Cut end{};
-    start.s = clampedTo(svalues_, sStart);
-    end.s = clampedTo(svalues_, sEnd);
-    checkRange(start.s, end.s);
-    start.point = interpolateOnS(start.s, start.lo, start.hi);
-    end.point = interpolateOnS(end.s, end.lo, end.hi);
+    const double from = clampedTo(svalues_, sStart);
+    const double to = clampedTo(svalues_, sEnd);
+    checkRange(from, to);
+    const Cut start = cutAt(points_, svalues_, from);
+    const Cut end = cutAt(points_, svalues_, to);
     // A cut exactly on a stored point that follows does not repeat it.
-    const bool withStart = start.hi > end.lo || start.point != points_[start.hi];
+    const std::size_t next = start.at.bracket.hi;
+    const bool withStart = next > end.at.bracket.lo || start.at.point != points_[next];
     assemble(points_, svalues_, start, withStart, end, points, svalues);
 }
 
 void ParametricCurve::getCurveBegin(double s, Points& points, std::vector<double>& svalues) const {
-    const Cut start{points_.front(), svalues_.front(), 0, 0};
-    Cut end{};
-    end.s = clampedTo(svalues_, s);
-    checkRange(start.s, end.s);
-    end.point = interpolateOnS(end.s, end.lo, end.hi);
+    const double to = clampedTo(svalues_, s);
+    const Cut start{svalues_.front(), {points_.front(), {0, 0}}};
+    checkRange(start.s, to);
     // The first point is the first of the stored ones, once.
-    assemble(points_, svalues_, start, false, end, points, svalues);
+    assemble(points_, svalues_, start, false, cutAt(points_, svalues_, to), points, svalues);
 }
 
 void ParametricCurve::getCurveEnd(double s, Points& points, std::vector<double>& svalues) const {
     const std::size_t last = points_.size() - 1;
-    Cut start{};
-    start.s = clampedTo(svalues_, s);
+    const double from = clampedTo(svalues_, s);
     // The last point stands once as a stored one and once more as the end; the rule for trailing
     // duplicates takes it back where the piece has three points.
-    const Cut end{points_.back(), svalues_.back(), last, last};
-    checkRange(start.s, end.s);
-    start.point = interpolateOnS(start.s, start.lo, start.hi);
-    assemble(points_, svalues_, start, start.point != points_[start.hi], end, points, svalues);
+    const Cut end{svalues_.back(), {points_.back(), {last, last}}};
+    checkRange(from, end.s);
+    const Cut start = cutAt(points_, svalues_, from);
+    const bool withStart = start.at.point != points_[start.at.bracket.hi];
+    assemble(points_, svalues_, start, withStart, end, points, svalues);
 }
 
 void ParametricCurve::getCurve(double sStart, double sEnd, FloatPoints& points,
                                std::vector<double>& svalues) const {
-    Points piece;
-    getCurve(sStart, sEnd, piece, svalues);
-    points = narrowed(piece);
+    makeNarrowed(points, [&](Points& piece) { getCurve(sStart, sEnd, piece, svalues); });
 }
 
 void ParametricCurve::getCurve(double sStart, double sEnd, Points& points) const {
@@ -196,9 +183,7 @@ void ParametricCurve::getCurveBegin(double s, Points& points) const {
 }
 
 void ParametricCurve::getCurveBegin(double s, FloatPoints& points) const {
-    Points piece;
-    getCurveBegin(s, piece);
-    points = narrowed(piece);
+    makeNarrowed(points, [&](Points& piece) { getCurveBegin(s, piece); });
 }
 
 void ParametricCurve::getCurveEnd(double s, Points& points) const {
@@ -207,9 +192,7 @@ void ParametricCurve::getCurveEnd(double s, Points& points) const {
 }
 
 void ParametricCurve::getCurveEnd(double s, FloatPoints& points) const {
-    Points piece;
-    getCurveEnd(s, piece);
-    points = narrowed(piece);
+    makeNarrowed(points, [&](Points& piece) { getCurveEnd(s, piece); });
 }
 
 // -- Between indices ----
@@ -274,15 +257,11 @@ void ParametricCurve::getCurve(std::size_t first, std::size_t second, FloatPoint
 }
 
 void ParametricCurve::getCurve(std::size_t index, FloatPoints& points) const {
-    Points loop;
-    getCurve(index, loop);
-    points = narrowed(loop);
+    makeNarrowed(points, [&](Points& loop) { getCurve(index, loop); });
 }
 
 void ParametricCurve::getCurve(std::size_t first, std::size_t second, FloatPoints& points) const {
-    Points piece;
-    getCurve(first, second, piece);
-    points = narrowed(piece);
+    makeNarrowed(points, [&](Points& piece) { getCurve(first, second, piece); });
 }
 
 // -- A caller's points ----
@@ -290,12 +269,16 @@ void ParametricCurve::getCurve(std::size_t first, std::size_t second, FloatPoint
 void ParametricCurve::getCurveCleanEnds(Points& points, std::vector<double>& svalues, double sStart,
                                         double sEnd) const {
     checkCleanEnds(points, svalues, sStart, sEnd);
-    ParametricCurve line; // along x, a vertex at every s-value
-    line.setPointsX(svalues);
-    const Point middle((sStart + sEnd) * 0.5, 0.0, 0.0);
-    const auto nearest = static_cast<std::size_t>(line.getClosestPoint(middle));
-    const std::size_t first = firstRise(svalues, nearest);
-    const std::size_t last = lastRise(svalues, nearest);
+    const std::size_t nearest = nearestTo((sStart + sEnd) * 0.5, svalues);
+    // From the first rise of s before the middle to the last one behind it, whatever is between.
+    std::size_t first = 0;
+    while (first < nearest && !(svalues[first + 1] > svalues[first])) {
+        ++first;
+    }
+    std::size_t last = svalues.size() - 1;
+    while (last > nearest && !(svalues[last] > svalues[last - 1])) {
+        --last;
+    }
     if (first == last) {
         throw internal::error("ParametricCurve", "getCurveCleanEnds",
                               "Cleaning ends in the curve resulted in less than two points.",

@@ -3,6 +3,10 @@
 
 #include <qel/ParametricCurve.h>
 
+#include <utility>
+
+#include "curve/ArcLength.h"
+#include "curve/Cleaning.h"
 #include "curve/Conversions.h"
 
 namespace qel {
@@ -10,30 +14,43 @@ namespace {
 
 constexpr int kCoincident = 2; // decimal exponent of the spacings within which points coincide
 
-Point beyond(const Point& end, const Point& before, double distance) {
-    Point direction = end - before;
-    direction.normalize(); // of no length: the new point coincides with the end
-    return end + direction * distance;
-}
+// A straight line beyond an end of a polyline: its start, and a unit vector along it, or zero.
+struct Ray {
+    Point from;
+    Point direction;
 
-// New ends of a curve through the points, as far beyond the old ones as fractions of its length.
-struct Ends {
-    Point begin;
-    Point end;
+    Ray(const Point& end, const Point& before) : from(end), direction(end - before) {
+        direction.normalize(); // of no length: the new point coincides with the end
+    }
+    Point at(double distance) const { return from + direction * distance; }
 };
 
-Ends extrapolated(const Points& points, double fractionBegin, double fractionEnd) {
-    ParametricCurve clean(points, ParametricCurve::dim3D);
-    const double length = clean.getLength(); // of all points, before any are dropped
+// Both ends of a polyline, along its first and its last segment that are longer than the tolerance.
+struct Extension {
+    Ray begin;
+    Ray end;
+    double length; // of the polyline
+};
+
+Extension extensionOf(const Points& points) {
+    std::vector<double> svalues;
+    double length = 0.0;
+    calculateArcValue(points, svalues, length);
     if (length == 0.0) {
         throw internal::error("ParametricCurve", "expandCurve",
                               "Curve definition insignificant for extrapolation.", argumentError);
     }
-    clean.eliminateDoublePoints(kCoincident);
-    const Points& q = clean.getCurve();
-    const std::size_t m = q.size(); // at least two: the ends always stay
-    return {beyond(q[0], q[1], length * fractionBegin),
-            beyond(q[m - 1], q[m - 2], length * fractionEnd)};
+    // The neighbours of the ends among the points that do not coincide; the ends always stay.
+    std::size_t second = 0;
+    std::size_t lastButOne = 0;
+    std::size_t last = 0;
+    forEachDistinct(svalues, coincidenceTolerance(kCoincident, ParametricCurve::doublePrecision),
+                    [&](std::size_t i) {
+                        second = second == 0 ? i : second;
+                        lastButOne = last;
+                        last = i;
+                    });
+    return {Ray(points.front(), points[second]), Ray(points.back(), points[lastButOne]), length};
 }
 
 } // namespace
@@ -42,16 +59,15 @@ Ends extrapolated(const Points& points, double fractionBegin, double fractionEnd
 
 void ParametricCurve::expandCurve(bool atBegin, double fractionBegin, bool atEnd,
                                   double fractionEnd) {
-    const Ends ends = extrapolated(points_, fractionBegin, fractionEnd);
-    Points points(points_);
+    const Extension extension = extensionOf(points_);
+    svalues_.reserve(points_.size()); // nothing can fail any more
     if (atBegin) {
-        points.front() = ends.begin;
+        points_.front() = extension.begin.at(extension.length * fractionBegin);
     }
     if (atEnd) {
-        points.back() = ends.end;
+        points_.back() = extension.end.at(extension.length * fractionEnd);
     }
-    exchangeAndCalculateArcValue(points);
-    setParametrization(parametrizationComputed);
+    computeSvalues();
 }
 
 void ParametricCurve::expandCurveBothEnds(double fraction) {
@@ -70,17 +86,17 @@ void ParametricCurve::expandCurveEnd(double fraction) {
 
 void ParametricCurve::expandCurveExtraPoints(bool atBegin, double fractionBegin, bool atEnd,
                                              double fractionEnd) {
-    const Ends ends = extrapolated(points_, fractionBegin, fractionEnd);
+    const Extension extension = extensionOf(points_);
     Points points;
     points.reserve(points_.size() + 2);
     if (atBegin) {
-        points.push_back(ends.begin);
+        points.push_back(extension.begin.at(extension.length * fractionBegin));
     }
     points.insert(points.end(), points_.begin(), points_.end()); // with those that coincide
     if (atEnd) {
-        points.push_back(ends.end);
+        points.push_back(extension.end.at(extension.length * fractionEnd));
     }
-    setPoints(points, dimension_); // as double points from now on
+    setPoints(std::move(points), dimension_); // as double points from now on
 }
 
 void ParametricCurve::expandCurveBothEndsExtraPoints(double fraction) {

@@ -220,9 +220,9 @@ void takeFarthest(const Points& points, const RunSegments& runs, std::size_t fir
         return;
     }
     takeFarthest(points, first, firstRun * RunSegments::kRun, chord, farthest);
-    for (std::size_t r = firstRun; r < lastRun; r += RunSegments::kMostRuns) {
-        const std::size_t count = std::min(RunSegments::kMostRuns, lastRun - r);
-        double bounds[RunSegments::kMostRuns];
+    for (std::size_t r = firstRun; r < lastRun; r += RunSegments::kMaxRuns) {
+        const std::size_t count = std::min(RunSegments::kMaxRuns, lastRun - r);
+        double bounds[RunSegments::kMaxRuns];
         runs.squaredBounds(chord, r, count, bounds);
         onVectorUnit<RunsKernel>(points.data(), r, bounds, count, chord, &farthest);
     }

@@ -74,7 +74,7 @@ QEL_KERNEL Foot footTowards(const Chunk& c, const Coordinates& to, const double*
     const double y = qy - (isInside ? fy : vy);
     const double z = qz - (isInside ? fz : vz);
     const double tolerance = kHundredSpacings * length2;
-    const bool isSettled = (length2 > kLeastOfSpacings) & (tolerance < d2i) & (tolerance < d2j) &
+    const bool isSettled = (length2 > kMinOfSpacings) & (tolerance < d2i) & (tolerance < d2j) &
                            (along != 0.0) & (kHundredSpacings * std::fabs(along) < length2);
     return {isInside ? sFoot : c.s[i], lengthOf(x, y, z), isSettled};
 }

@@ -66,8 +66,8 @@ struct BoundsKernel {
     QEL_KERNEL static void run(Runs runs, std::size_t count, Chord chord, double* bounds) {
         constexpr double kOfOffset = 0x1p-50;
         constexpr double kOfBound = 1.0 + 0x1p-40;
-        double ww[RunSegments::kMostRuns + 1];
-        double d2[RunSegments::kMostRuns + 1];
+        double ww[RunSegments::kMaxRuns + 1];
+        double d2[RunSegments::kMaxRuns + 1];
         const Point start = chord.start;
         const Point e = chord.direction;
         const double inverse = 1.0 / chord.length;

@@ -35,10 +35,10 @@ public:
 
     /// Bounds on the squared distances from a chord of the vertices in runs; infinite for NaN.
     ///
-    /// @param count  up to kMostRuns
+    /// @param count  up to kMaxRuns
     void squaredBounds(const Chord& chord, std::size_t first, std::size_t count,
                        double* bounds) const;
-    static constexpr std::size_t kMostRuns = 256;
+    static constexpr std::size_t kMaxRuns = 256;
 
 private:
     // The ends of the runs, one more than these, and how far vertices lie from the segments.

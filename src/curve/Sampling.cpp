@@ -1,13 +1,14 @@
 // Sampling: points of the curve at parameters that are asked for or evenly spread, and the small
-// lists of numbers that go with them.
+// lists of numbers that go with them. The curve stays as it is; Tessellation.cpp inserts points
+// into it.
 
 #include <qel/ParametricCurve.h>
 
 #include <algorithm>
 #include <cmath>
 
+#include "curve/BatchEvaluation.h"
 #include "curve/Conversions.h"
-#include "curve/ParameterWalk.h"
 #include "curve/PointCount.h"
 
 namespace qel {
@@ -16,20 +17,10 @@ namespace {
 // Keeps the sum of two equal s-values from dividing by zero: the smallest normal float.
 constexpr double kRatioFloor = 1.1754943508222875e-38;
 
+constexpr std::size_t kBlock = BracketSearch::kBlock;
+
 internal::error sizeBelowTwo(const char* methodName) {
     return {"ParametricCurve", methodName, "Requested size less than 2.", argumentError};
-}
-
-// Sets out[k] to the point at parameter k, or to the curve's own end at the first and the last k
-// with keepEnds.
-void sample(ParameterWalk& walk, const Points& points, const std::vector<double>& parameters,
-            bool keepEnds, Points& out) {
-    const std::size_t last = parameters.size() - 1;
-    out.resize(parameters.size());
-    const double* const s = parameters.data();
-    out[0] = keepEnds ? points.front() : walk.at(s[0]);
-    walk.pointsAt(s + 1, last - 1, out.data() + 1);
-    out[last] = keepEnds ? points.back() : walk.at(s[last]);
 }
 
 // For each inner point, the step chosen over the sum of the steps before and after it.
@@ -60,22 +51,20 @@ void ParametricCurve::getCurveForEquidistantS(Points& points, int count) const {
     const double h = 1.0 / static_cast<double>(last);
     points.resize(last + 1);
     points[0] = points_.front();
-    ParameterWalk walk(points_, svalues_, last);
-    double parameters[BracketBlock::kCount];
-    for (std::size_t k = 1; k < last; k += BracketBlock::kCount) {
-        const std::size_t n = std::min(BracketBlock::kCount, last - k);
+    BatchEvaluation evaluation(points_, svalues_, last);
+    double parameters[kBlock];
+    for (std::size_t k = 1; k < last; k += kBlock) {
+        const std::size_t n = std::min(kBlock, last - k);
         for (std::size_t i = 0; i < n; ++i) {
             parameters[i] = static_cast<double>(static_cast<int>(k + i)) * h;
         }
-        walk.pointsAt(parameters, n, points.data() + k);
+        evaluation.pointsAt(parameters, n, points.data() + k);
     }
     points[last] = points_.back();
 }
 
 void ParametricCurve::getCurveForEquidistantS(FloatPoints& points, int count) const {
-    Points wide;
-    getCurveForEquidistantS(wide, count);
-    points = narrowed(wide);
+    makeNarrowed(points, [&](Points& wide) { getCurveForEquidistantS(wide, count); });
 }
 
 // -- At given s-values ----
@@ -86,15 +75,16 @@ void ParametricCurve::getCurveBySvalues(Points& points, const std::vector<double
         points.clear();
         throw sizeBelowTwo("getCurveBySvalues");
     }
-    ParameterWalk walk(points_, svalues_, svalues.size());
-    sample(walk, points_, svalues, keepEnds, points);
+    const std::size_t last = svalues.size() - 1;
+    points.resize(last + 1);
+    points[0] = keepEnds ? points_.front() : getPointAtParameter(svalues[0]);
+    BatchEvaluation(points_, svalues_, last).pointsAt(&svalues[1], last - 1, &points[1]);
+    points[last] = keepEnds ? points_.back() : getPointAtParameter(svalues[last]);
 }
 
 void ParametricCurve::getCurveBySvalues(FloatPoints& points, const std::vector<double>& svalues,
                                         bool keepEnds) const {
-    Points wide;
-    getCurveBySvalues(wide, svalues, keepEnds);
-    points = narrowed(wide);
+    makeNarrowed(points, [&](Points& wide) { getCurveBySvalues(wide, svalues, keepEnds); });
 }
 
 void ParametricCurve::getCurveXBySvalues(std::vector<double>& xs,
@@ -104,19 +94,19 @@ void ParametricCurve::getCurveXBySvalues(std::vector<double>& xs,
         throw sizeBelowTwo("getCurveXBySvalues");
     }
     const std::size_t last = svalues.size() - 1;
-    xs.resize(svalues.size());
-    ParameterWalk walk(points_, svalues_, svalues.size());
+    xs.resize(last + 1);
+    BatchEvaluation evaluation(points_, svalues_, last);
     // In order, block by block, so that xs may be svalues itself.
-    xs[0] = keepEnds ? points_.front().x : walk.at(svalues[0]).x;
-    Point points[BracketBlock::kCount];
-    for (std::size_t k = 1; k < last; k += BracketBlock::kCount) {
-        const std::size_t n = std::min(BracketBlock::kCount, last - k);
-        walk.pointsAt(svalues.data() + k, n, points);
+    xs[0] = keepEnds ? points_.front().x : getPointAtParameter(svalues[0]).x;
+    Point points[kBlock];
+    for (std::size_t k = 1; k < last; k += kBlock) {
+        const std::size_t n = std::min(kBlock, last - k);
+        evaluation.pointsAt(&svalues[k], n, points);
         for (std::size_t i = 0; i < n; ++i) {
             xs[k + i] = points[i].x;
         }
     }
-    xs[last] = keepEnds ? points_.back().x : walk.at(svalues[last]).x;
+    xs[last] = keepEnds ? points_.back().x : getPointAtParameter(svalues[last]).x;
 }
 
 ParametricCurve* ParametricCurve::createNewCurveBySvalues(const std::vector<double>& svalues,
@@ -146,36 +136,33 @@ void ParametricCurve::getCurveWithMinimumS(Points& points, std::vector<double>& 
         total += inserted(i);
     }
     checkTotal(total, "getCurveWithMinimumS");
-    points.clear();
-    svalues.clear();
-    points.reserve(total);
-    svalues.reserve(total);
-
-    ParameterWalk walk(points_, svalues_, total);
-    points.push_back(points_.front());
-    svalues.push_back(0.0); // on purpose, whatever the curve's first s-value is
+    points.resize(total);
+    svalues.resize(total);
+    const bool isOrdered = stepsOf(svalues_.data(), svalues_.size(), 0.0).areInOrder;
+    std::size_t at = 0;
+    points[at] = points_.front();
+    svalues[at++] = 0.0; // on purpose, whatever the curve's first s-value is
     for (std::size_t i = 1; i < points_.size(); ++i) {
-        const double d = svalues_[i] - svalues_[i - 1];
+        const double start = svalues_[i - 1];
+        const double end = svalues_[i];
+        const double d = end - start;
         const std::size_t k = inserted(i);
         const double parts = static_cast<double>(k + 1);
-        const double start = svalues_[i - 1];
-        const auto parameterAt = [&](std::size_t j) {
-            return d * static_cast<double>(j) / parts + start;
-        };
-        walk.forEach(1, k + 1, parameterAt, [&](std::size_t j, const Point& p) {
-            points.push_back(p);
-            svalues.push_back(parameterAt(j));
-        });
-        points.push_back(points_[i]);
-        svalues.push_back(svalues_[i]);
+        for (std::size_t j = 1; j <= k; ++j, ++at) {
+            const double s = d * static_cast<double>(j) / parts + start;
+            const bool isBetween = isOrdered && start < s && s < end; // so this is its bracket
+            points[at] = isBetween ? pointBetween(points_[i - 1], points_[i], start, end, s)
+                                   : pointAtParameter(points_, svalues_, s);
+            svalues[at] = s;
+        }
+        points[at] = points_[i];
+        svalues[at++] = end;
     }
 }
 
 void ParametricCurve::getCurveWithMinimumS(FloatPoints& points, std::vector<double>& svalues,
                                            int count) const {
-    Points wide;
-    getCurveWithMinimumS(wide, svalues, count);
-    points = narrowed(wide);
+    makeNarrowed(points, [&](Points& wide) { getCurveWithMinimumS(wide, svalues, count); });
 }
 
 void ParametricCurve::getCurveWithMinimumS(Points& points, int count) const {

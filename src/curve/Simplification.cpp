@@ -26,7 +26,7 @@ using Edge = ParametricCurve::tEdge;
 // Vertices beyond the curve's own that may be kept. Where supplied s-values leave 0..1, or come so
 // near its ends that the middle of two rounds to them, the vertex found for a chord of no length
 // may lie outside it, so that chords can come back for ever.
-constexpr std::size_t kMostRepeats = 1000;
+constexpr std::size_t kMaxRepeats = 1000;
 
 // The chords in order of appearance, and the choice among them: the largest distance of those not
 // to be skipped, as a scan from the front finds it that moves on only to a strictly larger one. So
@@ -111,7 +111,7 @@ std::vector<int> refine(const Edge& whole, std::size_t size, std::size_t count, 
     while (edges.choose(chosen)) {
         Edge before = edges[chosen];
         ids.push_back(before.farthest);
-        if (ids.size() > size + kMostRepeats) {
+        if (ids.size() > size + kMaxRepeats) {
             throw internal::error("ParametricCurve", "optimizeByNormalDistance",
                                   "The same points are kept again and again.", argumentError);
         }
@@ -179,7 +179,7 @@ void ParametricCurve::optimizeByNormalDistance(int count, std::vector<int>& ids,
     // Deliberate: the refinement leaves the parametrization as it was
     // (Simplification, SetsTheParametrizationOnTheShortWaysOnly).
     if (isShort) {
-        setParametrization(parametrizationComputed);
+        parametrization_ = parametrizationComputed;
     }
     ids.swap(kept);
 }

@@ -6,9 +6,8 @@
 
 #include <cstddef>
 
+#include <qel/Point.h>
 #include <qel/QELException.h>
-
-#include "curve/Conversions.h"
 
 namespace qel {
 
@@ -23,8 +22,12 @@ inline void checkCount(std::size_t count, const char* onePointMessage) {
     }
 }
 
+// Of points with a full stop, of values without one.
+constexpr const char* kOnePoint = "Curve has only one point in it.";
+constexpr const char* kOneValue = "Curve has only one point in it";
+
 inline void checkPoints(const Points& points) {
-    checkCount(points.size(), "Curve has only one point in it.");
+    checkCount(points.size(), kOnePoint);
 }
 
 } // namespace qel

@@ -78,7 +78,7 @@ inline T spacingAt(T x) {
 /// nothing underflows then. Where one thing exceeds this share of another, no spacing need be found
 /// to tell that it exceeds a hundred of them.
 constexpr double kHundredSpacings = 0x1p-41;
-constexpr double kLeastOfSpacings = 1e-290;
+constexpr double kMinOfSpacings = 1e-290;
 
 } // namespace qel
 

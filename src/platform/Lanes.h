@@ -6,6 +6,7 @@
 /// gathers interleaved values one by one.
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 #include "platform/VectorUnit.h"
@@ -28,6 +29,11 @@ struct Register<float, 16> {
 };
 
 template <>
+struct Register<double, 2> {
+    using Type = double __attribute__((vector_size(16)));
+};
+
+template <>
 struct Register<double, 4> {
     using Type = double __attribute__((vector_size(32)));
 };
@@ -35,6 +41,16 @@ struct Register<double, 4> {
 template <>
 struct Register<double, 8> {
     using Type = double __attribute__((vector_size(64)));
+};
+
+template <>
+struct Register<std::int64_t, 4> {
+    using Type = std::int64_t __attribute__((vector_size(32)));
+};
+
+template <>
+struct Register<std::int64_t, 8> {
+    using Type = std::int64_t __attribute__((vector_size(64)));
 };
 
 /// Numbers that are computed with lane by lane. Registers themselves cannot be returned by
@@ -51,6 +67,14 @@ struct Lanes {
         return r;
     }
 
+    QEL_KERNEL static Lanes all(Number number) {
+        Lanes r;
+        for (std::size_t lane = 0; lane < width; ++lane) {
+            r.value[lane] = number;
+        }
+        return r;
+    }
+
     QEL_KERNEL void write(char* to) const { std::memcpy(to, &value, kBytes); }
 
     QEL_KERNEL friend Lanes operator+(const Lanes& a, const Lanes& b) {
@@ -61,6 +85,9 @@ struct Lanes {
     }
     QEL_KERNEL friend Lanes operator*(const Lanes& a, const Lanes& b) {
         return {a.value * b.value};
+    }
+    QEL_KERNEL friend Lanes operator/(const Lanes& a, const Lanes& b) {
+        return {a.value / b.value};
     }
     QEL_KERNEL friend Lanes operator*(const Lanes& a, Number factor) { return {a.value * factor}; }
 };

@@ -1,11 +1,12 @@
 #include <qel/CurveResampling.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "batch/ArgumentCheck.h"
-#include "curve/Bracket.h"
+#include "curve/BatchEvaluation.h"
 #include "polyline/CurveArguments.h"
 #include "polyline/EdgeWeight.h"
 #include "polyline/Interpolation.h"
@@ -93,9 +94,19 @@ void samplePoints(const CurveView& curve, const std::vector<double>& curveSvalue
                   const ScalarView<const double>& svalues, const TripletView<double>& points) {
     std::vector<TripletBase<double>> curvePoints;
     curve.copyPoints(curvePoints);
-    std::size_t hi = 0;
-    for (std::size_t k = 0; k < svalues.size(); ++k) {
-        points.set(k, pointAtParameter(curvePoints, curveSvalues, svalues[k], hi));
+    constexpr std::size_t kBlock = BracketSearch::kBlock;
+    BatchEvaluation evaluation(curvePoints, curveSvalues, svalues.size());
+    double parameters[kBlock];
+    Point samples[kBlock];
+    for (std::size_t first = 0; first < svalues.size(); first += kBlock) {
+        const std::size_t count = std::min(kBlock, svalues.size() - first);
+        for (std::size_t k = 0; k < count; ++k) {
+            parameters[k] = svalues[first + k];
+        }
+        evaluation.pointsAt(parameters, count, samples);
+        for (std::size_t k = 0; k < count; ++k) {
+            points.set(first + k, samples[k]);
+        }
     }
 }
 

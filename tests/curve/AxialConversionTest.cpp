@@ -4,7 +4,7 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 #include "support/VectorUnits.h"
@@ -144,15 +144,15 @@ TEST(AxialConversion, ConstConversionsStoreTheAxis) {
     EXPECT_EQ(curve.getAxisDirection(), Point(0, 0, 1));
 }
 
-// -- Against the plain statement ----
+// -- Against the reference ----
 
-struct PlainAxis {
+struct ReferenceAxis {
     Point point;
     Point direction;
 
-    PlainAxis(const FloatPoint& p, const FloatPoint& d)
+    ReferenceAxis(const FloatPoint& p, const FloatPoint& d)
         : point(static_cast<double>(p.x), static_cast<double>(p.y), static_cast<double>(p.z)),
-          direction(plainUnit(
+          direction(referenceUnit(
               {static_cast<double>(d.x), static_cast<double>(d.y), static_cast<double>(d.z)})) {}
 
     static Point cross(const Point& a, const Point& b) {
@@ -161,13 +161,13 @@ struct PlainAxis {
 
     Point converted(const Point& p, Point& radial) const {
         const Point v = p - point;
-        radial = plainUnit(cross(plainUnit(cross(direction, v)), direction));
-        return {plainDot(v, direction), plainDot(v, radial), 0.0};
+        radial = referenceUnit(cross(referenceUnit(cross(direction, v)), direction));
+        return {referenceDot(v, direction), referenceDot(v, radial), 0.0};
     }
 
     double turn(const Point& from, const Point& to) const {
-        const double y = plainDot(to, cross(direction, from));
-        const double x = plainDot(to, from);
+        const double y = referenceDot(to, cross(direction, from));
+        const double x = referenceDot(to, from);
         return y == 0.0 && x == 0.0 ? 0.0 : std::atan2(y, x);
     }
 };
@@ -200,7 +200,7 @@ TEST(AxialConversion, TheAxisMayStandInTheOutput) {
     EXPECT_EQ(curve.getAxisPoint(), Point(point));
 }
 
-TEST(AxialConversion, IsThatOfThePlainStatement) {
+TEST(AxialConversion, MatchesReferenceBitForBit) {
     RandomCurves make(61);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -209,7 +209,7 @@ TEST(AxialConversion, IsThatOfThePlainStatement) {
         const Points& p = before.points;
         const FloatPoint point = make.index(3) == 0 ? kOrigin : randomFloats(make, 2.0);
         const FloatPoint direction = make.index(3) == 0 ? kAlongZ : randomFloats(make, 5.0);
-        const PlainAxis axis(point, direction);
+        const ReferenceAxis axis(point, direction);
 
         Points art0(p.size());
         std::vector<Point> radials(p.size());
@@ -277,8 +277,8 @@ TEST(AxialConversion, RotationTurnsByTheRightHandRule) {
     EXPECT_EQ(curve.getCurve()[1], Point(0, 0, 7));
 }
 
-Points plainRotated(const Points& p, const Point& o, const Point& axis, double angle) {
-    const Point u = plainUnit(axis);
+Points referenceRotated(const Points& p, const Point& o, const Point& axis, double angle) {
+    const Point u = referenceUnit(axis);
     const double c = std::cos(angle);
     const double s = std::sin(angle);
     const double C = 1 - c;
@@ -298,7 +298,7 @@ Points plainRotated(const Points& p, const Point& o, const Point& axis, double a
 }
 
 // s, length, axis and every flag stay as they were.
-TEST(AxialConversion, RotationIsThatOfThePlainStatementOnEveryVectorUnit) {
+TEST(AxialConversion, RotationMatchesReferenceBitForBit) {
     onEveryVectorUnit([] {
         RandomCurves make(62);
         for (int round = 0; round < 2000 && !HasFailure(); ++round) {
@@ -311,7 +311,7 @@ TEST(AxialConversion, RotationIsThatOfThePlainStatementOnEveryVectorUnit) {
                 axis = make.index(2) == 0 ? Point() : Point(kMarker, 1, 0);
             }
             const double angle = make.uniform(-7, 7);
-            expected.points = plainRotated(expected.points, centre, axis, angle);
+            expected.points = referenceRotated(expected.points, centre, axis, angle);
             curve.rotateAroundVector(centre, axis, angle);
             EXPECT_EQ(stateOf(curve), expected);
         }

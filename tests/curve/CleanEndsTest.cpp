@@ -81,8 +81,8 @@ TEST(CleanEnds, RefusesInTheStatedOrder) {
     expectRefused(along(3), {0.7, 0.5, 0.3}, 0.1, 0.5, tooFew);
 }
 
-// The plain statement; an empty result where it is refused.
-Values plainCleanEnds(const Points& p, const Values& s, double from, double to, Points& kept) {
+// The reference implementation; an empty result where it is refused.
+Values referenceCleanEnds(const Points& p, const Values& s, double from, double to, Points& kept) {
     const double middle = (from + to) * 0.5;
     std::size_t c = 0;
     for (std::size_t i = 1; i < s.size(); ++i) {
@@ -112,7 +112,7 @@ Values plainCleanEnds(const Points& p, const Values& s, double from, double to, 
     return result;
 }
 
-TEST(CleanEnds, IsThatOfThePlainStatement) {
+TEST(CleanEnds, MatchesReferenceBitForBit) {
     RandomCurves make(14);
     for (int round = 0; round < 5000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -124,7 +124,7 @@ TEST(CleanEnds, IsThatOfThePlainStatement) {
         const double from = make.uniform(-0.2, 0.6);
         const double to = from + make.uniform(0.01, 0.6);
         Points kept;
-        const Values expected = plainCleanEnds(points, s, from, to, kept);
+        const Values expected = referenceCleanEnds(points, s, from, to, kept);
         FloatPoints narrow = narrowed(points);
         Values narrowS = s;
         if (expected.empty()) {

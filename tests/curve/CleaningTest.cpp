@@ -5,9 +5,9 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
+#include "curve/Cleaning.h"
 #include "support/Bits.h"
-#include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
@@ -62,25 +62,29 @@ TEST(Cleaning, DoublePointsAreWithinTheToleranceOrAtIt) {
     EXPECT_EQ(keptOf({a, half, beyondNext, b}), Points({a, half, beyondNext, b}));
 }
 
-// The step that the members share takes lists of any length.
-TEST(Cleaning, EliminatesInAnyListOfPoints) {
+TEST(Cleaning, TheToleranceIsThatOfThePrecisionThatTheCurveWasCreatedIn) {
     const Points close{{0, 0, 0}, {1, 0, 0}, {1 + 1e-9, 0, 0}, {2, 0, 0}};
-    const Points one{{1, 2, 3}};
-    Points kept{{7, 7, 7}};
-    for (const bool single : {false, true}) {
-        const ParametricCurve curve =
-            single ? ParametricCurve(narrowed(close), ParametricCurve::dim3D) : through(close);
-        qel::ParametricCurveTestAccess::eliminateDoublePoints(curve, 0, Points(), kept);
-        EXPECT_TRUE(kept.empty());
-        qel::ParametricCurveTestAccess::eliminateDoublePoints(curve, 0, one, kept);
-        EXPECT_EQ(kept, Points(2, one[0])); // the first and the last, in every case
-        // In the precision that the curve was created in.
-        qel::ParametricCurveTestAccess::eliminateDoublePoints(curve, 0, close, kept);
-        EXPECT_EQ(kept.size(), single ? 3u : 4u);
-    }
+    ParametricCurve asDouble = through(close);
+    asDouble.eliminateDoublePoints(0);
+    EXPECT_EQ(asDouble.getSize(), 4u);
+    ParametricCurve asSingle(narrowed(close), ParametricCurve::dim3D);
+    asSingle.eliminateDoublePoints(0);
+    EXPECT_EQ(asSingle.getSize(), 3u);
 }
 
-double plainTolerance(int exponent, bool asDouble) {
+TEST(Cleaning, BothEndsAreDistinctInEveryCase) {
+    const auto distinct = [](const Values& svalues) {
+        std::vector<std::size_t> kept;
+        qel::forEachDistinct(svalues, 1.0, [&](std::size_t i) { kept.push_back(i); });
+        return kept;
+    };
+    EXPECT_EQ(distinct({0.5}), (std::vector<std::size_t>{0, 0}));
+    EXPECT_EQ(distinct({0.5, 0.5}), (std::vector<std::size_t>{0, 1}));
+    EXPECT_EQ(distinct({0.0, 0.5, 2.0, 5.0}), (std::vector<std::size_t>{0, 2, 3}));
+    EXPECT_EQ(distinct({0.0, 2.0, 4.0, 5.0}), (std::vector<std::size_t>{0, 1, 3}));
+}
+
+double referenceTolerance(int exponent, bool asDouble) {
     double power = 1.0;
     for (int k = 0; k < std::abs(exponent); ++k) {
         power *= 10.0; // exact as long as the exponent is small
@@ -90,9 +94,9 @@ double plainTolerance(int exponent, bool asDouble) {
     return spacing * (exponent < 0 ? 1.0 / power : power);
 }
 
-Points plainEliminated(const Points& p, double tolerance) {
+Points referenceEliminated(const Points& p, double tolerance) {
     Values s;
-    plainArcValues(p, s);
+    referenceArcValues(p, s);
     Points kept{p.front()};
     double last = s[0];
     for (std::size_t i = 1; i + 1 < p.size(); ++i) {
@@ -105,7 +109,7 @@ Points plainEliminated(const Points& p, double tolerance) {
     return kept;
 }
 
-TEST(Cleaning, EliminateIsThatOfThePlainStatement) {
+TEST(Cleaning, EliminateMatchesReferenceBitForBit) {
     RandomCurves make(41);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -117,17 +121,17 @@ TEST(Cleaning, EliminateIsThatOfThePlainStatement) {
         ParametricCurve byFlag(curve);
         byFlag.eliminateDoublePoints(exponent);
         expectCleaned(byFlag, before,
-                      plainEliminated(before.points, plainTolerance(exponent, asDouble)));
+                      referenceEliminated(before.points, referenceTolerance(exponent, asDouble)));
 
         ParametricCurve asSingle(curve);
         asSingle.eliminateDoublePoints(exponent, ParametricCurve::singlePrecision);
         expectCleaned(asSingle, before,
-                      plainEliminated(before.points, plainTolerance(exponent, false)));
+                      referenceEliminated(before.points, referenceTolerance(exponent, false)));
 
         ParametricCurve asDoubles(curve);
         asDoubles.eliminateDoublePoints(exponent, ParametricCurve::doublePrecision);
         expectCleaned(asDoubles, before,
-                      plainEliminated(before.points, plainTolerance(exponent, true)));
+                      referenceEliminated(before.points, referenceTolerance(exponent, true)));
     }
 }
 
@@ -184,7 +188,7 @@ TEST(Cleaning, UniqueKeepsTwoOfEqualPoints) {
     }
 }
 
-TEST(Cleaning, UniqueIsThatOfThePlainStatement) {
+TEST(Cleaning, UniqueMatchesReferenceBitForBit) {
     RandomCurves make(42);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -220,7 +224,7 @@ TEST(Cleaning, ContinuousMeasuresAgainstTheStoredNeighbour) {
     EXPECT_EQ(curve.getCurve(), Points({{0, 0, 0}, {2, 0, 0}, {3, 0, 0}}));
 }
 
-TEST(Cleaning, ContinuousIsThatOfThePlainStatement) {
+TEST(Cleaning, ContinuousMatchesReferenceBitForBit) {
     RandomCurves make(43);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);

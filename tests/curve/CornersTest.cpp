@@ -10,7 +10,7 @@
 
 #include <qel/NumericalUtils.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 
@@ -128,14 +128,14 @@ TEST(Corners, RefusesFewerThanTwoCandidates) {
         refused("First id=2, Second id=0"));
 }
 
-// -- Against the plain statement ----
+// -- Against the reference ----
 
 bool isFar(const Point& v) {
-    const double length = plainLength(v);
+    const double length = referenceLength(v);
     return length > 100.0 * qel::NumericalUtils::spacing(length);
 }
 
-Found plainCorners(const Points& p, std::size_t first, std::size_t second) {
+Found referenceCorners(const Points& p, std::size_t first, std::size_t second) {
     const std::size_t lo = std::min(first, second);
     const std::size_t hi = std::max(first, second);
     std::vector<bool> mask(p.size(), true);
@@ -157,8 +157,8 @@ Found plainCorners(const Points& p, std::size_t first, std::size_t second) {
                 mask[k + e] = mask[k + e] && hasForward;
             }
             if (hasBackward && hasForward) {
-                double c =
-                    plainDot(forward, backward) / (plainLength(forward) * plainLength(backward));
+                double c = referenceDot(forward, backward) /
+                           (referenceLength(forward) * referenceLength(backward));
                 c = c > 1.0 ? 1.0 : c;
                 c = c < -1.0 ? -1.0 : c;
                 corner.first = std::acos(c);
@@ -181,7 +181,7 @@ Found plainCorners(const Points& p, std::size_t first, std::size_t second) {
     return isInOrder ? Found{sorted[0], sorted[1]} : Found{sorted[1], sorted[0]};
 }
 
-TEST(Corners, EqualThePlainStatementOnRandomCurves) {
+TEST(Corners, MatchReferenceBitForBit) {
     RandomCurves random(41);
     int compared = 0;
     for (int round = 0; round < 20000; ++round) {
@@ -204,7 +204,7 @@ TEST(Corners, EqualThePlainStatementOnRandomCurves) {
         }
         ++compared;
         const Found actual = cornersOf(points, first, second);
-        const Found expected = plainCorners(points, first, second);
+        const Found expected = referenceCorners(points, first, second);
         ASSERT_TRUE(sameBits(actual.a.first, expected.a.first));
         ASSERT_TRUE(sameBits(actual.b.first, expected.b.first));
         ASSERT_EQ(actual.a.second, expected.a.second);

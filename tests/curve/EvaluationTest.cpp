@@ -8,10 +8,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
+#include "curve/Evaluation.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
-#include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
@@ -33,9 +33,8 @@ struct Interpolated {
 };
 
 Interpolated interpolateOnS(const ParametricCurve& curve, double s) {
-    Interpolated result{};
-    result.point = qel::ParametricCurveTestAccess::interpolateOnS(curve, s, result.lo, result.hi);
-    return result;
+    const auto [point, bracket] = qel::interpolateOnS(curve.getCurve(), curve.getSvalues(), s);
+    return {point, bracket.lo, bracket.hi};
 }
 
 void checkInterpolation(const ParametricCurve& curve, double s, const Point& point, std::size_t lo,
@@ -354,9 +353,9 @@ TEST(Evaluation, ExtremeIndicesKeepTheEarliestOfATie) {
     EXPECT_EQ(curve.getMaxZid(), 1u);
 }
 
-// -- Against a plain statement of the rules, bit for bit ----
+// -- Against the reference ----
 
-int plainClosestInS(const std::vector<double>& s, double at) {
+int referenceClosestInS(const std::vector<double>& s, double at) {
     const int last = static_cast<int>(s.size()) - 1;
     if (!(at > 0.0)) {
         return 0;
@@ -369,7 +368,7 @@ int plainClosestInS(const std::vector<double>& s, double at) {
     }
     std::size_t lo = 0;
     std::size_t hi = 0;
-    plainBracket(s, at, lo, hi);
+    referenceBracket(s, at, lo, hi);
     return static_cast<int>(std::abs(at - s[lo]) < std::abs(at - s[hi]) ? lo : hi);
 }
 
@@ -383,14 +382,14 @@ TEST(Evaluation, RandomCurvesFollowTheRulesBitForBit) {
         for (int probe = 0; probe < 10; ++probe) {
             const double at = random.parameter(s);
             SCOPED_TRACE(at);
-            ASSERT_PRED2(samePoint, curve.getPointAtParameter(at), plainAt(points, s, at));
+            ASSERT_PRED2(samePoint, curve.getPointAtParameter(at), referenceAt(points, s, at));
             Interpolated expected{};
-            expected.point = plainInterpolated(points, s, at, expected.lo, expected.hi);
+            expected.point = referenceInterpolated(points, s, at, expected.lo, expected.hi);
             const Interpolated actual = interpolateOnS(curve, at);
             ASSERT_PRED2(samePoint, actual.point, expected.point);
             ASSERT_EQ(actual.lo, expected.lo);
             ASSERT_EQ(actual.hi, expected.hi);
-            ASSERT_EQ(curve.getClosestToSvaluePoint(at), plainClosestInS(s, at));
+            ASSERT_EQ(curve.getClosestToSvaluePoint(at), referenceClosestInS(s, at));
         }
     }
 }

@@ -2,7 +2,7 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 
@@ -88,7 +88,7 @@ TEST(Extraction, EvaluatesAtSRoundedToFloatAndReturnsSUnrounded) {
     const Piece piece = cut(curve, 0.1, 0.3);
     std::size_t lo = 0;
     std::size_t hi = 0;
-    const Point last = plainInterpolated(curve.getCurve(), curve.getSvalues(), 0.3, lo, hi);
+    const Point last = referenceInterpolated(curve.getCurve(), curve.getSvalues(), 0.3, lo, hi);
     EXPECT_EQ(lo, 1u); // 0.3f lies above 0.3, so the stored point is passed already
     EXPECT_NE(last, B);
     EXPECT_TRUE(sameBits(piece.points.back(), last));
@@ -226,10 +226,10 @@ TEST(Extraction, ACutOnANaNPointRepeatsIt) {
     expectPiece(piece, {nan, nan, B}, {0.0, 0.0, 0.5});
 }
 
-// -- Against the plain statement ----
+// -- Against the reference ----
 
-Piece plainPiece(const Points& p, const Values& s, const Point& from, double a, bool once,
-                 std::size_t hiA, const Point& to, double b, std::size_t loB) {
+Piece referencePiece(const Points& p, const Values& s, const Point& from, double a, bool once,
+                     std::size_t hiA, const Point& to, double b, std::size_t loB) {
     Piece piece;
     const Point& other = p[hiA];
     const bool differs = from.x != other.x || from.y != other.y || from.z != other.z;
@@ -251,14 +251,15 @@ Piece plainPiece(const Points& p, const Values& s, const Point& from, double a, 
     return piece;
 }
 
-double plainClamp(const Values& s, double at) {
+double referenceClamp(const Values& s, double at) {
     const double below = at > s.back() ? s.back() : at;
     return below > s.front() ? below : s.front(); // a NaN falls on the start
 }
 
-// Calls the operation and expects what plain gives, or the error that its clamped range asks for.
-template <typename Operation, typename Plain>
-void expectRangeOrPiece(double a, double b, Operation operation, Plain plain) {
+// Calls the operation and expects what reference gives, or the error that its clamped range asks
+// for.
+template <typename Operation, typename Reference>
+void expectRangeOrPiece(double a, double b, Operation operation, Reference reference) {
     Piece piece;
     if (a == b) {
         EXPECT_THAT([&] { operation(piece); }, refusesRange(kIdentical));
@@ -266,12 +267,12 @@ void expectRangeOrPiece(double a, double b, Operation operation, Plain plain) {
         EXPECT_THAT([&] { operation(piece); }, refusesRange(kGreater));
     } else {
         operation(piece);
-        const Piece expected = plain();
+        const Piece expected = reference();
         expectPiece(piece, expected.points, expected.s);
     }
 }
 
-TEST(Extraction, PiecesBetweenParametersAreThoseOfThePlainStatement) {
+TEST(Extraction, PiecesBetweenParametersMatchReferenceBitForBit) {
     RandomCurves make(11);
     for (int round = 0; round < 20000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -280,24 +281,24 @@ TEST(Extraction, PiecesBetweenParametersAreThoseOfThePlainStatement) {
         const Values& s = curve.getSvalues();
         const double first = make.parameter(s);
         const double second = make.parameter(s);
-        const double a = plainClamp(s, first);
-        const double b = plainClamp(s, second);
+        const double a = referenceClamp(s, first);
+        const double b = referenceClamp(s, second);
         std::size_t loA = 0;
         std::size_t hiA = 0;
         std::size_t loB = 0;
         std::size_t hiB = 0;
-        const Point from = plainInterpolated(p, s, a, loA, hiA);
-        const Point to = plainInterpolated(p, s, b, loB, hiB);
+        const Point from = referenceInterpolated(p, s, a, loA, hiA);
+        const Point to = referenceInterpolated(p, s, b, loB, hiB);
         expectRangeOrPiece(
             a, b, [&](Piece& piece) { curve.getCurve(first, second, piece.points, piece.s); },
-            [&] { return plainPiece(p, s, from, a, false, hiA, to, b, loB); });
+            [&] { return referencePiece(p, s, from, a, false, hiA, to, b, loB); });
         expectRangeOrPiece(
             s.front(), b, [&](Piece& piece) { curve.getCurveBegin(second, piece.points, piece.s); },
-            [&] { return plainPiece(p, s, p[0], s[0], true, 0, to, b, loB); });
+            [&] { return referencePiece(p, s, p[0], s[0], true, 0, to, b, loB); });
         expectRangeOrPiece(
             a, s.back(), [&](Piece& piece) { curve.getCurveEnd(first, piece.points, piece.s); },
             [&] {
-                return plainPiece(p, s, from, a, false, hiA, p.back(), s.back(), p.size() - 1);
+                return referencePiece(p, s, from, a, false, hiA, p.back(), s.back(), p.size() - 1);
             });
     }
 }

@@ -4,7 +4,7 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 
@@ -139,12 +139,12 @@ TEST(Extrapolation, AClosedCurveOfTwoTimesTheSamePointIsLongEnough) {
     EXPECT_EQ(curve.getCurve(), Points({{-1, 0, 0}, {1, 0, 0}, {-1, 0, 0}}));
 }
 
-// -- Against the plain statement ----
+// -- Against the reference ----
 
 // New begin and end; false if the curve has no length.
-bool plainEnds(const Points& p, double fraction, Point& begin, Point& end) {
+bool referenceEnds(const Points& p, double fraction, Point& begin, Point& end) {
     Values s;
-    const double length = plainArcValues(p, s);
+    const double length = referenceArcValues(p, s);
     const double tolerance = 100.0 * qel::NumericalUtils::spacing(0.5);
     Points q{p[0]};
     double last = s[0];
@@ -156,12 +156,12 @@ bool plainEnds(const Points& p, double fraction, Point& begin, Point& end) {
     }
     q.push_back(p.back());
     const std::size_t m = q.size();
-    begin = q[0] + plainUnit(q[0] - q[1]) * (length * fraction);
-    end = q[m - 1] + plainUnit(q[m - 1] - q[m - 2]) * (length * fraction);
+    begin = q[0] + referenceUnit(q[0] - q[1]) * (length * fraction);
+    end = q[m - 1] + referenceUnit(q[m - 1] - q[m - 2]) * (length * fraction);
     return length != 0.0;
 }
 
-TEST(Extrapolation, IsThatOfThePlainStatement) {
+TEST(Extrapolation, MatchesReferenceBitForBit) {
     RandomCurves make(51);
     int refusals = 0;
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
@@ -171,7 +171,7 @@ TEST(Extrapolation, IsThatOfThePlainStatement) {
         const double fraction = make.uniform(-0.5, 1.5);
         Point begin;
         Point end;
-        if (!plainEnds(before.points, fraction, begin, end)) {
+        if (!referenceEnds(before.points, fraction, begin, end)) {
             ++refusals;
             expectInsignificant(curve, [&](ParametricCurve& c) { c.expandCurveEnd(fraction); });
             continue;

@@ -9,7 +9,7 @@
 
 #include <qel/NumericalUtils.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/VectorUnits.h"
 
@@ -30,13 +30,13 @@ Chord chordOf(const Points& points, std::size_t i, std::size_t j) {
 }
 
 // Written out from the formula, in the stated order.
-FarthestVertex plainFarthest(const Points& p, std::size_t first, std::size_t last,
-                             const Chord& chord) {
+FarthestVertex referenceFarthest(const Points& p, std::size_t first, std::size_t last,
+                                 const Chord& chord) {
     FarthestVertex farthest;
     for (std::size_t k = first; k < last; ++k) {
         const Point w = p[k] - chord.start;
-        const double along = plainDot(w, chord.direction) / chord.length;
-        const double h = std::sqrt(plainLength(w) * plainLength(w) - along * along);
+        const double along = referenceDot(w, chord.direction) / chord.length;
+        const double h = std::sqrt(referenceLength(w) * referenceLength(w) - along * along);
         if (h > farthest.distance && h > chord.tolerance) {
             farthest.distance = h;
             farthest.index = k;
@@ -46,7 +46,7 @@ FarthestVertex plainFarthest(const Points& p, std::size_t first, std::size_t las
 }
 
 void checkChord(const Points& points, std::size_t first, std::size_t last, const Chord& chord) {
-    const FarthestVertex expected = plainFarthest(points, first, last, chord);
+    const FarthestVertex expected = referenceFarthest(points, first, last, chord);
     onEveryVectorUnit([&] {
         FarthestVertex actual;
         takeFarthest(points, first, last, chord, actual);

@@ -10,7 +10,7 @@
 
 #include <qel/NumericalUtils.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 #include "support/ParametricCurveTestAccess.h"
@@ -151,9 +151,9 @@ TEST(NormalDistance, FromTheMidpointNeedsARangeOfS) {
     EXPECT_EQ(midpointDeviation(curve, 1, 1), (Deviation{0.0, 1, true}));
 }
 
-// -- Against a plain statement of the rules, bit for bit ----
+// -- Against the reference ----
 
-Deviation plainMidpointDeviation(const ParametricCurve& curve, int i, int j) {
+Deviation referenceMidpointDeviation(const ParametricCurve& curve, int i, int j) {
     const std::vector<double>& s = curve.getSvalues();
     const auto at = [](int index) { return static_cast<std::size_t>(index); };
     if (j == i || j - i == 1 || !(s[at(i)] < s[at(j)])) {
@@ -163,28 +163,28 @@ Deviation plainMidpointDeviation(const ParametricCurve& curve, int i, int j) {
     index = index == i ? i + 1 : index;
     index = index == j ? j - 1 : index;
     const Points& p = curve.getCurve();
-    return {plainLength(p[at(index)] - (p[at(i)] + p[at(j)]) * 0.5), index, false};
+    return {referenceLength(p[at(index)] - (p[at(i)] + p[at(j)]) * 0.5), index, false};
 }
 
-Deviation plainNormalDeviation(const ParametricCurve& curve, int i, int j) {
+Deviation referenceNormalDeviation(const ParametricCurve& curve, int i, int j) {
     Deviation result{0.0, i, true};
     if (j == i || j - i == 1) {
         return result;
     }
     const Points& p = curve.getCurve();
     const Point e = p[static_cast<std::size_t>(i)] - p[static_cast<std::size_t>(j)];
-    const double length = plainLength(e);
+    const double length = referenceLength(e);
     const double tolerance =
         curve.isCurveCreatedAsDouble()
             ? 1000.0 * NumericalUtils::spacing(length)
             : 1000.0 * static_cast<double>(NumericalUtils::spacing(static_cast<float>(length)));
     if (tolerance > length) {
-        return plainMidpointDeviation(curve, i, j);
+        return referenceMidpointDeviation(curve, i, j);
     }
     for (int k = i + 1; k < j; ++k) {
         const Point w = p[static_cast<std::size_t>(k)] - p[static_cast<std::size_t>(i)];
-        const double along = plainDot(w, e) / length;
-        const double h = std::sqrt(plainLength(w) * plainLength(w) - along * along);
+        const double along = referenceDot(w, e) / length;
+        const double h = std::sqrt(referenceLength(w) * referenceLength(w) - along * along);
         if (h > result.distance && h > tolerance) {
             result = {h, k, false};
         }
@@ -201,9 +201,9 @@ TEST(NormalDistance, RandomChordsFollowTheRulesBitForBit) {
         for (int chord = 0; chord < 8; ++chord) {
             const int i = static_cast<int>(random.index(n));
             const int j = static_cast<int>(random.index(n));
-            ASSERT_EQ(normalDeviation(curve, i, j), plainNormalDeviation(curve, i, j))
+            ASSERT_EQ(normalDeviation(curve, i, j), referenceNormalDeviation(curve, i, j))
                 << i << " " << j;
-            ASSERT_EQ(midpointDeviation(curve, i, j), plainMidpointDeviation(curve, i, j))
+            ASSERT_EQ(midpointDeviation(curve, i, j), referenceMidpointDeviation(curve, i, j))
                 << i << " " << j;
         }
     }

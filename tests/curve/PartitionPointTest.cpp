@@ -30,7 +30,7 @@ void checkAgainstStandard(const std::vector<double>& values, double limit) {
 
 TEST(PartitionPoint, OfAnyCountIsThatOfTheStandard) {
     std::vector<double> values;
-    for (int count = 0; count < 300; ++count) {
+    for (int count = 0; count < 70; ++count) {
         for (int limit = -1; limit <= count; ++limit) {
             checkAgainstStandard(values, static_cast<double>(limit));
             ASSERT_FALSE(HasFatalFailure()) << limit << " among " << count;
@@ -52,19 +52,6 @@ TEST(PartitionPoint, GoesTheStandardsWayThroughValuesInNoOrder) {
         for (int k = 0; k < 20; ++k) {
             checkAgainstStandard(values, random.parameter(values));
             ASSERT_FALSE(HasFatalFailure()) << "round " << round;
-        }
-    }
-}
-
-TEST(PartitionPoint, OfCountsBeyondTheCachesIsThatOfTheStandard) {
-    for (const std::size_t count : {std::size_t{1} << 18, (std::size_t{1} << 18) + 1}) {
-        std::vector<double> values(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            values[i] = static_cast<double>(i);
-        }
-        for (std::size_t limit = 0; limit <= count; limit += 1009) {
-            checkAgainstStandard(values, static_cast<double>(limit));
-            ASSERT_FALSE(HasFatalFailure()) << limit << " among " << count;
         }
     }
 }

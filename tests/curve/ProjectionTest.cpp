@@ -9,7 +9,7 @@
 
 #include <qel/NumericalUtils.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/ParametricCurveTestAccess.h"
 
@@ -174,10 +174,10 @@ TEST(Projection, OntoRepeatedPointsStaysOnThem) {
     checkFoot(project(curve, {1, 3, 0}), {1, 0, 0}, 0.5);
 }
 
-// -- Against a plain statement of the rules, bit for bit ----
+// -- Against the reference ----
 
 double squared(const Point& a, const Point& b) {
-    return plainDot(a - b, a - b);
+    return referenceDot(a - b, a - b);
 }
 
 struct PlainCurve {
@@ -223,8 +223,8 @@ struct PlainCurve {
         }
         const Foot a = toEdge(k, k - 1);
         const Foot b = toEdge(k, k + 1);
-        const double da = plainLength(q - a.point);
-        const double db = plainLength(q - b.point);
+        const double da = referenceLength(q - a.point);
+        const double db = referenceLength(q - b.point);
         if (da == db) {
             return {p[k], s[k]};
         }

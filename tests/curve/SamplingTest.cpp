@@ -5,7 +5,7 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 
@@ -52,7 +52,7 @@ TEST(Sampling, EquidistantRefusesFewerThanTwo) {
     }
 }
 
-TEST(Sampling, EquidistantIsThatOfThePlainStatement) {
+TEST(Sampling, EquidistantMatchesReferenceBitForBit) {
     RandomCurves make(24);
     for (int round = 0; round < 3000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -61,7 +61,7 @@ TEST(Sampling, EquidistantIsThatOfThePlainStatement) {
         Points expected{curve.getFirstPoint()};
         const double h = 1.0 / (count - 1);
         for (int k = 1; k <= count - 2; ++k) {
-            expected.push_back(plainAt(curve.getCurve(), curve.getSvalues(), k * h));
+            expected.push_back(referenceAt(curve.getCurve(), curve.getSvalues(), k * h));
         }
         expected.push_back(curve.getLastPoint());
         Points points;
@@ -84,7 +84,7 @@ TEST(Sampling, BySvaluesKeepsTheEndsWhenAsked) {
     EXPECT_EQ(points, Points({{0.5, 0, 0}, {2, 0, 0}, {1, 0, 0}}));
 }
 
-TEST(Sampling, BySvaluesIsThatOfThePlainStatement) {
+TEST(Sampling, BySvaluesMatchesReferenceBitForBit) {
     RandomCurves make(25);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -99,7 +99,7 @@ TEST(Sampling, BySvaluesIsThatOfThePlainStatement) {
         for (const bool keepEnds : {true, false}) {
             Points expected;
             for (const double value : at) {
-                expected.push_back(plainAt(curve.getCurve(), curve.getSvalues(), value));
+                expected.push_back(referenceAt(curve.getCurve(), curve.getSvalues(), value));
             }
             if (keepEnds) {
                 expected.front() = curve.getFirstPoint();
@@ -213,7 +213,7 @@ TEST(Sampling, MinimumSStartsAtZero) {
     EXPECT_EQ(s, Values({0.0, 1.0}));
 }
 
-TEST(Sampling, MinimumSIsThatOfThePlainStatement) {
+TEST(Sampling, MinimumSMatchesReferenceBitForBit) {
     RandomCurves make(26);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -233,7 +233,7 @@ TEST(Sampling, MinimumSIsThatOfThePlainStatement) {
             const int k = x <= 1.0 ? 0 : static_cast<int>(std::floor(x));
             for (int j = 1; j <= k; ++j) {
                 const double at = d * j / (k + 1) + s[i - 1];
-                expected.push_back(plainAt(p, s, at));
+                expected.push_back(referenceAt(p, s, at));
                 expectedS.push_back(at);
             }
             expected.push_back(p[i]);
@@ -326,7 +326,7 @@ TEST(Sampling, RatiosOfEqualStepsAreOneHalf) {
     }
 }
 
-TEST(Sampling, RatiosAreThoseOfThePlainStatement) {
+TEST(Sampling, RatiosMatchReferenceBitForBit) {
     RandomCurves make(27);
     const double floor = static_cast<double>(std::numeric_limits<float>::min());
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
@@ -379,7 +379,7 @@ TEST(Sampling, CosineSampleOfHalfATurn) {
     EXPECT_EQ(values[2], -1.0);
 }
 
-TEST(Sampling, SamplesAreThoseOfThePlainStatement) {
+TEST(Sampling, SamplesMatchReferenceBitForBit) {
     RandomCurves make(28);
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
         const int count = static_cast<int>(make.index(20));

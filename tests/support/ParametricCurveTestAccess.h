@@ -9,11 +9,6 @@ namespace qel {
 
 class ParametricCurveTestAccess {
 public:
-    static TripletBase<double> interpolateOnS(const ParametricCurve& curve, double s,
-                                              std::size_t& lo, std::size_t& hi) {
-        return curve.interpolateOnS(s, lo, hi);
-    }
-
     static TripletBase<double> projectToEdge(const ParametricCurve& curve, int i, int j, double d2i,
                                              double d2j, double& s) {
         return curve.projectToEdge(i, j, d2i, d2j, s);
@@ -22,12 +17,6 @@ public:
     static void calculateDistanceFromTwoPoints(const ParametricCurve& curve, int i, int j,
                                                double& distance, int& index, bool& done) {
         curve.calculateDistanceFromTwoPoints(i, j, distance, index, done);
-    }
-
-    static void eliminateDoublePoints(const ParametricCurve& curve, int exponent,
-                                      const std::vector<TripletBase<double>>& points,
-                                      std::vector<TripletBase<double>>& kept) {
-        curve.eliminateDoublePoints(exponent, points, kept);
     }
 };
 

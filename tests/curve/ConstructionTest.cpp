@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 
 namespace {
@@ -30,7 +30,7 @@ ParametricCurve unusualCurve() {
 
 // -- Enumerations ----
 
-TEST(Model, EnumerationsHaveTheirBindingValues) {
+TEST(Construction, EnumerationsHaveTheirBindingValues) {
     EXPECT_EQ(ParametricCurve::dim1D, 0);
     EXPECT_EQ(ParametricCurve::dim2D, 1);
     EXPECT_EQ(ParametricCurve::dim3D, 2);
@@ -49,27 +49,27 @@ TEST(Model, EnumerationsHaveTheirBindingValues) {
 
 // -- Constructors ----
 
-TEST(Model, IsDestroyedThroughAPointerToItsBase) {
+TEST(Construction, IsDestroyedThroughAPointerToItsBase) {
     EXPECT_TRUE(std::has_virtual_destructor<ParametricCurve>::value);
 }
 
-TEST(Model, DefaultIsTheDiagonalOfTheUnitCube) {
+TEST(Construction, DefaultIsTheDiagonalOfTheUnitCube) {
     const CurveState expected{{{0, 0, 0}, {1, 1, 1}}, {0.0, 1.0}, 2,  0,
                               std::sqrt(3.0),         true,       {}, {0, 0, 1}};
     EXPECT_EQ(stateOf(ParametricCurve()), expected);
 }
 
-TEST(Model, FromDoublePoints) {
+TEST(Construction, FromDoublePoints) {
     const CurveState expected{kBend, {0.0, 5.0 / 17.0, 1.0}, 2, 0, 17.0, true, {}, {0, 0, 1}};
     EXPECT_EQ(stateOf(ParametricCurve(kBend, ParametricCurve::dim3D)), expected);
 }
 
-TEST(Model, FromFloatPoints) {
+TEST(Construction, FromFloatPoints) {
     const CurveState expected{kBend, {0.0, 5.0 / 17.0, 1.0}, 2, 0, 17.0, false, {}, {0, 0, 1}};
     EXPECT_EQ(stateOf(ParametricCurve(narrowed(kBend), ParametricCurve::dim3D)), expected);
 }
 
-TEST(Model, FromFloatPointsAndANormalization) {
+TEST(Construction, FromFloatPointsAndANormalization) {
     const ParametricCurve curve(narrowed(kBend), ParametricCurve::normalizeX,
                                 ParametricCurve::dim2D);
     const CurveState expected{
@@ -77,20 +77,20 @@ TEST(Model, FromFloatPointsAndANormalization) {
     EXPECT_EQ(stateOf(curve), expected);
 }
 
-TEST(Model, FromDoublePointsAndSvalues) {
+TEST(Construction, FromDoublePointsAndSvalues) {
     const ParametricCurve curve(kBend, {2.0, 2.0, 9.0}, ParametricCurve::dim1D);
     const CurveState expected{
         {{0, 0, 0}, {3, 0, 0}, {3, 0, 0}}, {2.0, 2.0, 9.0}, 0, 1, 0.0, true, {}, {0, 0, 1}};
     EXPECT_EQ(stateOf(curve), expected);
 }
 
-TEST(Model, FromFloatPointsAndSvalues) {
+TEST(Construction, FromFloatPointsAndSvalues) {
     const ParametricCurve curve(narrowed(kBend), {2.0, 2.0, 9.0}, ParametricCurve::dim3D);
     const CurveState expected{kBend, {2.0, 2.0, 9.0}, 2, 1, 0.0, false, {}, {0, 0, 1}};
     EXPECT_EQ(stateOf(curve), expected);
 }
 
-TEST(Model, CopiesAndAssignmentsTakeEveryField) {
+TEST(Construction, CopiesAndAssignmentsTakeEveryField) {
     const ParametricCurve original = unusualCurve();
     const ParametricCurve copy(original);
     EXPECT_EQ(stateOf(copy), stateOf(original));
@@ -103,7 +103,7 @@ TEST(Model, CopiesAndAssignmentsTakeEveryField) {
 }
 
 // The axis belongs to the conversions: points that are set anew leave it alone.
-TEST(Model, SettersKeepTheAxis) {
+TEST(Construction, SettersKeepTheAxis) {
     ParametricCurve curve = unusualCurve();
     curve.setPoints(kBend, ParametricCurve::dim3D);
     curve.setPoints(kBend, {0, 1, 2}, ParametricCurve::dim3D);
@@ -112,7 +112,7 @@ TEST(Model, SettersKeepTheAxis) {
     EXPECT_EQ(curve.getAxisDirection(), Point(0, 1, 0));
 }
 
-TEST(Model, CopiesAreIndependent) {
+TEST(Construction, CopiesAreIndependent) {
     ParametricCurve curve(kBend, ParametricCurve::dim3D);
     const ParametricCurve copy(curve);
     curve.setPointsX(std::vector<double>{5.0, 6.0});
@@ -122,7 +122,7 @@ TEST(Model, CopiesAreIndependent) {
 // -- Computed s ----
 
 // Onto a curve with everything else: all of it but the axis is set anew.
-TEST(Model, SIsArcLengthOverLength) {
+TEST(Construction, SIsArcLengthOverLength) {
     ParametricCurve curve = unusualCurve();
     CurveState expected = stateOf(curve);
     expected.points = kBend;
@@ -139,14 +139,14 @@ TEST(Model, SIsArcLengthOverLength) {
     EXPECT_EQ(stateOf(curve), expected);
 }
 
-TEST(Model, ArcNormalizationGivesTheSameS) {
+TEST(Construction, ArcNormalizationGivesTheSameS) {
     ParametricCurve curve;
     curve.setPoints(kBend, ParametricCurve::normalizeArc, ParametricCurve::dim3D);
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 5.0 / 17.0, 1.0));
     EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
 }
 
-TEST(Model, ComponentNormalizationsFollowOneComponent) {
+TEST(Construction, ComponentNormalizationsFollowOneComponent) {
     ParametricCurve curve;
     curve.setPoints(kBend, ParametricCurve::normalizeX, ParametricCurve::dim3D);
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 1.0, 1.0));
@@ -158,7 +158,7 @@ TEST(Model, ComponentNormalizationsFollowOneComponent) {
 }
 
 // s is computed from the points as given, whatever the dimension drops afterwards.
-TEST(Model, NormalizationSeesComponentsThatTheDimensionDrops) {
+TEST(Construction, NormalizationSeesComponentsThatTheDimensionDrops) {
     ParametricCurve curve;
     curve.setPoints(Points{{0, 0, 0}, {0, 0, 1}, {0, 0, 4}}, ParametricCurve::normalizeZ,
                     ParametricCurve::dim1D);
@@ -167,7 +167,7 @@ TEST(Model, NormalizationSeesComponentsThatTheDimensionDrops) {
 }
 
 // Without a normalization, the stored points count.
-TEST(Model, ComputedSSeesOnlySignificantComponents) {
+TEST(Construction, ComputedSSeesOnlySignificantComponents) {
     ParametricCurve curve;
     curve.setPoints(Points{{0, 5, 9}, {1, 7, 3}, {4, 0, 0}}, ParametricCurve::dim1D);
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.25, 1.0));
@@ -177,13 +177,13 @@ TEST(Model, ComputedSSeesOnlySignificantComponents) {
     EXPECT_EQ(curve.getPointAtIndex(1), Point(3, 4, 0));
 }
 
-TEST(Model, CoincidentPointsGetZerosAndOne) {
+TEST(Construction, CoincidentPointsGetZerosAndOne) {
     const ParametricCurve curve(Points(5, Point(1, 2, 3)), ParametricCurve::dim3D);
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.0, 0.0, 0.0, 1.0));
     EXPECT_EQ(curve.getLength(), 0.0);
 }
 
-TEST(Model, AStepToAMarkerIsTheLargestFloat) {
+TEST(Construction, AStepToAMarkerIsTheLargestFloat) {
     for (const int component : {0, 1, 2}) {
         Points points = {{0, 0, 0}, {0, 0, 0}};
         points[1].getRef(component) = kMarker;
@@ -197,7 +197,7 @@ TEST(Model, AStepToAMarkerIsTheLargestFloat) {
     EXPECT_EQ(shifted.getLength(), kInfinity);
 }
 
-TEST(Model, AnInfiniteOrNaNLengthGivesZerosAndOne) {
+TEST(Construction, AnInfiniteOrNaNLengthGivesZerosAndOne) {
     for (const double odd : {kInfinity, kNaN}) {
         const ParametricCurve curve(Points{{0, 0, 0}, {odd, 0, 0}, {1, 0, 0}, {2, 0, 0}},
                                     ParametricCurve::dim3D);
@@ -208,7 +208,7 @@ TEST(Model, AnInfiniteOrNaNLengthGivesZerosAndOne) {
 
 // -- Uniform s ----
 
-TEST(Model, UniformSOnFourValues) {
+TEST(Construction, UniformSOnFourValues) {
     ParametricCurve curve;
     curve.setPointsXnormalizeUniform({9.0, 9.0, -1.0, 4.0});
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 1.0 / 3.0, 2.0 / 3.0, 1.0));
@@ -220,7 +220,7 @@ TEST(Model, UniformSOnFourValues) {
 }
 
 // The step is divided once and multiplied; the end is exactly 1 all the same.
-TEST(Model, UniformSIsAMultipleOfOneStep) {
+TEST(Construction, UniformSIsAMultipleOfOneStep) {
     for (std::size_t n = 2; n < 200; ++n) {
         ParametricCurve curve;
         curve.setPointsXnormalizeUniform(std::vector<double>(n, 1.0));
@@ -234,14 +234,14 @@ TEST(Model, UniformSIsAMultipleOfOneStep) {
 
 // -- Supplied s ----
 
-TEST(Model, EqualNeighbouringSvaluesAreAccepted) {
+TEST(Construction, EqualNeighbouringSvaluesAreAccepted) {
     const Points points(4, Point(1, 1, 1));
     const ParametricCurve curve(points, {0.0, 0.5, 0.5, 1.0}, ParametricCurve::dim3D);
     EXPECT_THAT(curve.getSvalues(), ElementsAre(0.0, 0.5, 0.5, 1.0));
 }
 
 // Only a fall is refused: a NaN is neither below nor above its neighbours.
-TEST(Model, ANaNAmongSvaluesIsAccepted) {
+TEST(Construction, ANaNAmongSvaluesIsAccepted) {
     const Values s = {0.0, kNaN, -1.0};
     EXPECT_TRUE(sameBitsInAll(ParametricCurve(kBend, s, ParametricCurve::dim3D).getSvalues(), s));
     ParametricCurve curve;
@@ -249,14 +249,14 @@ TEST(Model, ANaNAmongSvaluesIsAccepted) {
     EXPECT_TRUE(sameBitsInAll(curve.getSvalues(), s));
 }
 
-TEST(Model, SuppliedSLeavesTheLength) {
+TEST(Construction, SuppliedSLeavesTheLength) {
     ParametricCurve curve(kBend, ParametricCurve::dim3D);
     curve.setPoints(Points{{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0}, ParametricCurve::dim3D);
     EXPECT_EQ(curve.getLength(), 17.0);
     EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
 }
 
-TEST(Model, TakesItsOwnPointsAndSvalues) {
+TEST(Construction, TakesItsOwnPointsAndSvalues) {
     ParametricCurve curve(kBend, ParametricCurve::dim3D);
     curve.setPoints(curve.getCurve(), curve.getSvalues(), ParametricCurve::dim2D);
     EXPECT_EQ(curve.getCurve(), (Points{{0, 0, 0}, {3, 4, 0}, {3, 4, 0}}));
@@ -267,7 +267,7 @@ TEST(Model, TakesItsOwnPointsAndSvalues) {
 
 // -- Single components ----
 
-TEST(Model, SingleComponentsFillOneAxisOfASpaceCurve) {
+TEST(Construction, SingleComponentsFillOneAxisOfASpaceCurve) {
     const std::vector<double> values = {0.0, 3.0, -1.0};
     const std::vector<float> floats = {0.0f, 3.0f, -1.0f};
     const std::vector<double> s = {0.0, 3.0 / 7.0, 1.0};
@@ -302,7 +302,7 @@ TEST(Model, SingleComponentsFillOneAxisOfASpaceCurve) {
 
 // -- Precision ----
 
-TEST(Model, TheLastPointsGivenTellThePrecision) {
+TEST(Construction, TheLastPointsGivenTellThePrecision) {
     const auto dim = ParametricCurve::dim3D;
     const auto norm = ParametricCurve::normalizeY;
     const Values s = {0.0, 0.5, 1.0};
@@ -327,7 +327,101 @@ TEST(Model, TheLastPointsGivenTellThePrecision) {
 
 // -- Accessors ----
 
-TEST(Model, AccessorsHandOutAndCopy) {
+// -- Vectors and curves that are moved in ----
+
+constexpr auto kNoDimension = static_cast<ParametricCurve::dim>(7);
+
+// What a setter leaves, also where it refuses.
+template <typename Set>
+CurveState stateAfter(Set set, std::string& error) {
+    ParametricCurve curve(narrowed(kBend), {0, 0.5, 1}, ParametricCurve::dim2D);
+    try {
+        set(curve);
+    } catch (const qel::internal::error& refusal) {
+        error = refusal.what();
+    }
+    return stateOf(curve);
+}
+
+TEST(Construction, VectorsMovedInLeaveWhatCopiesLeave) {
+    const std::vector<Points> lists = {
+        {}, {{1, 2, 3}}, {{1, 2, 3}, {4, 6, 3}}, kBend, Points(50, Point(1, 2, 3))};
+    for (const auto dimension :
+         {ParametricCurve::dim1D, ParametricCurve::dim2D, ParametricCurve::dim3D, kNoDimension}) {
+        for (const Points& points : lists) {
+            SCOPED_TRACE(std::to_string(points.size()) + " points");
+            std::string expected;
+            std::string error;
+            EXPECT_EQ(
+                stateAfter([&](ParametricCurve& c) { c.setPoints(Points(points), dimension); },
+                           error),
+                stateAfter([&](ParametricCurve& c) { c.setPoints(points, dimension); }, expected));
+            EXPECT_EQ(error, expected);
+            for (const Values& s : {Values(points.size(), 0.5), Values{0, 1}, Values{1, 0, 2}}) {
+                EXPECT_EQ(stateAfter(
+                              [&](ParametricCurve& c) {
+                                  c.setPoints(Points(points), Values(s), dimension);
+                              },
+                              error),
+                          stateAfter([&](ParametricCurve& c) { c.setPoints(points, s, dimension); },
+                                     expected));
+                EXPECT_EQ(error, expected);
+            }
+        }
+    }
+}
+
+TEST(Construction, AVectorMovedInGivesItsMemoryAndGetsThatOfTheCurve) {
+    Points points = kBend;
+    const Point* const memory = points.data();
+    ParametricCurve curve(std::move(points), ParametricCurve::dim3D);
+    EXPECT_EQ(curve.getCurve().data(), memory);
+    Points others(7, Point(1, 2, 3));
+    curve.setPoints(std::move(others), ParametricCurve::dim3D);
+    EXPECT_EQ(others, kBend);
+    EXPECT_EQ(others.data(), memory);
+}
+
+TEST(Construction, SettersReuseMemoryThatIsEnough) {
+    ParametricCurve curve(Points(100, Point(1, 2, 3)), ParametricCurve::dim3D);
+    const Point* const points = curve.getCurve().data();
+    const double* const svalues = curve.getSvalues().data();
+    const ParametricCurve bend(kBend, ParametricCurve::dim3D);
+    curve.setPoints(kBend, ParametricCurve::dim3D);
+    curve.setPoints(narrowed(kBend), {0, 0.5, 1}, ParametricCurve::dim3D);
+    curve.setPointsX(Values(100, 1.0));
+    curve = bend;
+    EXPECT_EQ(curve.getCurve().data(), points);
+    EXPECT_EQ(curve.getSvalues().data(), svalues);
+    EXPECT_EQ(stateOf(curve), stateOf(bend));
+}
+
+TEST(Construction, MovesTakeEveryFieldAndTheMemory) {
+    ParametricCurve source(narrowed(kBend), {0, 0.5, 1}, ParametricCurve::dim2D);
+    Points out;
+    source.convertToART0({1, 2, 3}, {0, 1, 1}, out);
+    const CurveState expected = stateOf(source);
+    const Point* const memory = source.getCurve().data();
+    ParametricCurve constructed(std::move(source));
+    EXPECT_EQ(stateOf(constructed), expected);
+    EXPECT_EQ(constructed.getCurve().data(), memory);
+    ParametricCurve assigned;
+    assigned = std::move(constructed);
+    EXPECT_EQ(stateOf(assigned), expected);
+    EXPECT_EQ(assigned.getCurve().data(), memory);
+}
+
+TEST(Construction, ACurveThatWasMovedFromCanBeSetAndAssigned) {
+    ParametricCurve source(kBend, ParametricCurve::dim3D);
+    const ParametricCurve taken(std::move(source));
+    source.setPoints(kBend, ParametricCurve::dim3D);
+    EXPECT_EQ(stateOf(source), stateOf(taken));
+    const ParametricCurve again(std::move(source));
+    source = again;
+    EXPECT_EQ(stateOf(source), stateOf(taken));
+}
+
+TEST(Construction, AccessorsHandOutAndCopy) {
     const ParametricCurve curve(kBend, ParametricCurve::dim3D);
     EXPECT_EQ(curve.getSize(), 3u);
     Points points(9);
@@ -339,9 +433,9 @@ TEST(Model, AccessorsHandOutAndCopy) {
     EXPECT_EQ(&curve.getCurve(), &curve.getCurve());
 }
 
-// -- Against a plain statement of the rules, bit for bit ----
+// -- Against the reference ----
 
-TEST(Model, RandomCurvesFollowTheRulesBitForBit) {
+TEST(Construction, RandomCurvesFollowTheRulesBitForBit) {
     RandomCurves random(31);
     for (int round = 0; round < 3000; ++round) {
         SCOPED_TRACE(round);
@@ -358,7 +452,7 @@ TEST(Model, RandomCurvesFollowTheRulesBitForBit) {
     }
 }
 
-TEST(Model, RandomNormalizationsFollowTheRulesBitForBit) {
+TEST(Construction, RandomNormalizationsFollowTheRulesBitForBit) {
     RandomCurves random(32);
     for (int round = 0; round < 2000; ++round) {
         SCOPED_TRACE(round);
@@ -373,7 +467,7 @@ TEST(Model, RandomNormalizationsFollowTheRulesBitForBit) {
             }
         }
         CurveState expected{given, {}, 2, 1, std::sqrt(3.0), true, {}, {0, 0, 1}};
-        plainArcValues(measured, expected.svalues);
+        referenceArcValues(measured, expected.svalues);
         ASSERT_EQ(stateOf(curve), expected);
     }
 }

@@ -1,4 +1,4 @@
-// Resampling: more points between the stored ones, which all stay.
+// Tessellation: points inserted between the stored ones, which all stay.
 //
 // Each member first counts what it will insert, so that a request for an absurd number of points
 // is refused before anything is allocated, builds the refined curve aside, and exchanges it last.
@@ -12,6 +12,7 @@
 
 #include <qel/NumericalUtils.h>
 
+#include "curve/BatchEvaluation.h"
 #include "curve/Conversions.h"
 #include "curve/PointCount.h"
 
@@ -51,17 +52,18 @@ Points refined(const Points& points, Inserted inserted, const char* methodName) 
         total += inserted(i);
     }
     checkTotal(total, methodName);
-    Points result;
-    result.reserve(total);
-    result.push_back(points.front());
+    Points result(total);
+    Point* to = result.data();
+    *to++ = points.front();
     for (std::size_t i = 1; i < points.size(); ++i) {
+        const Point from = points[i - 1];
+        const Point step = points[i] - from;
         const std::size_t m = inserted(i);
-        const Point step = points[i] - points[i - 1];
+        const double parts = static_cast<double>(m + 1);
         for (std::size_t j = 1; j <= m; ++j) {
-            result.push_back(points[i - 1] +
-                             step * static_cast<double>(j) / static_cast<double>(m + 1));
+            *to++ = from + step * static_cast<double>(j) / parts;
         }
-        result.push_back(points[i]);
+        *to++ = points[i];
     }
     return result;
 }
@@ -104,22 +106,24 @@ void ParametricCurve::tesselateCurvebySdistance(double maxStep) {
         total += partsOf(svalues_[i] - svalues_[i - 1], maxStep);
     }
     checkTotal(total, "tesselateCurvebySdistance");
-    Points points;
-    std::vector<double> svalues;
-    points.reserve(total);
-    svalues.reserve(total);
-    points.push_back(points_.front());
-    svalues.push_back(svalues_.front());
+    Points points(total);
+    std::vector<double> svalues(total);
+    Point* point = points.data();
+    double* s = svalues.data();
+    *point++ = points_.front();
+    *s++ = svalues_.front();
     for (std::size_t i = 1; i < points_.size(); ++i) {
-        const double step = svalues_[i] - svalues_[i - 1];
+        const Point from = points_[i - 1];
+        const double start = svalues_[i - 1];
+        const double step = svalues_[i] - start;
         const std::size_t parts = partsOf(step, maxStep);
         for (std::size_t j = 1; j < parts; ++j) {
             const double t = static_cast<double>(j) / static_cast<double>(parts);
-            points.push_back(points_[i - 1] + (points_[i] - points_[i - 1]) * t);
-            svalues.push_back(svalues_[i - 1] + t * step);
+            *point++ = from + (points_[i] - from) * t;
+            *s++ = start + t * step;
         }
-        points.push_back(points_[i]);
-        svalues.push_back(svalues_[i]);
+        *point++ = points_[i];
+        *s++ = svalues_[i];
     }
     // s is interpolated, so length and parametrization stay.
     exchange(points, svalues);
@@ -152,31 +156,90 @@ void ParametricCurve::tesselateCurvebyMinYdistance(double step) {
 // Inserted points carry x alone. Their s-values are equally spaced while x is not; neither is
 // brought in line with the other, on purpose.
 
+namespace {
+
+// Sets the points of an interval and `count` between them, with their s-values: x is xAt(j) for the
+// j-th of them, and s equally spaced.
+template <typename XAt>
+void fillInterval(const Point& from, const Point& to, double sFrom, double sTo, std::size_t count,
+                  XAt xAt, Point* points, double* svalues) {
+    const double h = (sTo - sFrom) / static_cast<double>(count + 1);
+    points[0] = from;
+    svalues[0] = sFrom;
+    for (std::size_t j = 1; j <= count; ++j) {
+        points[j] = Point(xAt(j), 0.0, 0.0);
+        svalues[j] = static_cast<double>(j) * h + sFrom;
+    }
+    points[count + 1] = to;
+    svalues[count + 1] = sTo;
+}
+
+// The same between all neighbours, x spaced by cosine.
+void insertByCosine(const Points& points, const std::vector<double>& svalues,
+                    const std::vector<double>& cosines, Points& refined,
+                    std::vector<double>& refinedSvalues) {
+    const std::size_t count = cosines.size() - 2;
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        const double from = points[i - 1].x;
+        const double to = points[i].x;
+        const auto xAt = [&](std::size_t j) {
+            return from - (cosines[j] - cosines[0]) * (to - from) * 0.5;
+        };
+        const std::size_t base = (i - 1) * (count + 1);
+        fillInterval(points[i - 1], points[i], svalues[i - 1], svalues[i], count, xAt,
+                     &refined[base], &refinedSvalues[base]);
+    }
+}
+
+// An interval whose x stays at either end over the shares, cosine-spaced between them.
+class SpreadInterval {
+public:
+    explicit SpreadInterval(const std::vector<double>& cosines)
+        : cosines_(cosines),
+          points_(3 * (cosines.size() - 1) + 1),
+          svalues_(points_.size()),
+          step_(1.0 / static_cast<double>(cosines.size() - 1)) {}
+
+    void set(double from, double to, const std::pair<double, double>& shares) {
+        for (const std::size_t i : {0U, 1U, 2U, 3U}) {
+            corners_[i].x = i < 2 ? from : to;
+        }
+        cornerSvalues_ = {0.0, shares.first, 1.0 - shares.second, 1.0};
+        insertByCosine(corners_, cornerSvalues_, cosines_, points_, svalues_);
+    }
+
+    // x at the j-th of the points inserted.
+    double xAt(std::size_t j) const {
+        return pointAtParameter(points_, svalues_, static_cast<double>(static_cast<int>(j)) * step_)
+            .x;
+    }
+
+private:
+    const std::vector<double>& cosines_;
+    Points corners_ = Points(4);
+    std::vector<double> cornerSvalues_;
+    Points points_;
+    std::vector<double> svalues_;
+    double step_;
+};
+
+// The number of points after `inserted` more in every interval.
+std::size_t totalAfter(std::size_t size, std::size_t inserted) {
+    const std::size_t total = (size - 1) * inserted + size;
+    checkTotal(total, "tesselateXCurvebyCosine");
+    return total;
+}
+
+} // namespace
+
 void ParametricCurve::tesselateXCurvebyCosine(int count) {
     checkInsertedCount(count, "tesselateXCurvebyCosine");
-    const auto inserted = static_cast<std::size_t>(count);
-    const std::size_t total = (points_.size() - 1) * inserted + points_.size();
-    checkTotal(total, "tesselateXCurvebyCosine");
+    const std::size_t total = totalAfter(points_.size(), static_cast<std::size_t>(count));
     std::vector<double> cosines;
-    std::vector<double> steps;
     getCosineCurveSample(count, 0.0, kPi, cosines);
     Points points(total);
     std::vector<double> svalues(total);
-    for (std::size_t i = 1; i < points_.size(); ++i) {
-        const Point& from = points_[i - 1];
-        const Point& to = points_[i];
-        const std::size_t base = (i - 1) * (inserted + 1);
-        getLinearCurveSample(count, svalues_[i - 1], svalues_[i], steps);
-        points[base] = from;
-        svalues[base] = svalues_[i - 1];
-        for (std::size_t j = 1; j <= inserted; ++j) {
-            const double x = from.x - (cosines[j] - cosines[0]) * (to.x - from.x) * 0.5;
-            points[base + j] = Point(x, 0.0, 0.0);
-            svalues[base + j] = steps[j];
-        }
-        points[base + inserted + 1] = to;
-        svalues[base + inserted + 1] = svalues_[i];
-    }
+    insertByCosine(points_, svalues_, cosines, points, svalues);
     exchange(points, svalues);
 }
 
@@ -185,32 +248,19 @@ void ParametricCurve::tesselateXCurvebyCosine(
     checkInsertedCount(count, "tesselateXCurvebyCosine");
     checkSpreads(spreads, points_.size() - 1);
     const auto inserted = static_cast<std::size_t>(count);
-    const std::size_t total = (points_.size() - 1) * inserted + points_.size();
-    const std::size_t ofSection = 3 * inserted + 4; // each interval is refined on its own below
-    checkTotal(std::max(total, ofSection), "tesselateXCurvebyCosine");
+    const std::size_t total = totalAfter(points_.size(), inserted);
+    totalAfter(4, inserted); // of each interval, which is refined on its own
+    std::vector<double> cosines;
+    getCosineCurveSample(count, 0.0, kPi, cosines);
     Points points(total);
     std::vector<double> svalues(total);
-    std::vector<double> steps;
-    Points sampled;
-    ParametricCurve section;
+    SpreadInterval interval(cosines);
     for (std::size_t i = 1; i < points_.size(); ++i) {
-        const double from = points_[i - 1].x;
-        const double to = points_[i].x;
-        const auto [start, end] = spreads[i - 1];
-        // x stays at either end of the interval over the shares, cosine-spaced between them.
-        section.setPointsX({from, from, to, to}, {0.0, start, 1.0 - end, 1.0});
-        section.tesselateXCurvebyCosine(count);
-        section.getCurveForEquidistantS(sampled, count + 2);
-        getLinearCurveSample(count, svalues_[i - 1], svalues_[i], steps);
+        interval.set(points_[i - 1].x, points_[i].x, spreads[i - 1]);
         const std::size_t base = (i - 1) * (inserted + 1);
-        points[base] = points_[i - 1];
-        svalues[base] = svalues_[i - 1];
-        for (std::size_t j = 1; j <= inserted; ++j) {
-            points[base + j] = Point(sampled[j].x, 0.0, 0.0);
-            svalues[base + j] = steps[j];
-        }
-        points[base + inserted + 1] = points_[i];
-        svalues[base + inserted + 1] = svalues_[i];
+        fillInterval(
+            points_[i - 1], points_[i], svalues_[i - 1], svalues_[i], inserted,
+            [&](std::size_t j) { return interval.xAt(j); }, &points[base], &svalues[base]);
     }
     exchange(points, svalues);
 }

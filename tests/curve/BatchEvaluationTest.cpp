@@ -1,48 +1,37 @@
-// The points at many parameters: each what a plain search finds.
+// The points at many parameters: each the one that the reference implementation finds for it.
 
-#include "curve/ParameterWalk.h"
+#include "curve/BatchEvaluation.h"
 
 #include <algorithm>
 #include <cmath>
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
+#include "support/Shapes.h"
 #include "support/VectorUnits.h"
 
 namespace {
 
 using namespace qel_test;
 
-// Asks one walk for all parameters, and the plain search for each.
-void expectWalkIsPlain(const Points& p, const Values& s, const Values& parameters,
-                       std::size_t expected) {
-    qel::ParameterWalk walk(p, s, expected);
-    Points plain;
+void expectReferencePoints(const Points& p, const Values& s, const Values& parameters,
+                           std::size_t expected) {
+    Points reference;
     for (const double at : parameters) {
-        plain.push_back(plainAt(p, s, at));
-        EXPECT_TRUE(sameBits(walk.at(at), plain.back())) << at;
+        reference.push_back(referenceAt(p, s, at));
     }
-    Points together;
-    qel::ParameterWalk(p, s, expected)
-        .forEach(
-            0, parameters.size(), [&](std::size_t k) { return parameters[k]; },
-            [&](std::size_t k, const Point& point) {
-                EXPECT_EQ(k, together.size());
-                together.push_back(point);
-            });
-    EXPECT_TRUE(sameBitsInAll(together, plain));
     const Point untouched(1, 2, 3);
-    Points ofList(parameters.size() + 1, untouched);
-    qel::ParameterWalk(p, s, expected)
-        .pointsAt(parameters.data(), parameters.size(), ofList.data());
-    EXPECT_EQ(ofList.back(), untouched);
-    ofList.pop_back();
-    EXPECT_TRUE(sameBitsInAll(ofList, plain));
+    Points points(parameters.size() + 1, untouched);
+    qel::BatchEvaluation(p, s, expected)
+        .pointsAt(parameters.data(), parameters.size(), points.data());
+    EXPECT_EQ(points.back(), untouched);
+    points.pop_back();
+    EXPECT_TRUE(sameBitsInAll(points, reference));
 }
 
-TEST(ParameterWalk, FindsWhatAPlainSearchFinds) {
+TEST(BatchEvaluation, AnyOrderOfParametersMatchesReferenceBitForBit) {
     RandomCurves make(21);
     for (int round = 0; round < 5000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -53,17 +42,17 @@ TEST(ParameterWalk, FindsWhatAPlainSearchFinds) {
         for (double& at : parameters) {
             at = make.parameter(s);
         }
-        expectWalkIsPlain(p, s, parameters, parameters.size()); // any order
+        expectReferencePoints(p, s, parameters, parameters.size()); // any order
         std::sort(parameters.begin(), parameters.end());
-        expectWalkIsPlain(p, s, parameters, parameters.size());
-        expectWalkIsPlain(p, s, parameters, 0); // searches throughout
+        expectReferencePoints(p, s, parameters, parameters.size());
+        expectReferencePoints(p, s, parameters, 0); // searches throughout
         std::reverse(parameters.begin(), parameters.end());
-        expectWalkIsPlain(p, s, parameters, parameters.size());
+        expectReferencePoints(p, s, parameters, parameters.size());
     }
 }
 
 // Jumps farther than a few steps, both ways, and long runs of equal s-values.
-TEST(ParameterWalk, FollowsJumpsAndRuns) {
+TEST(BatchEvaluation, FollowsJumpsAndRuns) {
     RandomCurves make(22);
     const std::size_t n = 400;
     Points p(n);
@@ -77,9 +66,9 @@ TEST(ParameterWalk, FollowsJumpsAndRuns) {
     for (int k = 0; k < 4000; ++k) {
         parameters.push_back(make.parameter(s));
     }
-    expectWalkIsPlain(p, s, parameters, parameters.size());
+    expectReferencePoints(p, s, parameters, parameters.size());
     std::sort(parameters.begin(), parameters.end());
-    expectWalkIsPlain(p, s, parameters, parameters.size());
+    expectReferencePoints(p, s, parameters, parameters.size());
 }
 
 // Distinct s-values from `from` to 1; the higher the power, the more of them crowd at the front.
@@ -95,9 +84,10 @@ Values crowded(RandomCurves& make, std::size_t n, double from, double power) {
     return s;
 }
 
-// Long sorted lists, whose blocks are merged or found in windows: as many parameters as s-values,
-// more or fewer, both crowded in places, on s-values and beside them, repeated, beyond the ends.
-TEST(ParameterWalk, FindsBlocksOfSortedParameters) {
+// Long sorted lists, whose blocks are walked through or searched for: as many parameters as
+// s-values, more or fewer, both crowded in places, on s-values and beside them, repeated, beyond
+// the ends.
+TEST(BatchEvaluation, FindsBlocksOfSortedParameters) {
     RandomCurves make(26);
     for (const std::size_t n : {2u, 3u, 40u, 300u, 3000u, 9000u}) {
         for (const double from : {0.0, -0.0, 0.25, -0.25}) {
@@ -113,14 +103,14 @@ TEST(ParameterWalk, FindsBlocksOfSortedParameters) {
                     parameters[k] = s[make.index(s.size())];
                 }
                 std::sort(parameters.begin(), parameters.end());
-                onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+                onEveryVectorUnit([&] { expectReferencePoints(p, s, parameters, s.size()); });
             }
         }
     }
 }
 
 // In no order, few to a step of s and many, with some on s-values, beyond the ends and NaN.
-TEST(ParameterWalk, FindsBlocksOfUnsortedParameters) {
+TEST(BatchEvaluation, FindsBlocksOfUnsortedParameters) {
     RandomCurves make(29);
     for (const std::size_t n : {2u, 3u, 17u, 300u, 4000u}) {
         for (const double from : {0.0, -0.5, 0.25}) {
@@ -137,13 +127,13 @@ TEST(ParameterWalk, FindsBlocksOfUnsortedParameters) {
             for (const std::size_t k : {0u, 300u, 301u, 600u, 1099u}) {
                 parameters[k] = kNaN;
             }
-            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+            onEveryVectorUnit([&] { expectReferencePoints(p, s, parameters, s.size()); });
         }
     }
 }
 
 // Evenly spread parameters, on s-values and between them, from many to a parameter to few.
-TEST(ParameterWalk, FindsBlocksOfEvenParameters) {
+TEST(BatchEvaluation, FindsBlocksOfEvenParameters) {
     RandomCurves make(28);
     for (const std::size_t n : {17u, 100u, 700u, 2100u}) {
         Points p(n);
@@ -158,14 +148,14 @@ TEST(ParameterWalk, FindsBlocksOfEvenParameters) {
             for (std::size_t k = 0; k < count; ++k) {
                 parameters[k] = static_cast<double>(k) / static_cast<double>(count - 1);
             }
-            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, n); });
+            onEveryVectorUnit([&] { expectReferencePoints(p, s, parameters, n); });
         }
     }
 }
 
 // A block with one parameter out of place, NaN or beyond an end among others that are found
 // together.
-TEST(ParameterWalk, NoticesAParameterOutOfOrder) {
+TEST(BatchEvaluation, NoticesAParameterOutOfOrder) {
     RandomCurves make(27);
     const Values s = crowded(make, 1000, 0.0, 1.0);
     Points p(s.size());
@@ -179,13 +169,13 @@ TEST(ParameterWalk, NoticesAParameterOutOfOrder) {
               16u, 255u, 256u, 300u, 511u, 512u, 1000u, 1091u, 1092u, 1099u}) {
             Values parameters = sorted;
             parameters[at] = wrong;
-            onEveryVectorUnit([&] { expectWalkIsPlain(p, s, parameters, s.size()); });
+            onEveryVectorUnit([&] { expectReferencePoints(p, s, parameters, s.size()); });
         }
     }
 }
 
 // Steps near the size at which s-values count as equal, at every decade.
-TEST(ParameterWalk, CountsTheSameStepsAsEqual) {
+TEST(BatchEvaluation, CountsTheSameStepsAsEqual) {
     RandomCurves make(23);
     for (int decade = -30; decade <= 30; ++decade) {
         const double base = std::pow(10.0, decade / 2.0);
@@ -202,11 +192,62 @@ TEST(ParameterWalk, CountsTheSameStepsAsEqual) {
         for (std::size_t i = 1; i < s.size(); ++i) {
             parameters.push_back(s[i - 1] + 0.3 * (s[i] - s[i - 1]));
         }
-        expectWalkIsPlain(p, s, parameters, parameters.size());
+        expectReferencePoints(p, s, parameters, parameters.size());
     }
 }
 
-TEST(ParameterWalk, AgreesWithGetPointAtParameterWhereSvaluesHoldNaN) {
+// Every other s-value repeated, some of them often: brackets begin at the first of the equal ones.
+TEST(BatchEvaluation, RepeatedSvaluesMatchReferenceBitForBit) {
+    RandomCurves make(25);
+    for (const std::size_t n : {9u, 60u, 700u}) {
+        Values s = crowded(make, n, 0.0, 1.0);
+        for (std::size_t i = 1; i + 1 < s.size(); ++i) {
+            s[i] = make.chance(0.5) ? s[i - 1] : s[i];
+        }
+        std::fill(s.begin() + 2, s.begin() + 6, s[6]);
+        Points p(s.size());
+        for (Point& point : p) {
+            point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
+        }
+        Values parameters = s;
+        for (std::size_t i = 1; i < s.size(); ++i) {
+            parameters.push_back(0.5 * (s[i - 1] + s[i]));
+        }
+        for (int round = 0; round < 2; ++round) {
+            onEveryVectorUnit([&] { expectReferencePoints(p, s, parameters, s.size()); });
+            std::sort(parameters.begin(), parameters.end());
+        }
+    }
+}
+
+// A step between negative s-values that is not worth mentioning beside them counts as one at zero.
+TEST(BatchEvaluation, StepsThatEndAtZeroMatchReferenceBitForBit) {
+    for (const double step : {1e-15, 2.2e-14, 2.3e-14, 1e-12, 1e-6}) {
+        const Points p{{0, 1, 0}, {1, 0, 0}, {2, 0, 5}, {3, 1, 1}, {7, 7, 7}};
+        const Values s{-1e-3, -step, 0.0, step, 1e-3};
+        Values parameters;
+        for (int k = -4; k <= 4; ++k) {
+            parameters.push_back(0.25 * k * step);
+        }
+        onEveryVectorUnit([&] { expectReferencePoints(p, s, parameters, s.size()); });
+    }
+}
+
+TEST(BatchEvaluation, NamedShapesMatchReferenceBitForBit) {
+    for (const CurveShape& shape : curveShapes()) {
+        SCOPED_TRACE(shape);
+        const ParametricCurve curve(shape.make(600), ParametricCurve::dim3D);
+        const Values& s = curve.getSvalues();
+        Values parameters = s;
+        for (int k = 0; k < 600; ++k) {
+            parameters.push_back(k / 599.0);
+        }
+        onEveryVectorUnit(
+            [&] { expectReferencePoints(curve.getCurve(), s, parameters, parameters.size()); });
+    }
+}
+
+TEST(BatchEvaluation, AgreesWithGetPointAtParameterWhereSvaluesHoldNaN) {
     const Points p{{0, 0, 0}, {1, 2, 3}, {4, 5, 6}, {7, 8, 8}, {9, 9, 9}};
     const Values kinds[] = {{0.0, kNaN, 0.5, 0.7, 1.0},
                             {kNaN, 0.2, 0.5, 0.7, 1.0},
@@ -214,37 +255,15 @@ TEST(ParameterWalk, AgreesWithGetPointAtParameterWhereSvaluesHoldNaN) {
                             {0.0, 0.2, 0.5, 0.7, kNaN}};
     for (const Values& s : kinds) {
         const ParametricCurve curve(p, s, ParametricCurve::dim3D);
-        qel::ParameterWalk walk(p, s, 100);
-        for (double at = -0.1; at < 1.2; at += 0.01) {
-            EXPECT_TRUE(sameBits(walk.at(at), curve.getPointAtParameter(at))) << at;
+        Values parameters;
+        Points expected;
+        for (int k = -10; k < 120; ++k) {
+            parameters.push_back(0.01 * k);
+            expected.push_back(curve.getPointAtParameter(parameters.back()));
         }
-    }
-}
-
-// The order of s-values is made sure of in lanes: one out of order must show in each of them.
-TEST(ParameterWalk, NeverWalksAlongSvaluesOutOfOrderOnAnyVectorUnit) {
-    const std::size_t n = 40;
-    RandomCurves make(24);
-    Points p(n);
-    for (Point& point : p) {
-        point = Point(make.uniform(-1, 1), make.uniform(-1, 1), make.uniform(-1, 1));
-    }
-    for (std::size_t wrong = 1; wrong + 1 < n; ++wrong) {
-        for (const double value : {kNaN, -1.0, 2.0}) {
-            Values s(n);
-            for (std::size_t i = 0; i < n; ++i) {
-                s[i] = static_cast<double>(i) / static_cast<double>(n - 1);
-            }
-            s[wrong] = value;
-            onEveryVectorUnit([&] {
-                qel::ParameterWalk(p, s, n).forEach(
-                    0, n, [&](std::size_t k) { return (static_cast<double>(k) + 0.5) / 40.0; },
-                    [&](std::size_t k, const Point& point) {
-                        const double at = (static_cast<double>(k) + 0.5) / 40.0;
-                        EXPECT_TRUE(sameBits(point, qel::ParameterWalk(p, s, 0).at(at))) << at;
-                    });
-            });
-        }
+        Points points(parameters.size());
+        qel::BatchEvaluation(p, s, 100).pointsAt(parameters.data(), points.size(), points.data());
+        EXPECT_TRUE(sameBitsInAll(points, expected));
     }
 }
 

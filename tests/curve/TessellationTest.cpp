@@ -6,7 +6,7 @@
 
 #include <qel/ParametricCurve.h>
 
-#include "PlainCurve.h"
+#include "ReferenceCurve.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 
@@ -35,20 +35,20 @@ void expectRefusedUnchanged(ParametricCurve curve, Operation operation, Refusal 
 
 // -- By step of s ----
 
-TEST(Resampling, SdistanceSplitsIntoEqualParts) {
+TEST(Tessellation, SdistanceSplitsIntoEqualParts) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {8, 4, 0}}, {0.0, 1.0});
     curve.tesselateCurvebySdistance(0.25);
     EXPECT_EQ(curve.getSvalues(), Values({0, 0.25, 0.5, 0.75, 1}));
     EXPECT_EQ(curve.getCurve(), Points({{0, 0, 0}, {2, 1, 0}, {4, 2, 0}, {6, 3, 0}, {8, 4, 0}}));
 }
 
-TEST(Resampling, SdistanceLeavesAStepOfExactlyThatSizeAlone) {
+TEST(Tessellation, SdistanceLeavesAStepOfExactlyThatSizeAlone) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}, {4, 0, 0}}, {0.0, 0.25, 1.0});
     curve.tesselateCurvebySdistance(0.25);
     EXPECT_EQ(curve.getSvalues(), Values({0, 0.25, 0.5, 0.75, 1}));
 }
 
-TEST(Resampling, SdistanceAcceptsItsBoundsAndRefusesBeyond) {
+TEST(Tessellation, SdistanceAcceptsItsBoundsAndRefusesBeyond) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0});
     curve.tesselateCurvebySdistance(1.0);
     EXPECT_EQ(curve.getSize(), 2u);
@@ -70,7 +70,7 @@ TEST(Resampling, SdistanceAcceptsItsBoundsAndRefusesBeyond) {
 }
 
 // s is interpolated: supplied values, the length and where s came from all stay.
-TEST(Resampling, SdistanceKeepsParametrizationAndLength) {
+TEST(Tessellation, SdistanceKeepsParametrizationAndLength) {
     ParametricCurve supplied(FloatPoints{{0, 0, 0}, {3, 0, 0}, {3, 4, 0}}, Values{0.0, 0.5, 1.0},
                              ParametricCurve::dim2D);
     CurveState expected = stateOf(supplied);
@@ -83,7 +83,7 @@ TEST(Resampling, SdistanceKeepsParametrizationAndLength) {
     EXPECT_FALSE(supplied.isCurveCreatedAsDouble());
 }
 
-TEST(Resampling, SdistanceIsThatOfThePlainStatement) {
+TEST(Tessellation, SdistanceMatchesReferenceBitForBit) {
     RandomCurves make(31);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -117,7 +117,7 @@ TEST(Resampling, SdistanceIsThatOfThePlainStatement) {
     }
 }
 
-TEST(Resampling, SdistanceRefusesAnAbsurdNumberOfPoints) {
+TEST(Tessellation, SdistanceRefusesAnAbsurdNumberOfPoints) {
     const Points p{{0, 0, 0}, {1, 0, 0}};
     const auto refused = throwsInternal("ParametricCurve", "tesselateCurvebySdistance",
                                         "Requested number of points exceeds 2147483647.");
@@ -131,7 +131,7 @@ TEST(Resampling, SdistanceRefusesAnAbsurdNumberOfPoints) {
         [](ParametricCurve& c) { c.tesselateCurvebySdistance(1.0); }, refused);
 }
 
-TEST(Resampling, SdistanceLeavesANaNStepAlone) {
+TEST(Tessellation, SdistanceLeavesANaNStepAlone) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, {0.0, kNaN, 1.0});
     curve.tesselateCurvebySdistance(0.1);
     EXPECT_EQ(curve.getSize(), 3u);
@@ -139,7 +139,7 @@ TEST(Resampling, SdistanceLeavesANaNStepAlone) {
 
 // -- By number and by rise ----
 
-TEST(Resampling, NumberIsCapped) {
+TEST(Tessellation, NumberIsCapped) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {4, 0, 0}}, {0.0, 1.0});
     curve.tesselateCurvebyNumber(3, 0.1); // nine would fit
     EXPECT_EQ(curve.getCurve(), Points({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}, {4, 0, 0}}));
@@ -147,7 +147,7 @@ TEST(Resampling, NumberIsCapped) {
 }
 
 // 0.3 / 0.1 rounds to a little less than 3; the allowance makes up for it.
-TEST(Resampling, NumberAllowsForRounding) {
+TEST(Tessellation, NumberAllowsForRounding) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {3, 0, 0}, {10, 0, 0}}, {0.0, 0.3, 1.0});
     curve.tesselateCurvebyNumber(2, 0.1);
     EXPECT_EQ(curve.getCurve()[1], Point(1, 0, 0));
@@ -156,14 +156,14 @@ TEST(Resampling, NumberAllowsForRounding) {
 }
 
 // Where s is large the allowance vanishes: two whole steps are two.
-TEST(Resampling, NumberCountsAStepThatFitsExactly) {
+TEST(Tessellation, NumberCountsAStepThatFitsExactly) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {4, 0, 0}}, {0.0, 200.0});
     curve.tesselateCurvebyNumber(5, 100.0);
     EXPECT_EQ(curve.getCurve(), Points({{0, 0, 0}, {2, 0, 0}, {4, 0, 0}}));
 }
 
 // s follows arc length afterwards, also where it had been supplied; only s and length change.
-TEST(Resampling, NumberComputesSAndLength) {
+TEST(Tessellation, NumberComputesSAndLength) {
     ParametricCurve curve(FloatPoints{{0, 0, 0}, {3, 0, 0}, {3, 1, 0}}, Values{0.0, 0.5, 1.0},
                           ParametricCurve::dim2D);
     CurveState expected = stateOf(curve);
@@ -175,7 +175,7 @@ TEST(Resampling, NumberComputesSAndLength) {
     EXPECT_EQ(curve.getParametrization(), ParametricCurve::parametrizationSupplied);
 }
 
-TEST(Resampling, MinYdistanceLooksAtYAlone) {
+TEST(Tessellation, MinYdistanceLooksAtYAlone) {
     ParametricCurve curve(Points{{0, 1, 0}, {1000, 1, 500}, {1000, 3, 500}},
                           ParametricCurve::dim3D);
     curve.tesselateCurvebyMinYdistance(0.5);
@@ -189,7 +189,7 @@ TEST(Resampling, MinYdistanceLooksAtYAlone) {
 }
 
 // The smallest normal number is added to the rise, sign and all, which only the tiniest steps show.
-TEST(Resampling, MinYdistanceAddsTheSmallestNumber) {
+TEST(Tessellation, MinYdistanceAddsTheSmallestNumber) {
     ParametricCurve level(Points{{0, 1, 0}, {4, 1, 0}}, ParametricCurve::dim3D);
     level.tesselateCurvebyMinYdistance(DBL_MIN / 4);
     EXPECT_EQ(level.getSize(), 5u);
@@ -199,7 +199,7 @@ TEST(Resampling, MinYdistanceAddsTheSmallestNumber) {
 }
 
 template <typename Inserted>
-Points plainRefined(const Points& p, Inserted inserted) {
+Points referenceRefined(const Points& p, Inserted inserted) {
     Points refined{p[0]};
     for (std::size_t i = 1; i < p.size(); ++i) {
         const double m = inserted(i);
@@ -211,7 +211,7 @@ Points plainRefined(const Points& p, Inserted inserted) {
     return refined;
 }
 
-TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
+TEST(Tessellation, NumberAndMinYdistanceMatchReferenceBitForBit) {
     RandomCurves make(32);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -221,7 +221,7 @@ TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
         const int most = static_cast<int>(make.index(9));
         const double step = std::pow(10.0, make.uniform(-3.0, 1.0));
         CurveState expected = stateOf(curve);
-        recompute(expected, plainRefined(p, [&](std::size_t i) {
+        recompute(expected, referenceRefined(p, [&](std::size_t i) {
                       double m = std::trunc((s[i] - s[i - 1] + allowance()) / step - 1.0);
                       m = m <= 0.0 ? 0.0 : m;
                       return m >= most ? most : m;
@@ -239,7 +239,7 @@ TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
             continue;
         }
         expected = stateOf(curve);
-        recompute(expected, plainRefined(p, [&](std::size_t i) {
+        recompute(expected, referenceRefined(p, [&](std::size_t i) {
                       const double m =
                           std::trunc(std::abs(p[i].y - p[i - 1].y + DBL_MIN) / rise) - 1.0;
                       return m > 0.0 ? m : 0.0;
@@ -249,7 +249,7 @@ TEST(Resampling, NumberAndMinYdistanceAreThoseOfThePlainStatement) {
     }
 }
 
-TEST(Resampling, StepsMustBePositive) {
+TEST(Tessellation, StepsMustBePositive) {
     const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 9, 0}}, {0.0, 1.0});
     const std::pair<double, const char*> kinds[] = {
         {0.0, "0"}, {-0.0, "-0"}, {-1.0, "-1"}, {kNaN, "nan"}, {-kInfinity, "-inf"}};
@@ -266,14 +266,14 @@ TEST(Resampling, StepsMustBePositive) {
     }
 }
 
-TEST(Resampling, AnEndlessStepInsertsNothing) {
+TEST(Tessellation, AnEndlessStepInsertsNothing) {
     ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 9, 0}}, {0.0, 1.0});
     curve.tesselateCurvebyNumber(3, kInfinity);
     curve.tesselateCurvebyMinYdistance(kInfinity);
     EXPECT_EQ(curve.getSize(), 2u);
 }
 
-TEST(Resampling, NumberRefusesNegativeAndAbsurdCounts) {
+TEST(Tessellation, NumberRefusesNegativeAndAbsurdCounts) {
     const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0});
     for (const int count : {-1, INT_MIN}) {
         expectRefusedUnchanged(
@@ -294,7 +294,7 @@ TEST(Resampling, NumberRefusesNegativeAndAbsurdCounts) {
     EXPECT_EQ(few.getSize(), 5u);
 }
 
-TEST(Resampling, MinYdistanceRefusesAnAbsurdNumberOfPoints) {
+TEST(Tessellation, MinYdistanceRefusesAnAbsurdNumberOfPoints) {
     for (const double y : {1e300, kInfinity, 1e10}) {
         expectRefusedUnchanged(
             withSvalues({{0, 0, 0}, {1, y, 0}}, {0.0, 1.0}),
@@ -309,7 +309,7 @@ TEST(Resampling, MinYdistanceRefusesAnAbsurdNumberOfPoints) {
 
 // -- By cosine ----
 
-TEST(Resampling, OnePointByCosineIsTheMiddle) {
+TEST(Tessellation, OnePointByCosineIsTheMiddle) {
     ParametricCurve curve = withSvalues({{0, 5, 5}, {2, 5, 5}, {6, 5, 5}}, {0.0, 0.25, 1.0});
     curve.tesselateXCurvebyCosine(1);
     ASSERT_EQ(curve.getSize(), 5u);
@@ -322,7 +322,7 @@ TEST(Resampling, OnePointByCosineIsTheMiddle) {
     EXPECT_EQ(curve.getSvalues(), Values({0.0, 0.125, 0.25, 0.625, 1.0}));
 }
 
-CurveState plainCosine(const ParametricCurve& curve, int count) {
+CurveState referenceCosine(const ParametricCurve& curve, int count) {
     CurveState state = stateOf(curve);
     const Points p = state.points;
     const Values s = state.svalues;
@@ -345,19 +345,19 @@ CurveState plainCosine(const ParametricCurve& curve, int count) {
 }
 
 // Neither s nor length is brought in line with the new points, and no flag is touched.
-TEST(Resampling, CosineIsThatOfThePlainStatement) {
+TEST(Tessellation, CosineMatchesReferenceBitForBit) {
     RandomCurves make(33);
     for (int round = 0; round < 3000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
         ParametricCurve curve = make.curve();
         const int count = static_cast<int>(make.index(7));
-        const CurveState expected = plainCosine(curve, count);
+        const CurveState expected = referenceCosine(curve, count);
         curve.tesselateXCurvebyCosine(count);
         EXPECT_EQ(stateOf(curve), expected);
     }
 }
 
-TEST(Resampling, CosineRefusesNegativeAndAbsurdCounts) {
+TEST(Tessellation, CosineRefusesNegativeAndAbsurdCounts) {
     const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0});
     expectRefusedUnchanged(
         curve, [](ParametricCurve& c) { c.tesselateXCurvebyCosine(-1); },
@@ -383,7 +383,7 @@ TEST(Resampling, CosineRefusesNegativeAndAbsurdCounts) {
                        "Requested number of points exceeds 2147483647."));
 }
 
-TEST(Resampling, SpreadsMustLeaveSomethingBetweenThem) {
+TEST(Tessellation, SpreadsMustLeaveSomethingBetweenThem) {
     const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0});
     const auto spread = [](double a, double b) {
         return [a, b](ParametricCurve& c) { c.tesselateXCurvebyCosine(3, Spreads{{a, b}}); };
@@ -407,7 +407,7 @@ TEST(Resampling, SpreadsMustLeaveSomethingBetweenThem) {
 
 // The shares are compared as a < 1 - b and 1 - b <= 1, as they round: not as a sum, and a b that
 // 1 swallows is none.
-TEST(Resampling, SpreadsAreComparedWithTheRoundedEnd) {
+TEST(Tessellation, SpreadsAreComparedWithTheRoundedEnd) {
     const auto accepts = [](double a, double b) {
         ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}}, {0.0, 1.0});
         try {
@@ -424,7 +424,7 @@ TEST(Resampling, SpreadsAreComparedWithTheRoundedEnd) {
     EXPECT_FALSE(accepts(-5e-324, 0.0));
 }
 
-TEST(Resampling, SpreadsMustBeOneForEachInterval) {
+TEST(Tessellation, SpreadsMustBeOneForEachInterval) {
     const ParametricCurve curve = withSvalues({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, {0.0, 0.5, 1.0});
     for (const std::size_t size : {0u, 1u, 3u}) {
         // The count comes before the pairs, which are all wrong here.
@@ -446,7 +446,7 @@ TEST(Resampling, SpreadsMustBeOneForEachInterval) {
                        "Not appropriate spread values. First = 0.9, second = 0.9 "));
 }
 
-TEST(Resampling, CosineWithSpreadsIsThatOfThePlainStatement) {
+TEST(Tessellation, CosineWithSpreadsMatchesReferenceBitForBit) {
     RandomCurves make(34);
     for (int round = 0; round < 2000 && !HasFailure(); ++round) {
         SCOPED_TRACE(round);
@@ -464,14 +464,14 @@ TEST(Resampling, CosineWithSpreadsIsThatOfThePlainStatement) {
             spreads.emplace_back(a, b);
             const double x0 = p[i - 1].x;
             const double x1 = p[i].x;
-            const CurveState section = plainCosine(
+            const CurveState section = referenceCosine(
                 withSvalues({{x0, 0, 0}, {x0, 0, 0}, {x1, 0, 0}, {x1, 0, 0}}, {0, a, 1.0 - b, 1}),
                 count);
             const double h = 1.0 / (count + 2 - 1);
             const double hs = (s[i] - s[i - 1]) / (count + 1);
             for (int j = 1; j <= count; ++j) {
-                expected.points.emplace_back(plainAt(section.points, section.svalues, j * h).x, 0.0,
-                                             0.0);
+                expected.points.emplace_back(referenceAt(section.points, section.svalues, j * h).x,
+                                             0.0, 0.0);
                 expected.svalues.push_back(j * hs + s[i - 1]);
             }
             expected.points.push_back(p[i]);

@@ -1,8 +1,8 @@
-#ifndef QEL_TESTS_CURVE_PLAINCURVE_H
-#define QEL_TESTS_CURVE_PLAINCURVE_H
+#ifndef QEL_TESTS_CURVE_REFERENCECURVE_H
+#define QEL_TESTS_CURVE_REFERENCECURVE_H
 
-// The plain statement of how a curve is measured and read at a parameter, by searching from the
-// start. Slow and obvious on purpose.
+// The reference implementation of how a curve is measured and read at a parameter, by searching
+// from the start. Slow and obvious on purpose.
 
 #include <cmath>
 #include <cstddef>
@@ -16,7 +16,7 @@ namespace qel_test {
 // -- At a parameter ----
 
 // The stored points around an s strictly inside the range, by looking at one s-value at a time.
-inline void plainBracket(const Values& s, double at, std::size_t& lo, std::size_t& hi) {
+inline void referenceBracket(const Values& s, double at, std::size_t& lo, std::size_t& hi) {
     hi = 0;
     while (!(s[hi] > at)) {
         ++hi;
@@ -29,11 +29,11 @@ inline void plainBracket(const Values& s, double at, std::size_t& lo, std::size_
     }
 }
 
-inline bool plainEqual(const Values& s, std::size_t lo, std::size_t hi) {
+inline bool referenceEqual(const Values& s, std::size_t lo, std::size_t hi) {
     return 100.0 * qel::NumericalUtils::spacing(s[hi]) > s[hi] - s[lo];
 }
 
-inline Point plainAt(const Points& p, const Values& s, double at) {
+inline Point referenceAt(const Points& p, const Values& s, double at) {
     at = at > s.back() ? s.back() : at;
     if (!(at > s.front())) {
         return p.front();
@@ -43,16 +43,16 @@ inline Point plainAt(const Points& p, const Values& s, double at) {
     }
     std::size_t lo = 0;
     std::size_t hi = 0;
-    plainBracket(s, at, lo, hi);
-    if (plainEqual(s, lo, hi)) {
+    referenceBracket(s, at, lo, hi);
+    if (referenceEqual(s, lo, hi)) {
         return (p[lo] + p[hi]) * 0.5;
     }
     return p[lo] + (p[hi] - p[lo]) * ((at - s[lo]) / (s[hi] - s[lo]));
 }
 
 // The evaluator that rounds s to float and weighs before it divides.
-inline Point plainInterpolated(const Points& p, const Values& s, double exact, std::size_t& lo,
-                               std::size_t& hi) {
+inline Point referenceInterpolated(const Points& p, const Values& s, double exact, std::size_t& lo,
+                                   std::size_t& hi) {
     const double at = static_cast<double>(static_cast<float>(exact));
     if (!(at > s.front())) {
         lo = hi = 0;
@@ -62,8 +62,8 @@ inline Point plainInterpolated(const Points& p, const Values& s, double exact, s
         lo = hi = p.size() - 1;
         return p.back();
     }
-    plainBracket(s, at, lo, hi);
-    if (plainEqual(s, lo, hi)) {
+    referenceBracket(s, at, lo, hi);
+    if (referenceEqual(s, lo, hi)) {
         return (p[lo] + p[hi]) * 0.5;
     }
     return p[lo] + (p[hi] - p[lo]) * (at - s[lo]) / (s[hi] - s[lo]);
@@ -71,32 +71,32 @@ inline Point plainInterpolated(const Points& p, const Values& s, double exact, s
 
 // -- Lengths ----
 
-inline double plainDot(const Point& a, const Point& b) {
+inline double referenceDot(const Point& a, const Point& b) {
     return a.x * b.x + a.y * b.y + a.z * b.z;
 }
 
-inline double plainLength(const Point& v) {
+inline double referenceLength(const Point& v) {
     const bool undefined = v.x == kMarker || v.y == kMarker || v.z == kMarker;
-    return undefined ? kUndefinedLength : std::sqrt(plainDot(v, v));
+    return undefined ? kUndefinedLength : std::sqrt(referenceDot(v, v));
 }
 
-inline Point plainUnit(const Point& v) {
-    const double length = plainLength(v);
+inline Point referenceUnit(const Point& v) {
+    const double length = referenceLength(v);
     return length == 0.0 ? v : Point(v.x / length, v.y / length, v.z / length);
 }
 
 // Distances along the polyline from its first point.
-inline Values plainDistances(const Points& p) {
+inline Values referenceDistances(const Points& p) {
     Values distances{0.0};
     for (std::size_t i = 1; i < p.size(); ++i) {
-        distances.push_back(distances.back() + plainLength(p[i] - p[i - 1]));
+        distances.push_back(distances.back() + referenceLength(p[i] - p[i - 1]));
     }
     return distances;
 }
 
 // s-values as normalised arc length; returns the length.
-inline double plainArcValues(const Points& p, Values& s) {
-    s = plainDistances(p);
+inline double referenceArcValues(const Points& p, Values& s) {
+    s = referenceDistances(p);
     const std::size_t last = p.size() - 1;
     const double length = s[last];
     const bool significant = length >= 100.0 * qel::NumericalUtils::spacing(length);
@@ -110,7 +110,7 @@ inline double plainArcValues(const Points& p, Values& s) {
 // A state with these points and the s and length computed from them.
 inline void recompute(CurveState& state, const Points& points) {
     state.points = points;
-    state.length = plainArcValues(state.points, state.svalues);
+    state.length = referenceArcValues(state.points, state.svalues);
 }
 
 } // namespace qel_test
