@@ -69,7 +69,8 @@ std::size_t onFloatLanes(const Arguments&... arguments) {
     return 0;
 }
 
-/// As onVectorUnit, for a kernel over `count` elements: so few of them are done before a unit is chosen.
+/// As onVectorUnit, for a kernel over `count` elements: so few of them are done before a unit is
+/// chosen.
 template <typename Kernel, typename... Arguments>
 auto onVectorUnitFrom(std::size_t count, Arguments... arguments) {
     constexpr std::size_t kPays = 32;
