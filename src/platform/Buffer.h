@@ -5,15 +5,13 @@
 /// Storage for the passes of an algorithm over many plain elements.
 ///
 /// Unlike std::vector it does not write its elements before they have their values, which for
-/// large arrays is a pass over memory, and it lies in large pages where these pay.
+/// large arrays is a pass over memory. It begins with a cache line.
 
 #include <cstddef>
 #include <memory>
 #include <new>
 #include <type_traits>
 #include <utility>
-
-#include "platform/LargePages.h"
 
 namespace qel {
 
@@ -48,27 +46,24 @@ public:
     const T& operator[](std::size_t i) const { return elements_.get()[i]; }
 
 private:
-    // Whole cache lines at least; blocks of large pages begin with one.
-    static constexpr std::size_t kLineBytes = 64;
-    static std::size_t alignmentOf(std::size_t bytes) {
-        return isInLargePages(bytes) ? kLargePageBytes : kLineBytes;
-    }
+    static constexpr std::size_t kAlignment = 64;
 
+    // Aligned here: aligned allocation is several times slower for small sizes.
     struct Free {
-        std::align_val_t alignment{kLineBytes};
-        void operator()(T* elements) const { ::operator delete(elements, alignment); }
+        void* memory = nullptr;
+        void operator()(T*) const { ::operator delete(memory); }
     };
 
     static std::unique_ptr<T, Free> allocate(std::size_t size) {
-        static_assert(alignof(T) <= kLineBytes, "elements are aligned");
+        static_assert(alignof(T) <= kAlignment, "elements are aligned");
         if (size > static_cast<std::size_t>(-1) / 2 / sizeof(T)) {
             throw std::bad_array_new_length();
         }
         const std::size_t bytes = size * sizeof(T);
-        const std::align_val_t alignment{alignmentOf(bytes)};
-        void* const memory = ::operator new(bytes, alignment);
-        adviseLargePages(memory, bytes);
-        return {static_cast<T*>(memory), Free{alignment}};
+        std::size_t room = bytes + kAlignment - 1;
+        void* const memory = ::operator new(room);
+        void* aligned = memory;
+        return {static_cast<T*>(std::align(kAlignment, bytes, aligned, room)), Free{memory}};
     }
 
     std::unique_ptr<T, Free> elements_;

@@ -4,20 +4,19 @@
 #include <cmath>
 #include <limits>
 
-#include "spatial/QuadRectangle.h"
+#include "spatial/QuadNode.h"
 
 namespace qel {
 
 GridCells::GridCells(float low, float high, int levels)
-    : levels_(levels), edges_((std::size_t{1} << levels) + 1) {
-    const std::uint32_t last = cellCount();
-    edges_[0] = low;
-    edges_[last] = high;
-    cut(0, last);
+    : levels_(levels),
+      edges_((std::size_t{1} << levels) + 1),
+      cellsPerUnit_(static_cast<float>(count()) / (high - low)),
+      last_(static_cast<float>(count() - 1)) {
+    edges_.front() = low;
+    edges_.back() = high;
+    cut(0, count());
     isEven_ = hasEvenCells();
-    low_ = low;
-    cellsPerUnit_ = static_cast<float>(last) / (high - low);
-    lastAsFloat_ = static_cast<float>(last - 1);
 }
 
 void GridCells::cut(std::uint32_t first, std::uint32_t last) {
@@ -38,20 +37,10 @@ bool GridCells::hasEvenCells() const {
     const float high = edges_.back();
     const float unit =
         std::max(std::abs(low), std::abs(high)) * std::numeric_limits<float>::epsilon();
-    const float width = (high - low) / static_cast<float>(cellCount());
+    const float width = (high - low) / static_cast<float>(count());
     return width > kUnitsPerCell * unit && width > std::numeric_limits<float>::min() &&
            std::abs(low) < std::numeric_limits<float>::max() / 4 &&
            std::abs(high) < std::numeric_limits<float>::max() / 4;
-}
-
-std::uint32_t GridCells::descend(float x) const {
-    std::uint32_t first = 0;
-    for (std::uint32_t half = cellCount() / 2; half > 0; half /= 2) {
-        if (x >= edges_[first + half]) {
-            first += half;
-        }
-    }
-    return first;
 }
 
 } // namespace qel

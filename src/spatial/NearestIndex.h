@@ -2,7 +2,7 @@
 #define QEL_SPATIAL_NEARESTINDEX_H
 
 /// @file
-/// The index behind QuadtreeBucket: a tree of boxes that fit the points closely, 16 to a node.
+/// The index behind QuadtreeBucket.
 ///
 /// The best-first search over the bucket quadtree visits leaves in the order of (distance of the
 /// leaf's rectangle, number of the leaf), after the leaf in which the query lies. This is so
@@ -14,9 +14,9 @@
 ///     (squared distance, outside the query's leaf, distance of the leaf, number of the leaf,
 ///      position in the list)
 ///
-/// and any structure may find it. This one keeps nothing of the quadtree but each point's leaf,
-/// which is looked at only to choose among points at exactly the same distance. Its own boxes
-/// split where points are, so that the caller's limits cost nothing.
+/// and any structure may find it. This one searches a bounding volume hierarchy whose boxes fit the
+/// points, so that the caller's limits cost nothing. Of the quadtree it keeps the leaves, which are
+/// looked at only to choose among points at exactly the same distance.
 
 #include <cstddef>
 #include <cstdint>
@@ -24,9 +24,9 @@
 
 #include <qel/TripletBase.h>
 
-#include "spatial/BoxTree.h"
-#include "spatial/LeafOrder.h"
-#include "spatial/StartTable.h"
+#include "spatial/EntryGrid.h"
+#include "spatial/LinearQuadtree.h"
+#include "spatial/PointBvh.h"
 
 namespace qel {
 
@@ -40,28 +40,34 @@ public:
     };
 
     /// @param points  not empty, and fewer than 2^31
-    NearestIndex(const std::vector<TripletBase<float>>& points, int maxDepth, std::size_t capacity);
+    NearestIndex(const std::vector<TripletBase<float>>& points, const QuadtreeLimits& limits);
 
-    /// The point that the stated search finds. Nothing if none is at a squared distance below the
-    /// largest float.
+    /// The point that the best-first search finds. Nothing if none is at a squared distance below
+    /// the largest float. See NearestSearch.cpp.
     Nearest find(float qx, float qy) const;
 
     int maxDepthReached() const { return maxDepthReached_; }
 
     // -- For the search ----
 
-    const BoxTree& tree() const { return tree_; }
-    const StartTables& starts() const { return starts_; }
+    const PointBvh& bvh() const { return bvh_; }
+    /// From small cells to large ones.
+    const std::vector<EntryGrid>& entryGrids() const { return entryGrids_; }
     /// Of points at the same distance of the query, that in the leaf of the least rank wins: the
     /// query's leaf first, then by distance, then by number. Of points in one leaf, the first in
     /// the list wins.
-    std::uint64_t rankOfLeaf(std::uint32_t leaf, float qx, float qy) const;
+    std::uint64_t rankOfLeaf(std::uint32_t leaf, float qx, float qy) const {
+        return leastRank(leaves_[leaf], leaf, qx, qy);
+    }
+    /// No leaf in a node has a lower rank, if none has a lower number than the first.
+    std::uint64_t leastRank(const QuadNode& node, std::uint32_t firstLeaf, float qx,
+                            float qy) const;
 
 private:
     QuadRectangle root_;
-    std::vector<QuadLeaf> leaves_;
-    BoxTree tree_;
-    StartTables starts_;
+    std::vector<QuadNode> leaves_;
+    PointBvh bvh_;
+    std::vector<EntryGrid> entryGrids_;
     int maxDepthReached_;
 };
 

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include <qel/QELException.h>
+#include <qel/QuadtreeQuad.h>
 
 #include "platform/FloatBits.h"
 #include "spatial/NearestIndex.h"
@@ -19,23 +20,27 @@ namespace {
 
 constexpr const char* kClassName = "Quadtree"; // as messages have always called it
 constexpr float kNoDistance = std::numeric_limits<float>::max();
-constexpr std::size_t kMostPoints = std::size_t{1} << 31;
+constexpr std::size_t kMaxPoints = std::size_t{1} << 31;
 
 // The z of every point, or one where they are the same: most clouds lie in a plane.
-std::vector<float> heightsOf(const std::vector<TripletBase<float>>& points) {
+std::vector<float> zValuesOf(const std::vector<TripletBase<float>>& points) {
     const std::int32_t first = bitsOf(points.front().z);
     std::int32_t differing = 0;
     for (const TripletBase<float>& p : points) {
         differing |= bitsOf(p.z) ^ first;
     }
     const std::size_t count = differing == 0 ? 1 : points.size();
-    std::vector<float> heights(count);
+    std::vector<float> zValues(count);
     std::transform(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(count),
-                   heights.begin(), [](const TripletBase<float>& p) { return p.z; });
-    return heights;
+                   zValues.begin(), [](const TripletBase<float>& p) { return p.z; });
+    return zValues;
 }
 
 } // namespace
+
+QuadtreeObject::QuadtreeObject() = default;
+
+QuadtreeQuad::QuadtreeQuad() = default;
 
 QuadtreeBucket::QuadtreeBucket() : QuadtreeBucket(10, 10) {}
 
@@ -65,19 +70,19 @@ void QuadtreeBucket::swap(QuadtreeBucket& other) noexcept {
     std::swap(bucketCapacity_, other.bucketCapacity_);
     std::swap(maxDepthReached_, other.maxDepthReached_);
     index_.swap(other.index_);
-    heights_.swap(other.heights_);
+    zValues_.swap(other.zValues_);
 }
 
 void QuadtreeBucket::construct(const std::vector<TripletBase<float>>& points) {
     if (points.empty()) {
         throw internal::error(kClassName, "construct", "Vector of verticies empty.", argumentError);
     }
-    if (points.size() >= kMostPoints) {
+    if (points.size() >= kMaxPoints) {
         throw internal::error(kClassName, "construct", "Too many verticies.", argumentError);
     }
     const auto capacity = static_cast<std::size_t>(std::max(bucketCapacity_, 0));
-    auto index = std::make_unique<const NearestIndex>(points, maxDepth_, capacity);
-    heights_ = heightsOf(points);
+    auto index = std::make_unique<const NearestIndex>(points, QuadtreeLimits{maxDepth_, capacity});
+    zValues_ = zValuesOf(points);
     index_ = std::move(index);
     maxDepthReached_ = index_->maxDepthReached();
     forgetBest();
@@ -101,7 +106,7 @@ std::size_t QuadtreeBucket::findNearestPoint(const TripletBase<float>& p) {
         throw data::invalid(kClassName, "findNearestPoint", "No point at a finite distance.",
                             argumentError);
     }
-    const float z = heights_[heights_.size() == 1 ? 0 : nearest.index];
+    const float z = zValues_[zValues_.size() == 1 ? 0 : nearest.index];
     bestDistance_ = nearest.distance;
     best_ = {{nearest.x, nearest.y, z}, nearest.index};
     hasBest_ = true;

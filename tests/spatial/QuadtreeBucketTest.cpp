@@ -7,15 +7,18 @@
 
 #include <gtest/gtest.h>
 
-#include "spatial/StatedSearch.h"
+#include "spatial/ReferenceSearch.h"
+#include "spatial/SampledCloud.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
 #include "support/Samples.h"
+#include "support/Shapes.h"
 
 using qel::QuadtreeBucket;
+using qel_test::ReferenceSearch;
 using qel_test::sameBits;
+using qel_test::SampledCloud;
 using qel_test::Samples;
-using qel_test::StatedSearch;
 using qel_test::throwsInternal;
 using qel_test::throwsInvalid;
 using Point = qel::TripletBase<float>;
@@ -33,23 +36,23 @@ QuadtreeBucket bucketOf(const Points& points, int maxDepth = 10, int capacity = 
     return bucket;
 }
 
-// The index found, or StatedSearch::kNone for a refusal.
+// The index found, or ReferenceSearch::kNone for a refusal.
 std::size_t found(QuadtreeBucket& bucket, const Point& query) {
     try {
         return bucket.findNearestPoint(query);
     } catch (const qel::data::invalid&) {
-        return StatedSearch::kNone;
+        return ReferenceSearch::kNone;
     }
 }
 
-// Compares one query with the plain search, and the state left behind.
-void checkQuery(QuadtreeBucket& bucket, StatedSearch& stated, const Points& points,
+// Compares one query with the reference, and the state left behind.
+void checkQuery(QuadtreeBucket& bucket, ReferenceSearch& reference, const Points& points,
                 const Point& query) {
     SCOPED_TRACE(::testing::Message() << "query " << query);
-    const std::size_t expected = stated.find(query);
+    const std::size_t expected = reference.find(query);
     ASSERT_EQ(found(bucket, query), expected);
-    ASSERT_EQ(bucket.getBestDistance(), stated.bestDistance());
-    if (expected == StatedSearch::kNone) {
+    ASSERT_EQ(bucket.getBestDistance(), reference.bestDistance());
+    if (expected == ReferenceSearch::kNone) {
         ASSERT_EQ(bucket.getBestObject(), nullptr);
     } else {
         ASSERT_EQ(bucket.getBestObject()->index, expected);
@@ -63,81 +66,26 @@ void checkQueries(const Points& points, int maxDepth, int capacity, const Points
     SCOPED_TRACE(::testing::Message()
                  << points.size() << " points, limits " << maxDepth << " and " << capacity);
     QuadtreeBucket bucket = bucketOf(points, maxDepth, capacity);
-    StatedSearch stated(points, maxDepth, capacity);
-    ASSERT_EQ(bucket.getMaxDepthReached(), stated.maxDepthReached());
+    ReferenceSearch reference(points, maxDepth, capacity);
+    ASSERT_EQ(bucket.getMaxDepthReached(), reference.maxDepthReached());
     for (const Point& query : queries) {
-        checkQuery(bucket, stated, points, query);
+        checkQuery(bucket, reference, points, query);
         if (::testing::Test::HasFatalFailure()) {
             return;
         }
     }
 }
 
-// -- Clouds ----
-
-enum CloudKind { plainCloud, gridCloud, lineCloud, repeatedCloud, scaledCloud, badCloud, kinds };
-
-Point sampledPoint(Samples<float>& samples, CloudKind kind) {
-    const auto grid = [&] { return static_cast<float>(samples.integer(-4, 4)); };
-    switch (kind) {
-    case gridCloud:
-        return Point(grid(), grid(), samples.plain());
-    case lineCloud:
-        return Point(3.0f, samples.integer(0, 1) != 0 ? grid() : samples.plain(), 0.0f);
-    case repeatedCloud:
-        return Point(grid() * 0.5f, 0.25f * grid(), grid());
-    case badCloud:
-        return Point(samples.any(), samples.any(), samples.any());
-    default:
-        return Point(samples.plain(), samples.plain(), samples.plain());
-    }
-}
-
-Points sampledCloud(Samples<float>& samples, CloudKind kind, int count) {
-    Points points;
-    const float scale =
-        kind == scaledCloud ? std::pow(10.0f, static_cast<float>(samples.integer(-38, 36))) : 1.0f;
-    const float shift = kind == scaledCloud && samples.integer(0, 1) != 0 ? samples.plain() : 0.0f;
-    for (int i = 0; i < count; ++i) {
-        const Point p = sampledPoint(samples, kind);
-        points.emplace_back(p.x * scale + shift, p.y * scale + shift, p.z);
-    }
-    return points;
-}
-
-// On the points, half way between two of them, anywhere, and far away.
-Point sampledQuery(Samples<float>& samples, const Points& points, CloudKind kind) {
-    const auto pick = [&] {
-        return points[static_cast<std::size_t>(
-            samples.integer(0, static_cast<int>(points.size()) - 1))];
-    };
-    const Point p = pick(), q = pick();
-    switch (samples.integer(0, 6)) {
-    case 0:
-        return p;
-    case 1:
-        return Point((p.x + q.x) / 2, (p.y + q.y) / 2, 0.0f);
-    case 2:
-        return Point(p.x + (p.x - q.x), q.y, 0.0f);
-    case 3:
-        return Point(1000.0f * samples.plain(), 1000.0f * samples.plain(), 0.0f);
-    case 4:
-        return Point(samples.any(), samples.any(), 0.0f);
-    default:
-        return sampledPoint(samples, kind);
-    }
-}
-
-void checkSampledClouds(CloudKind kind, unsigned seed, int clouds, int mostPoints, int queries) {
+void checkSampledClouds(const char* name, unsigned seed, int clouds, int mostPoints, int queries) {
     Samples<float> samples(seed);
     for (int n = 0; n < clouds && !::testing::Test::HasFatalFailure(); ++n) {
-        SCOPED_TRACE(::testing::Message() << "kind " << kind << ", cloud " << n);
-        const Points points = sampledCloud(samples, kind, samples.integer(1, mostPoints));
+        SCOPED_TRACE(::testing::Message() << name << ", cloud " << n);
+        const SampledCloud cloud(name, samples, samples.integer(1, mostPoints));
         Points probes;
         for (int i = 0; i < queries; ++i) {
-            probes.push_back(sampledQuery(samples, points, kind));
+            probes.push_back(cloud.query(samples));
         }
-        checkQueries(points, samples.integer(0, 14), samples.integer(0, 12), probes);
+        checkQueries(cloud.points, samples.integer(0, 14), samples.integer(0, 12), probes);
     }
 }
 
@@ -362,7 +310,7 @@ TEST(QuadtreeBucket, NonFinitePointsAreNeverFound) {
 
 TEST(QuadtreeBucket, LimitsBeyondReasonNeitherHangNorExhaustMemory) {
     Samples<float> samples(401);
-    Points points = sampledCloud(samples, plainCloud, 500);
+    Points points = SampledCloud("even", samples, 500).points;
     points.insert(points.end(), 50, points[3]);
     constexpr int limits[] = {std::numeric_limits<int>::min(), -1, 0, 1, 100000,
                               std::numeric_limits<int>::max()};
@@ -377,19 +325,18 @@ TEST(QuadtreeBucket, LimitsBeyondReasonNeitherHangNorExhaustMemory) {
 }
 
 TEST(QuadtreeBucket, HugeDepthAnswersLikeEnoughDepth) {
-    // Equal points split for ever; from some depth on nothing changes any more. The plain search
-    // still gets there, slowly.
+    // Equal points split for ever; from some depth on nothing changes any more, which the reference
+    // reaches slowly.
     Samples<float> samples(402);
-    for (int n = 0; n < 12; ++n) {
-        const Points points =
-            sampledCloud(samples, static_cast<CloudKind>(n % kinds), samples.integer(1, 12));
+    for (const char* kind : qel_test::kCloudKinds) {
+        SCOPED_TRACE(kind);
+        const SampledCloud cloud(kind, samples, samples.integer(1, 12));
         const int capacity = samples.integer(0, 2);
-        QuadtreeBucket bucket = bucketOf(points, 100000, capacity);
-        StatedSearch stated(points, 640, capacity);
+        QuadtreeBucket bucket = bucketOf(cloud.points, 100000, capacity);
+        ReferenceSearch reference(cloud.points, 640, capacity);
         for (int i = 0; i < 12; ++i) {
-            const Point query = sampledQuery(samples, points, static_cast<CloudKind>(n % kinds));
-            checkQuery(bucket, stated, points, query);
-            ASSERT_FALSE(HasFatalFailure()) << "cloud " << n;
+            checkQuery(bucket, reference, cloud.points, cloud.query(samples));
+            ASSERT_FALSE(HasFatalFailure());
         }
     }
 }
@@ -402,35 +349,42 @@ TEST(QuadtreeBucket, ManyIdenticalPointsAreFoundAtOnce) {
     }
 }
 
-// -- Against the plain search ----
+// -- Against the reference ----
 
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFinds) {
-    checkSampledClouds(plainCloud, 411, 600, 400, 100);
+TEST(QuadtreeBucket, SmallCloudsMatchReferenceBitForBit) {
+    unsigned seed = 411;
+    for (const char* kind : qel_test::kCloudKinds) {
+        checkSampledClouds(kind, seed++, 600, 200, 100);
+        checkSampledClouds(kind, seed++, 300, 12, 50);
+    }
 }
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsOnGrids) {
-    checkSampledClouds(gridCloud, 412, 1500, 200, 100);
+
+TEST(QuadtreeBucket, LargeCloudsMatchReferenceBitForBit) {
+    checkSampledClouds("even", 437, 4, 60000, 2000);
+    checkSampledClouds("lattice", 438, 4, 20000, 200);
+    checkSampledClouds("circle", 439, 8, 4000, 100);
+    checkSampledClouds("not finite", 440, 8, 4000, 100);
 }
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsOnALine) {
-    checkSampledClouds(lineCloud, 413, 600, 200, 100);
-}
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAmongRepeatedPoints) {
-    checkSampledClouds(repeatedCloud, 414, 600, 300, 100);
-}
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAtAnyScale) {
-    checkSampledClouds(scaledCloud, 415, 800, 200, 100);
-}
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsAmongBadPoints) {
-    checkSampledClouds(badCloud, 416, 1500, 120, 100);
-}
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInLargeClouds) {
-    checkSampledClouds(plainCloud, 417, 4, 60000, 2000);
-    checkSampledClouds(gridCloud, 418, 4, 20000, 200);
-    checkSampledClouds(badCloud, 425, 8, 4000, 100);
+
+TEST(QuadtreeBucket, NamedShapesMatchReferenceBitForBit) {
+    constexpr std::size_t kSizes[] = {1, 2, 10, 17, 40, 300, 3000};
+    for (const qel_test::CloudShape& shape : qel_test::cloudShapes()) {
+        SCOPED_TRACE(shape);
+        for (const std::size_t size : kSizes) {
+            const Points points = shape.make(size);
+            for (const auto& queries : {qel_test::queriesAnywhere(shape, points, 40),
+                                        qel_test::queriesNearPoints(shape, points, 40),
+                                        qel_test::queriesFarOff(shape, points, 40)}) {
+                checkQueries(points, 10, 10, queries);
+                checkQueries(points, 24, 16, queries);
+            }
+        }
+    }
 }
 
 // Clouds beyond some thousand points, whose queries may start below the root of the index; points
 // in some cells of its grid only, so that many queries start in empty ones.
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsFromAnyStart) {
+TEST(QuadtreeBucket, EntriesBelowTheRootMatchReferenceBitForBit) {
     Samples<float> samples(420);
     for (int n = 0; n < 12; ++n) {
         Points points;
@@ -445,7 +399,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsFromAnyStart) {
         Points queries;
         for (int i = 0; i < 1500; ++i) {
             queries.emplace_back(2.0f * samples.plain() + 10.0f, 2.0f * samples.plain(), 0.0f);
-            queries.push_back(sampledQuery(samples, points, plainCloud));
+            queries.push_back(points[static_cast<std::size_t>(4 * i)] / 2.0f);
         }
         checkQueries(points, 10 + n, 10, queries);
         ASSERT_FALSE(HasFatalFailure()) << "cloud " << n;
@@ -453,7 +407,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsFromAnyStart) {
 }
 
 // Clouds with more points in a cell of the grid than a block takes, at every scale.
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInCloudsThatThicken) {
+TEST(QuadtreeBucket, CrowdedCellsMatchReferenceBitForBit) {
     Samples<float> samples(421);
     for (int n = 0; n < 24; ++n) {
         Points points;
@@ -467,7 +421,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInCloudsThatThicken) {
         }
         Points queries;
         for (int i = 0; i < 500; ++i) {
-            queries.push_back(sampledQuery(samples, points, plainCloud));
+            queries.push_back(points[static_cast<std::size_t>(6 * i)] * 1.5f);
             queries.emplace_back(wholePower(), 0.75f * wholePower(), 0.0f);
         }
         checkQueries(points, 8 + n, 1 + n, queries);
@@ -477,7 +431,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInCloudsThatThicken) {
 
 // Two blocks of points beside each power of two: most nodes of the index hold so few that there are
 // more of them than were set aside.
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInMoreNodesThanForeseen) {
+TEST(QuadtreeBucket, MoreNodesThanExpectedMatchReferenceBitForBit) {
     Samples<float> samples(422);
     Points points, queries;
     for (int exponent = 0; exponent < 60; ++exponent) {
@@ -494,19 +448,20 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInMoreNodesThanForeseen) {
 
 // The last points lie at one place and make a single block: the index catches up with the points
 // that it is built of.
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsBeforeManyAtOnePlace) {
+TEST(QuadtreeBucket, ManyPointsAtTheLastPlaceMatchReferenceBitForBit) {
     Samples<float> samples(423);
-    Points points = sampledCloud(samples, plainCloud, 3000), queries;
+    const SampledCloud cloud("even", samples, 3000);
+    Points points = cloud.points, queries;
     points.insert(points.end(), 2500, Point(11, 11, 0));
     for (int i = 0; i < 1000; ++i) {
-        queries.push_back(sampledQuery(samples, points, plainCloud));
+        queries.push_back(cloud.query(samples));
     }
     checkQueries(points, 12, 10, queries);
 }
 
 // Places each of which thickens at every scale, so that most blocks hold one point: the index takes
 // more memory than is set aside.
-TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInHardlyFilledBlocks) {
+TEST(QuadtreeBucket, HardlyFilledBlocksMatchReferenceBitForBit) {
     Samples<float> samples(424);
     Points points, queries;
     for (int place = 0; place < 400; ++place) {
@@ -515,7 +470,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInHardlyFilledBlocks) {
             const float step = std::ldexp(1.0f, -exponent);
             points.emplace_back(x + step, y + step, 0.0f);
         }
-        queries.push_back(sampledQuery(samples, points, plainCloud));
+        queries.emplace_back(x + samples.plain() / 20.0f, y + samples.plain() / 20.0f, 0.0f);
     }
     checkQueries(points, 12, 10, queries);
 }
@@ -523,7 +478,7 @@ TEST(QuadtreeBucket, FindsWhatThePlainSearchFindsInHardlyFilledBlocks) {
 TEST(QuadtreeBucket, FindsTheLeastDistance) {
     Samples<float> samples(419);
     for (int n = 0; n < 200; ++n) {
-        const Points points = sampledCloud(samples, plainCloud, samples.integer(1, 2000));
+        const Points points = SampledCloud("even", samples, samples.integer(1, 2000)).points;
         QuadtreeBucket bucket = bucketOf(points, 24, 8);
         for (int i = 0; i < 100; ++i) {
             const Point query(samples.plain(), samples.plain(), 0.0f);

@@ -1,9 +1,8 @@
-#ifndef QEL_TESTS_SPATIAL_STATEDSEARCH_H
-#define QEL_TESTS_SPATIAL_STATEDSEARCH_H
+#ifndef QEL_TESTS_SPATIAL_REFERENCESEARCH_H
+#define QEL_TESTS_SPATIAL_REFERENCESEARCH_H
 
-// The bucket quadtree and its best-first search, plainly: points are inserted one after the other,
-// full leaves split, candidate nodes wait in a sorted queue. What QuadtreeBucket finds is defined
-// by this.
+// The reference implementation of QuadtreeBucket: points are inserted one after the other, full
+// leaves split, and the nodes that are left to search wait in a sorted queue.
 
 #include <algorithm>
 #include <cstddef>
@@ -18,13 +17,13 @@
 
 namespace qel_test {
 
-class StatedSearch {
+class ReferenceSearch {
 public:
     using Point = qel::TripletBase<float>;
     using Quad = qel::QuadtreeQuad;
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
-    StatedSearch(const std::vector<Point>& points, int maxDepth, int capacity)
+    ReferenceSearch(const std::vector<Point>& points, int maxDepth, int capacity)
         : maxDepth_(maxDepth), capacity_(capacity) {
         makeRoot(points);
         for (std::size_t i = 0; i < points.size(); ++i) {
@@ -54,6 +53,7 @@ public:
     }
 
     float bestDistance() const { return best_; }
+    const Quad& root() const { return *root_; }
     int maxDepthReached() const { return maxDepthReached_; }
 
     // The leaves with points, low halves first.
