@@ -15,8 +15,6 @@
 
 namespace qel {
 
-class RunSegments;
-
 /// A polyline in space with a parameter s along it.
 ///
 /// s never decreases. Computed s is arc length over total length: 0 at the first point, exactly 1
@@ -493,8 +491,6 @@ public:
     void printCurveAndSvalues(const std::string& title) const;
 
 private:
-    friend class ParametricCurveTestAccess; // lets tests reach the private steps
-
     // -- Setters ----
     template <typename Source>
     void setComputed(const std::vector<Source>& points, dim dimension);
@@ -522,13 +518,6 @@ private:
     void setAxis(const FloatPoint& point, const FloatPoint& direction) const;
     template <typename Target>
     void prepareConversion(FloatPoint point, FloatPoint direction, std::vector<Target>& out) const;
-
-    // -- Projection and simplification ----
-    Point projectBesideVertex(std::size_t nearest, const Point& q, double& s) const;
-    Point projectToEdge(int i, int j, double d2i, double d2j, double& s) const;
-    void calculateDistanceFromTwoPoints(int i, int j, double& distance, int& index,
-                                        bool& done) const;
-    void measureChord(tEdge& edge, const RunSegments* runs) const;
 
     dim dimension_ = dim3D;
     parametrization parametrization_ = parametrizationComputed;

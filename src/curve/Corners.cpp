@@ -109,8 +109,8 @@ struct CosinesKernel {
         for (std::size_t i = 0; i < count; ++i) {
             const double a = length[i + 1];
             const double b = length[i];
-            const bool isUsual = (a > kMinOfSpacings) & (a <= kGreatest) &
-                                 (b > kMinOfSpacings) & (b <= kGreatest);
+            const bool isUsual =
+                (a > kMinOfSpacings) & (a <= kGreatest) & (b > kMinOfSpacings) & (b <= kGreatest);
             const double dot = x[i + 1] * -x[i] + y[i + 1] * -y[i] + z[i + 1] * -z[i];
             cosines[i] = isUsual ? dot / (a * b) : std::numeric_limits<double>::quiet_NaN();
         }

@@ -13,7 +13,7 @@
 // then sqrt(r) < H*(1 - 4u), which rounds to less than H. For this to hold nothing may overflow
 // or underflow: see isRegular and kLargestSum; all else takes the plain loop or a full scan.
 //
-// With the index of RunSegments.h, whole runs drop out first, by bounds that hold for the same
+// With the index of DeviationBounds.h, whole runs drop out first, by bounds that hold for the same
 // reason; those that are left are scanned as blocks are.
 
 #include "curve/FarthestVertex.h"
@@ -21,7 +21,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "curve/RunSegments.h"
+#include "curve/DeviationBounds.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
@@ -173,10 +173,10 @@ struct BlocksKernel {
 // The vertices of one run, once more by a bound of their own.
 QEL_KERNEL void takeFarthestOfRun(const Point* p, std::size_t first, const Chord& chord,
                                   FarthestVertex& farthest) {
-    static_assert(RunSegments::kRun <= kBlock, "a run is taken as a block");
-    const double bound = blockBound(p + first, RunSegments::kRun, chord);
+    static_assert(DeviationBounds::kRun <= kBlock, "a run is taken as a block");
+    const double bound = blockBound(p + first, DeviationBounds::kRun, chord);
     if (!(bound < cutoffOf(chord, farthest.distance))) {
-        takeFarthestOfBlock(p, first, RunSegments::kRun, chord, farthest);
+        takeFarthestOfBlock(p, first, DeviationBounds::kRun, chord, farthest);
     }
 }
 
@@ -185,15 +185,16 @@ struct RunsKernel {
                                std::size_t count, Chord chord, FarthestVertex* farthest) {
         takeByBounds(bounds, count, chord, *farthest,
                      [&](std::size_t r, FarthestVertex& vertex) QEL_KERNEL_LAMBDA {
-                         takeFarthestOfRun(p, (firstRun + r) * RunSegments::kRun, chord, vertex);
+                         takeFarthestOfRun(p, (firstRun + r) * DeviationBounds::kRun, chord,
+                                           vertex);
                      });
     }
 };
 
 } // namespace
 
-void takeFarthestPlainly(const Points& points, std::size_t first, std::size_t last,
-                         const Chord& chord, FarthestVertex& farthest) {
+void takeFarthestByScan(const Points& points, std::size_t first, std::size_t last,
+                        const Chord& chord, FarthestVertex& farthest) {
     for (std::size_t k = first; k < last; ++k) {
         const double h = normalDistance(points[k] - chord.start, chord);
         if (h > farthest.distance && h > chord.tolerance) {
@@ -205,28 +206,28 @@ void takeFarthestPlainly(const Points& points, std::size_t first, std::size_t la
 void takeFarthest(const Points& points, std::size_t first, std::size_t last, const Chord& chord,
                   FarthestVertex& farthest) {
     if (last < first + kShortRun || last > points.size() || !isRegular(chord)) {
-        takeFarthestPlainly(points, first, last, chord, farthest);
+        takeFarthestByScan(points, first, last, chord, farthest);
         return;
     }
     onVectorUnit<BlocksKernel>(points.data(), first, last, chord, &farthest);
 }
 
-void takeFarthest(const Points& points, const RunSegments& runs, std::size_t first,
+void takeFarthest(const Points& points, const DeviationBounds& runs, std::size_t first,
                   std::size_t last, const Chord& chord, FarthestVertex& farthest) {
-    const std::size_t firstRun = (first + RunSegments::kRun - 1) / RunSegments::kRun;
-    const std::size_t lastRun = std::min(last / RunSegments::kRun, runs.size());
+    const std::size_t firstRun = (first + DeviationBounds::kRun - 1) / DeviationBounds::kRun;
+    const std::size_t lastRun = std::min(last / DeviationBounds::kRun, runs.size());
     if (lastRun < firstRun + kFewRuns || last > points.size() || !isRegular(chord)) {
         takeFarthest(points, first, last, chord, farthest);
         return;
     }
-    takeFarthest(points, first, firstRun * RunSegments::kRun, chord, farthest);
-    for (std::size_t r = firstRun; r < lastRun; r += RunSegments::kMaxRuns) {
-        const std::size_t count = std::min(RunSegments::kMaxRuns, lastRun - r);
-        double bounds[RunSegments::kMaxRuns];
+    takeFarthest(points, first, firstRun * DeviationBounds::kRun, chord, farthest);
+    for (std::size_t r = firstRun; r < lastRun; r += DeviationBounds::kMaxRuns) {
+        const std::size_t count = std::min(DeviationBounds::kMaxRuns, lastRun - r);
+        double bounds[DeviationBounds::kMaxRuns];
         runs.squaredBounds(chord, r, count, bounds);
         onVectorUnit<RunsKernel>(points.data(), r, bounds, count, chord, &farthest);
     }
-    takeFarthest(points, lastRun * RunSegments::kRun, last, chord, farthest);
+    takeFarthest(points, lastRun * DeviationBounds::kRun, last, chord, farthest);
 }
 
 } // namespace qel

@@ -2,7 +2,7 @@
 #define QEL_CURVE_FARTHESTVERTEX_H
 
 /// @file
-/// The vertex of a run that strays farthest from a chord.
+/// The vertex of a run that is farthest from a chord.
 
 #include <cmath>
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace qel {
 
-class RunSegments;
+class DeviationBounds;
 
 /// The line that vertices are measured from, and the distance that counts as none.
 struct Chord {
@@ -36,16 +36,16 @@ inline double normalDistance(const Point& w, const Chord& chord) {
 }
 
 /// Takes the first of the vertices first to last - 1 at the largest distance from the chord, if
-/// it is farther than the tolerance and than the vertex found before. The plain statement.
-void takeFarthestPlainly(const Points& points, std::size_t first, std::size_t last,
-                         const Chord& chord, FarthestVertex& farthest);
+/// it is farther than the tolerance and than the vertex found before. The reference implementation.
+void takeFarthestByScan(const Points& points, std::size_t first, std::size_t last,
+                        const Chord& chord, FarthestVertex& farthest);
 
 /// The same result in every bit on every vector unit, at about a tenth of the time on long runs.
 void takeFarthest(const Points& points, std::size_t first, std::size_t last, const Chord& chord,
                   FarthestVertex& farthest);
 
 /// The same once more, with an index of the points for where there are many searches.
-void takeFarthest(const Points& points, const RunSegments& runs, std::size_t first,
+void takeFarthest(const Points& points, const DeviationBounds& runs, std::size_t first,
                   std::size_t last, const Chord& chord, FarthestVertex& farthest);
 
 /// What a bound on the squared distance of a vertex has to exceed |w|^2 - (w . e)^2 / L^2 by, as a

@@ -1,177 +1,161 @@
-// The first crossing of two polylines, by boxes around runs of consecutive segments.
+// The first crossing of two polylines.
 //
-// The pairs of segments are tried in the order of the plain double loop, less those whose boxes
-// lie apart and which therefore cannot meet (PlaneBoxes.h says why, and what becomes of segments
-// for which that does not hold). So the first pair that meets is the same one.
+// The pairs of segments are tried in the order of the reference implementation, less those whose
+// boxes lie apart and which therefore cannot meet (SegmentBvh2D.h says why, and what becomes of
+// segments for which that does not hold). So the first pair that meets is the same one.
 
 #include "curve/FirstCrossing.h"
 
 #include <algorithm>
+#include <vector>
 
-#include "curve/PlaneBoxes.h"
+#include "curve/SegmentBvh2D.h"
+#include "platform/LowestBit.h"
 
 namespace qel {
 namespace {
 
-constexpr std::size_t kFewPairs = 32;       // not worth boxes
-constexpr std::size_t kChunk = kRun * kRun; // segments walked together
+constexpr std::size_t kFewPairs = 32;           // not worth boxes
+constexpr std::size_t kSegmentsTogether = 1024; // in one hierarchy, of those to meet one segment
+constexpr std::size_t kFan = SegmentBvh2D::kFan;
 
-// Boxes around the runs of a polyline's segments, around kRun of those, and so on up to one.
-class BoxTree {
-public:
-    explicit BoxTree(const Points& points) {
-        runs_.take(points.data(), points.size() - 1);
-        const std::vector<PlaneBox>* below = &runs_.getBoxes();
-        std::size_t levels = 0;
-        for (std::size_t count = below->size(); count > 1; count = runsOf(count)) {
-            ++levels;
-        }
-        upper_.reserve(levels);
-        while (below->size() > 1) {
-            upper_.push_back(joined(*below));
-            below = &upper_.back();
-        }
+bool meets(const Points& points, std::size_t i, const LineSegment2D& other, Doublet& crossing) {
+    const LineSegment2D segment = planeSegment(points, i);
+    double t = 0.0;
+    if (!segment.intersectWithLimits(other, t)) {
+        return false;
     }
-
-    const PlaneRuns& getRuns() const { return runs_; }
-
-    /// Appends the runs whose boxes overlap a box, in order.
-    void collect(const PlaneBox& box, std::vector<std::size_t>& runs) const {
-        collect(box, upper_.size(), 0, 1, runs);
-    }
-
-private:
-    static std::vector<PlaneBox> joined(const std::vector<PlaneBox>& boxes) {
-        std::vector<PlaneBox> around;
-        around.reserve(runsOf(boxes.size()));
-        for (std::size_t i = 0; i < boxes.size(); ++i) {
-            if (i % kRun == 0) {
-                around.push_back(boxes[i]);
-            } else {
-                around.back().add(boxes[i]);
-            }
-        }
-        return around;
-    }
-
-    // Among the boxes first to last - 1 of a level; level 0 is that of the runs.
-    void collect(const PlaneBox& box, std::size_t level, std::size_t first, std::size_t last,
-                 std::vector<std::size_t>& runs) const {
-        const std::vector<PlaneBox>& boxes = level == 0 ? runs_.getBoxes() : upper_[level - 1];
-        last = std::min(last, boxes.size());
-        for (std::size_t n = first; n < last; ++n) {
-            if (!boxes[n].overlaps(box)) {
-                continue;
-            }
-            if (level == 0) {
-                runs.push_back(n);
-            } else {
-                collect(box, level - 1, n * kRun, (n + 1) * kRun, runs);
-            }
-        }
-    }
-
-    PlaneRuns runs_;
-    std::vector<std::vector<PlaneBox>> upper_;
-};
-
-// The lowest bit's number; bits is not 0.
-std::size_t lowestBit(unsigned bits) {
-    std::size_t k = 0;
-    while ((bits & 1u) == 0) {
-        bits >>= 1;
-        ++k;
-    }
-    return k;
+    crossing = segment.getPointAt(t);
+    return true;
 }
 
-// Tests the segments of a run whose boxes overlap the other segment's, in order.
-bool meetsInRun(const Points& points, const PlaneRuns& runs, std::size_t offset, std::size_t run,
-                const LineSegment2D& other, const PlaneBox& box, Doublet& crossing) {
-    for (unsigned bits = runs.overlapping(run, box); bits != 0; bits &= bits - 1) {
-        const std::size_t segment = run * kRun + lowestBit(bits);
-        if (segment < runs.getSegments() &&
-            meetsAmong(points, offset + segment + 1, offset + segment + 1, other, crossing)) {
+bool meetsAny(const Points& points, const LineSegment2D& other, Doublet& crossing) {
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        if (meets(points, i, other, crossing)) {
             return true;
         }
     }
     return false;
 }
 
-// Walks a polyline in chunks of kRun runs; of the other one, only what lies near a chunk, then
-// near a run, then near a segment is looked at.
+// Calls test(i) for the segments that overlap a box, in order, until it returns true.
+template <typename Test>
+bool anyOverlapping(const SegmentBvh2D& bvh, std::size_t level, std::size_t group, const Box2D& box,
+                    const Test& test) {
+    for (unsigned bits = bvh.overlapping(level, group, box); bits != 0; bits &= bits - 1) {
+        const std::size_t number = group * kFan + static_cast<std::size_t>(lowestBit(bits));
+        if (level == 0 ? test(number) : anyOverlapping(bvh, level - 1, number, box, test)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Walks both hierarchies from the top. Each group of boxes of the walked polyline is handed, in
+// order, those groups of the other one that it may meet.
 class CrossingSearch {
 public:
     CrossingSearch(const Points& walked, const Points& others)
-        : walked_(walked), others_(others), tree_(others) {}
+        : walked_(walked),
+          others_(others),
+          walkedBvh_(walked.data(), walked.size() - 1),
+          othersBvh_(others.data(), others.size() - 1) {}
 
     bool find(std::size_t& tried, Doublet& crossing) {
-        const std::size_t count = walked_.size() - 1;
-        for (std::size_t first = 0; first < count; first += kChunk) {
-            chunk_.take(walked_.data() + first, std::min(kChunk, count - first));
-            std::size_t segment = 0;
-            if (findInChunk(first, segment, crossing)) {
-                tried = first + segment + 1;
-                return true;
+        std::size_t level = othersBvh_.top();
+        near_.push_back({0, walkedBvh_.overlapping(walkedBvh_.top(), 0, kWholePlane)});
+        std::size_t first = 0;
+        for (; level > walkedBvh_.top(); --level) {
+            const std::size_t last = near_.size();
+            for (; first < last; ++first) {
+                expand(near_[first], level, kWholePlane, walkedBvh_.top(), 0);
             }
         }
-        tried = count;
-        return false;
+        const bool isFound = findInGroup(walkedBvh_.top(), 0, level, first, crossing);
+        tried = isFound ? segment_ + 1 : walked_.size() - 1;
+        return isFound;
     }
 
 private:
-    struct NearRun {
-        std::size_t run;
-        unsigned segments; // of the run walked, those that overlap it: bit k for segment k
+    // A group of the other polyline near a group of the walked one.
+    struct NearGroup {
+        std::size_t group;
+        unsigned boxes; // of the walked group, those that it overlaps: bit k for box k
     };
 
-    bool findInChunk(std::size_t first, std::size_t& segment, Doublet& crossing) {
-        const std::vector<PlaneBox>& boxes = chunk_.getBoxes();
-        PlaneBox around = boxes[0];
-        for (const PlaneBox& box : boxes) {
-            around.add(box);
+    // The groups near a walked one, of a level that is not above its own, stand in near_ from the
+    // first on.
+    bool findInGroup(std::size_t level, std::size_t group, std::size_t otherLevel,
+                     std::size_t first, Doublet& crossing) {
+        const std::size_t last = near_.size();
+        unsigned boxes = 0;
+        for (std::size_t n = first; n < last; ++n) {
+            boxes |= near_[n].boxes;
         }
-        nearChunk_.clear();
-        tree_.collect(around, nearChunk_);
-        if (nearChunk_.empty()) {
-            return false;
-        }
-        for (std::size_t run = 0; run < boxes.size(); ++run) {
-            if (findInRun(first, run, segment, crossing)) {
+        for (; boxes != 0; boxes &= boxes - 1) {
+            const auto k = static_cast<std::size_t>(lowestBit(boxes));
+            const std::size_t number = group * kFan + k;
+            bool isFound = false;
+            if (level == 0) {
+                isFound = meetsNear(number, k, first, crossing);
+            } else {
+                const Box2D box = walkedBvh_.box(level, number);
+                for (std::size_t n = first; n < last; ++n) {
+                    if ((near_[n].boxes >> k & 1u) == 0) {
+                        continue;
+                    }
+                    if (otherLevel == level) {
+                        expand(near_[n], level, box, level - 1, number);
+                    } else {
+                        push(near_[n].group, othersBvh_.boxOfGroup(otherLevel, near_[n].group),
+                             level - 1, number);
+                    }
+                }
+                const std::size_t innerLevel = otherLevel == level ? level - 1 : otherLevel;
+                isFound = findInGroup(level - 1, number, innerLevel, last, crossing);
+                near_.resize(last);
+            }
+            if (isFound) {
                 return true;
             }
         }
         return false;
     }
 
-    bool findInRun(std::size_t first, std::size_t run, std::size_t& segment, Doublet& crossing) {
-        nearRun_.clear();
-        unsigned anyNear = 0;
-        for (const std::size_t other : nearChunk_) {
-            const PlaneBox& box = tree_.getRuns().getBoxes()[other];
-            if (box.overlaps(chunk_.getBoxes()[run])) {
-                nearRun_.push_back({other, chunk_.overlapping(run, box)});
-                anyNear |= nearRun_.back().segments;
-            }
+    // Adds the groups in a group of the other polyline, as far as they overlap a box, that are near
+    // a walked group.
+    void expand(NearGroup near, std::size_t otherLevel, const Box2D& box, std::size_t level,
+                std::size_t group) {
+        for (unsigned bits = othersBvh_.overlapping(otherLevel, near.group, box); bits != 0;
+             bits &= bits - 1) {
+            const std::size_t inner = near.group * kFan + static_cast<std::size_t>(lowestBit(bits));
+            push(inner, othersBvh_.box(otherLevel, inner), level, group);
         }
-        for (; anyNear != 0; anyNear &= anyNear - 1) {
-            const std::size_t k = lowestBit(anyNear);
-            segment = run * kRun + k;
-            if (segment < chunk_.getSegments() && meetsNearRuns(first, segment, k, crossing)) {
-                return true;
-            }
-        }
-        return false;
     }
 
-    bool meetsNearRuns(std::size_t first, std::size_t segment, std::size_t bit,
-                       Doublet& crossing) const {
-        const PlaneBox box = chunk_.boxOf(segment);
-        const LineSegment2D walked = planeSegment(walked_, first + segment + 1);
-        for (const NearRun& near : nearRun_) {
-            if ((near.segments >> bit & 1u) != 0 &&
-                meetsInRun(others_, tree_.getRuns(), 0, near.run, walked, box, crossing)) {
-                return true;
+    void push(std::size_t otherGroup, const Box2D& otherBox, std::size_t level, std::size_t group) {
+        const unsigned boxes = walkedBvh_.overlapping(level, group, otherBox);
+        if (boxes != 0) {
+            near_.push_back({otherGroup, boxes});
+        }
+    }
+
+    // Tests a walked segment, number k of its group, with those that its box overlaps.
+    bool meetsNear(std::size_t segment, std::size_t k, std::size_t first, Doublet& crossing) {
+        const LineSegment2D walked = planeSegment(walked_, segment);
+        const Box2D box = boxOf(walked);
+        for (std::size_t n = first; n < near_.size(); ++n) {
+            if ((near_[n].boxes >> k & 1u) == 0) {
+                continue;
+            }
+            const std::size_t group = near_[n].group;
+            for (unsigned bits = othersBvh_.overlapping(0, group, box); bits != 0;
+                 bits &= bits - 1) {
+                if (meets(others_, group * kFan + static_cast<std::size_t>(lowestBit(bits)), walked,
+                          crossing)) {
+                    segment_ = segment;
+                    return true;
+                }
             }
         }
         return false;
@@ -179,58 +163,36 @@ private:
 
     const Points& walked_;
     const Points& others_;
-    BoxTree tree_;
-    PlaneRuns chunk_;
-    std::vector<std::size_t> nearChunk_;
-    std::vector<NearRun> nearRun_;
+    SegmentBvh2D walkedBvh_;
+    SegmentBvh2D othersBvh_;
+    std::vector<NearGroup> near_;
+    std::size_t segment_ = 0; // of the walked polyline, the one that meets
 };
 
 } // namespace
 
-LineSegment2D planeSegment(const Points& points, std::size_t i) {
-    const auto inPlane = [](const Point& p) {
-        return Doublet(static_cast<float>(p.x), static_cast<float>(p.y));
-    };
-    return {inPlane(points[i - 1]), inPlane(points[i])};
-}
-
-bool meetsAmong(const Points& points, std::size_t first, std::size_t last,
-                const LineSegment2D& other, Doublet& crossing) {
-    for (std::size_t i = first; i <= last; ++i) {
-        const LineSegment2D segment = planeSegment(points, i);
-        double t = 0.0;
-        if (segment.intersectWithLimits(other, t)) {
-            crossing = segment.getPointAt(t);
+bool findFirstCrossing(const Points& points, const LineSegment2D& other, Doublet& crossing) {
+    if (points.size() <= kFewPairs) {
+        return meetsAny(points, other, crossing);
+    }
+    const Box2D box = boxOf(other);
+    for (std::size_t first = 0; first + 1 < points.size(); first += kSegmentsTogether) {
+        const SegmentBvh2D bvh(&points[first],
+                               std::min(kSegmentsTogether, points.size() - 1 - first));
+        const bool isFound = anyOverlapping(bvh, bvh.top(), 0, box, [&](std::size_t i) {
+            return meets(points, first + i, other, crossing);
+        });
+        if (isFound) {
             return true;
         }
     }
     return false;
 }
 
-bool findFirstCrossing(const Points& points, const LineSegment2D& other, Doublet& crossing) {
-    const std::size_t count = points.size() < 2 ? 0 : points.size() - 1;
-    if (count <= kFewPairs) {
-        return meetsAmong(points, 1, count, other, crossing);
-    }
-    const PlaneBox box = boxOfSegment(other);
-    PlaneRuns chunk;
-    for (std::size_t first = 0; first < count; first += kChunk) {
-        chunk.take(points.data() + first, std::min(kChunk, count - first));
-        for (std::size_t run = 0; run < chunk.getBoxes().size(); ++run) {
-            if (chunk.getBoxes()[run].overlaps(box) &&
-                meetsInRun(points, chunk, first, run, other, box, crossing)) {
-                return true;
-            }
-        }
-    }
-    return false;
-}
-
-bool findFirstCrossingPlainly(const Points& walked, const Points& others, std::size_t& tried,
+bool findFirstCrossingByPairs(const Points& walked, const Points& others, std::size_t& tried,
                               Doublet& crossing) {
     for (tried = 1; tried < walked.size(); ++tried) {
-        const LineSegment2D segment = planeSegment(walked, tried);
-        if (others.size() > 1 && meetsAmong(others, 1, others.size() - 1, segment, crossing)) {
+        if (meetsAny(others, planeSegment(walked, tried - 1), crossing)) {
             return true;
         }
     }
@@ -241,7 +203,7 @@ bool findFirstCrossingPlainly(const Points& walked, const Points& others, std::s
 bool findFirstCrossing(const Points& walked, const Points& others, std::size_t& tried,
                        Doublet& crossing) {
     if (walked.size() < 2 || others.size() < 2 || walked.size() <= kFewPairs / others.size()) {
-        return findFirstCrossingPlainly(walked, others, tried, crossing);
+        return findFirstCrossingByPairs(walked, others, tried, crossing);
     }
     return CrossingSearch(walked, others).find(tried, crossing);
 }

@@ -12,25 +12,19 @@
 
 namespace qel {
 
-/// The segment that ends at point i, with x and y rounded to float.
-LineSegment2D planeSegment(const Points& points, std::size_t i);
-
-/// Tests the segments that end at points first to last in order, by intersectWithLimits.
-/// @param[out] crossing  on the first that meets the other segment; untouched if none does
-bool meetsAmong(const Points& points, std::size_t first, std::size_t last,
-                const LineSegment2D& other, Doublet& crossing);
-
-/// The first segment of a polyline that meets a segment. O(n).
+/// The first segment of a polyline that meets a segment. O(n), no scratch memory.
+/// @param[out] crossing  on that one; untouched if none does
 bool findFirstCrossing(const Points& points, const LineSegment2D& other, Doublet& crossing);
 
 /// The first segment of a polyline that meets another polyline, and where on the first of that
-/// one's segments. Near O(n + m) where few runs of segments lie close to each other.
+/// one's segments. By a bounding volume hierarchy of each (SegmentBvh2D.h), which are walked
+/// together: about n log n where few boxes of segments overlap without the segments meeting.
 /// @param[out] tried  how many segments of the walked polyline were tried for it
 bool findFirstCrossing(const Points& walked, const Points& others, std::size_t& tried,
                        Doublet& crossing);
 
-/// The same by trying every pair in order. O(n m): the plain statement.
-bool findFirstCrossingPlainly(const Points& walked, const Points& others, std::size_t& tried,
+/// The same by trying every pair in order: the reference implementation. O(n m).
+bool findFirstCrossingByPairs(const Points& walked, const Points& others, std::size_t& tried,
                               Doublet& crossing);
 
 } // namespace qel

@@ -1,116 +1,156 @@
-// The nearest vertex of a polyline.
+// The nearest vertex of a polyline: the reference implementation, and its fast path in lanes.
 //
-// Long polylines are searched block by block. A block is only asked for its smallest distance, in
-// lanes that each keep their own minimum, which costs no more than reading the points. The first
-// vertex at the smallest distance of all lies in the last block that came below every block before
-// it, and is looked for there once, at the end.
+// Each lane keeps the first of its own points that is nearest, by the comparison of the reference
+// implementation: a NaN never comes in. Of the lanes' points at the least distance the one with the
+// lowest index is the answer. A first point at a distance of NaN or infinity is the answer itself
+// unless a point is nearer than infinity, which no lane can then tell from one that is not.
 
 #include "curve/NearestVertex.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
-#include "curve/DistanceLanes.h"
+#include "curve/SimdDistances.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
 namespace {
 
-constexpr std::size_t kBlock = 128;
-// A register read across two lines of the cache costs twice. Points lie 24 bytes apart, so that
-// one of any eight starts a line.
-constexpr std::size_t kCacheLine = 64;
-constexpr std::size_t kPointsToLine = 8;
-
-std::size_t plainSearch(const Point* points, std::size_t count, const Point& q) {
-    std::size_t nearest = 0;
-    double least = squaredDistance(points[0], q);
-    for (std::size_t i = 1; i < count; ++i) {
-        const double d2 = squaredDistance(points[i], q);
-        if (d2 < least) {
-            least = d2;
-            nearest = i;
+struct ReferenceKernel {
+    QEL_KERNEL static std::size_t run(const Point* points, std::size_t count, const Point& q) {
+        std::size_t nearest = 0;
+        double least = squaredDistance(points[0], q);
+        for (std::size_t i = 1; i < count; ++i) {
+            const double d2 = squaredDistance(points[i], q);
+            if (d2 < least) {
+                least = d2;
+                nearest = i;
+            }
         }
-    }
-    return nearest;
-}
-
-// Index of the first point of a block at a distance that one of them has.
-QEL_KERNEL std::size_t firstInBlock(double least, const Point* points, const Point& q) {
-    std::size_t i = 0;
-    while (leastSquaredDistance(points + i, kDistanceLanes, q, HUGE_VAL) != least) {
-        i += kDistanceLanes;
-    }
-    return i + firstAtSquaredDistance(least, points + i, q);
-}
-
-std::size_t firstOnLine(const Point* points) {
-    std::size_t i = 0;
-    while (i < kPointsToLine && reinterpret_cast<std::uintptr_t>(points + i) % kCacheLine != 0) {
-        ++i;
-    }
-    return i;
-}
-
-// The least distance so far and the block that brought it.
-struct Nearest {
-    double d2;
-    const Point* block; // null while it is vertex 0
-};
-
-QEL_KERNEL void lookAt(const Point* block, const Point& q, Nearest& nearest) {
-    const double d2 = leastSquaredDistance(block, kBlock, q, nearest.d2);
-    if (d2 < nearest.d2) {
-        nearest = {d2, block};
-    }
-}
-
-// Enough points for blocks. The first block and the last overlap their neighbours: a vertex seen
-// again is not nearer than it was.
-struct BlockSearch {
-    static constexpr std::size_t kFewest = kBlock + kPointsToLine;
-
-    QEL_KERNEL static std::size_t run(const Point* points, std::size_t count, Point q) {
-        Nearest nearest{squaredDistance(points[0], q), nullptr};
-        lookAt(points, q, nearest);
-        for (std::size_t i = firstOnLine(points); i + kBlock <= count; i += kBlock) {
-            lookAt(points + i, q, nearest);
-        }
-        lookAt(points + count - kBlock, q, nearest);
-        return nearest.block == nullptr ? 0
-                                        : static_cast<std::size_t>(nearest.block - points) +
-                                              firstInBlock(nearest.d2, nearest.block, q);
+        return nearest;
     }
 };
 
-// Enough points for the lanes: all that fill them whole, then the last ones.
-struct LaneSearch {
-    static constexpr std::size_t kFewest = kDistanceLanes;
+#if defined(QEL_SHUFFLES)
 
-    QEL_KERNEL static std::size_t run(const Point* points, std::size_t count, Point q) {
-        const std::size_t whole = count - count % kDistanceLanes;
-        const Point* const last = points + count - kDistanceLanes;
-        const double first = squaredDistance(points[0], q);
-        const double ofWhole = leastSquaredDistance(points, whole, q, first);
-        const double ofAll = leastSquaredDistance(last, kDistanceLanes, q, ofWhole);
-        if (ofAll < ofWhole) {
-            return static_cast<std::size_t>(last - points) + firstAtSquaredDistance(ofAll, last, q);
+constexpr std::size_t kMinPointsOfFourLanes = 32; // below, the reference is as fast
+constexpr std::size_t kMinPointsOfEightLanes = 128;
+constexpr std::size_t kMinPointsTogether = 12;
+
+/// The nearest points of the lanes: the least distances, and the first of the points in the group
+/// that brought each.
+template <std::size_t width>
+class NearestOfLanes {
+public:
+    QEL_KERNEL NearestOfLanes() : least_(Numbers{} + HUGE_VAL), group_{} {}
+
+    QEL_KERNEL void take(const PointLanes<width>& points, std::size_t group, const Point& q) {
+        const Numbers d2 = squaredDistances(points, q).value;
+        const Integers isNearer = d2 < least_;
+        least_ = d2 < least_ ? d2 : least_;
+        group_ = isNearer ? Integers{} + static_cast<std::int64_t>(group) : group_;
+    }
+
+    /// Of the points at the least distance of two sets of lanes, the first.
+    QEL_KERNEL std::size_t first(const NearestOfLanes& other) const {
+        double least = HUGE_VAL;
+        for (std::size_t lane = 0; lane < width; ++lane) {
+            least = std::min({least, least_[lane], other.least_[lane]});
         }
-        return ofWhole < first ? firstInBlock(ofWhole, points, q) : 0;
+        return std::min(firstAt(least), other.firstAt(least));
+    }
+
+private:
+    using Numbers = typename Register<double, width>::Type;
+    using Integers = decltype(Numbers{} < Numbers{});
+
+    QEL_KERNEL std::size_t firstAt(double d2) const {
+        std::int64_t first = std::numeric_limits<std::int64_t>::max();
+        for (std::size_t lane = 0; lane < width; ++lane) {
+            const std::int64_t index = group_[lane] + static_cast<std::int64_t>(lane);
+            first = least_[lane] == d2 ? std::min(first, index) : first;
+        }
+        return static_cast<std::size_t>(first);
+    }
+
+    Numbers least_;
+    Integers group_;
+};
+
+/// Several probes at once. A single one has two sets of lanes, so that one need not wait for the
+/// other.
+template <std::size_t width, std::size_t probes>
+struct LanesKernel {
+    static constexpr std::size_t kSets = probes == 1 ? 2 : 1;
+
+    QEL_KERNEL static void run(const Point* points, std::size_t count, const Point* q,
+                               std::size_t* nearest) {
+        NearestOfLanes<width> lanes[probes][kSets];
+        std::size_t i = 0;
+        for (; i + kSets * width <= count; i += kSets * width) {
+            for (std::size_t set = 0; set < kSets; ++set) {
+                const std::size_t group = i + set * width;
+                const PointLanes<width> p = PointLanes<width>::read(points + group);
+                for (std::size_t k = 0; k < probes; ++k) {
+                    lanes[k][set].take(p, group, q[k]);
+                }
+            }
+        }
+        for (const std::size_t group : {i, count - width}) { // those seen again change nothing
+            if (group + width <= count) {
+                const PointLanes<width> p = PointLanes<width>::read(points + group);
+                for (std::size_t k = 0; k < probes; ++k) {
+                    lanes[k][0].take(p, group, q[k]);
+                }
+            }
+        }
+        for (std::size_t k = 0; k < probes; ++k) {
+            nearest[k] = squaredDistance(points[0], q[k]) < HUGE_VAL
+                             ? lanes[k][0].first(lanes[k][kSets - 1])
+                             : ReferenceKernel::run(points, count, q[k]);
+        }
     }
 };
+
+#endif
 
 } // namespace
 
-std::size_t nearestVertex(const Points& points, const Point& q) {
-    const std::size_t count = points.size();
-    if (count >= BlockSearch::kFewest) {
-        return onVectorUnit<BlockSearch>(points.data(), count, q);
+std::size_t nearestVertex(const Point* points, std::size_t count, const Point& q) {
+#if defined(QEL_SHUFFLES)
+    if (count >= kMinPointsOfFourLanes && vectorUnit() != VectorUnit::portable) {
+        std::size_t nearest = 0;
+        if (count >= kMinPointsOfEightLanes && vectorUnit() == VectorUnit::avx512) {
+            runAvx512<LanesKernel<8, 1>>(points, count, &q, &nearest);
+        } else {
+            runAvx2<LanesKernel<4, 1>>(points, count, &q, &nearest);
+        }
+        return nearest;
     }
-    if (count >= LaneSearch::kFewest) {
-        return onVectorUnit<LaneSearch>(points.data(), count, q);
+#endif
+    return ReferenceKernel::run(points, count, q);
+}
+
+void nearestVertices(const Point* points, std::size_t count, const Point* probes,
+                     std::size_t probeCount, std::size_t* nearest) {
+    std::size_t k = 0;
+#if defined(QEL_SHUFFLES)
+    constexpr std::size_t kTogether = 4;
+    if (count >= kMinPointsTogether && vectorUnit() != VectorUnit::portable) {
+        for (; k + kTogether <= probeCount; k += kTogether) {
+            if (vectorUnit() == VectorUnit::avx512) {
+                runAvx512<LanesKernel<8, kTogether>>(points, count, probes + k, nearest + k);
+            } else {
+                runAvx2<LanesKernel<4, kTogether>>(points, count, probes + k, nearest + k);
+            }
+        }
     }
-    return plainSearch(points.data(), count, q);
+#endif
+    for (; k < probeCount; ++k) {
+        nearest[k] = nearestVertex(points, count, probes[k]);
+    }
 }
 
 } // namespace qel

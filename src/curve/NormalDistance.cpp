@@ -1,11 +1,11 @@
-// How far the vertices between two others stray from the chord between those.
+// How far the vertices between two others lie from the chord between those.
 
-#include <qel/ParametricCurve.h>
+#include "curve/NormalDistance.h"
 
 #include <qel/NumericalUtils.h>
 
+#include "curve/DeviationBounds.h"
 #include "curve/FarthestVertex.h"
-#include "curve/RunSegments.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -34,45 +34,37 @@ double chordTolerance(double length, bool createdAsDouble) {
 
 } // namespace
 
-void ParametricCurve::calculateDistanceFromTwoPoints(int i, int j, double& distance, int& index,
-                                                     bool& done) const {
-    distance = 0.0;
-    index = i;
-    done = true;
+void measureChordOfNoLength(const ParametricCurve& curve, ParametricCurve::tEdge& edge) {
+    const int i = edge.first;
+    const int j = edge.second;
+    edge.distance = 0.0;
+    edge.farthest = i;
+    edge.skip = true;
     if (haveNoVertexBetween(i, j)) {
         return;
     }
+    const Points& points = curve.getCurve();
+    const std::vector<double>& svalues = curve.getSvalues();
     const auto first = static_cast<std::size_t>(i);
     const auto second = static_cast<std::size_t>(j);
-    if (!(svalues_[first] < svalues_[second])) {
+    if (!(svalues[first] < svalues[second])) {
         return;
     }
-    index = getClosestToSvaluePoint((svalues_[second] + svalues_[first]) * 0.5);
+    int index = curve.getClosestToSvaluePoint((svalues[second] + svalues[first]) * 0.5);
     if (index == i) {
         index = i + 1;
     }
     if (index == j) {
         index = j - 1;
     }
-    const Point middle = (points_[first] + points_[second]) * 0.5;
-    distance = (points_[static_cast<std::size_t>(index)] - middle).length();
-    done = false;
+    const Point middle = (points[first] + points[second]) * 0.5;
+    edge.distance = (points[static_cast<std::size_t>(index)] - middle).length();
+    edge.farthest = index;
+    edge.skip = false;
 }
 
-void ParametricCurve::calculateNormalDistanceFromTwoPoints(int i, int j, double& distance,
-                                                           int& index, bool& done) const {
-    tEdge edge;
-    edge.first = i;
-    edge.second = j;
-    measureChord(edge, nullptr);
-    distance = edge.distance;
-    index = edge.farthest;
-    done = edge.skip;
-}
-
-// Fills in the farthest vertex of a chord, its distance and whether there is none. With the runs
-// of the curve's points, long chords are much faster.
-void ParametricCurve::measureChord(tEdge& edge, const RunSegments* runs) const {
+void measureChord(const ParametricCurve& curve, const DeviationBounds* bounds,
+                  ParametricCurve::tEdge& edge) {
     const int i = edge.first;
     const int j = edge.second;
     edge.skip = true;
@@ -81,30 +73,42 @@ void ParametricCurve::measureChord(tEdge& edge, const RunSegments* runs) const {
     if (haveNoVertexBetween(i, j)) {
         return;
     }
-    checkIndex(i, points_.size());
-    checkIndex(j, points_.size());
+    const Points& points = curve.getCurve();
+    checkIndex(i, points.size());
+    checkIndex(j, points.size());
     Chord chord;
-    chord.start = points_[static_cast<std::size_t>(i)];
-    chord.direction = chord.start - points_[static_cast<std::size_t>(j)];
+    chord.start = points[static_cast<std::size_t>(i)];
+    chord.direction = chord.start - points[static_cast<std::size_t>(j)];
     chord.length = chord.direction.length();
-    chord.tolerance = chordTolerance(chord.length, createdAsDouble_);
+    chord.tolerance = chordTolerance(chord.length, curve.isCurveCreatedAsDouble());
     if (chord.tolerance > chord.length) {
-        calculateDistanceFromTwoPoints(i, j, edge.distance, edge.farthest, edge.skip);
+        measureChordOfNoLength(curve, edge);
         return;
     }
     if (i < j) {
         const std::size_t first = static_cast<std::size_t>(i) + 1;
         const auto last = static_cast<std::size_t>(j);
         FarthestVertex farthest{0.0, static_cast<std::size_t>(i)};
-        if (runs != nullptr) {
-            takeFarthest(points_, *runs, first, last, chord, farthest);
+        if (bounds != nullptr) {
+            takeFarthest(points, *bounds, first, last, chord, farthest);
         } else {
-            takeFarthest(points_, first, last, chord, farthest);
+            takeFarthest(points, first, last, chord, farthest);
         }
         edge.distance = farthest.distance;
         edge.farthest = static_cast<int>(farthest.index);
         edge.skip = edge.farthest == i;
     }
+}
+
+void ParametricCurve::calculateNormalDistanceFromTwoPoints(int i, int j, double& distance,
+                                                           int& index, bool& done) const {
+    tEdge edge;
+    edge.first = i;
+    edge.second = j;
+    measureChord(*this, nullptr, edge);
+    distance = edge.distance;
+    index = edge.farthest;
+    done = edge.skip;
 }
 
 } // namespace qel

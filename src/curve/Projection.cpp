@@ -3,9 +3,12 @@
 // Vertex first: one pass finds the nearest vertex, then only the two edges that meet there are
 // tried. O(n) time, no allocation.
 
+#include "curve/Projection.h"
+
+#include <cmath>
+
 #include <qel/ParametricCurve.h>
 
-#include "curve/Conversions.h"
 #include "curve/NearestVertex.h"
 #include "foundation/MachineSpacing.h"
 
@@ -15,40 +18,65 @@ namespace {
 constexpr double kHitFactor = 100.0;        // spacings of the squared edge length
 constexpr double kDegenerateFactor = 100.0; // spacings of the projection on the edge
 
+// True where x is surely more than a hundred spacings of another number; spares the search for
+// that number's decade.
+bool surelyExceedsSpacings(double x, double other) {
+    const double magnitude = std::abs(other);
+    return magnitude > kMinOfSpacings && x > kHundredSpacings * magnitude;
+}
+
+// True if a probe at a squared distance from a vertex lies on it, within the tolerance.
+bool isHit(double d2, double length2) {
+    return !surelyExceedsSpacings(d2, length2) && !(kHitFactor * spacingAt(length2) < d2);
+}
+
+bool isDegenerate(double length2, double along) {
+    return !surelyExceedsSpacings(length2, along) && length2 < kDegenerateFactor * spacingAt(along);
+}
+
 } // namespace
 
-// -- One edge ----
+// -- Beside a vertex ----
 
-// Foot of a probe on the edge from its nearest vertex i towards the neighbour j, from the squared
-// distances of the probe to both; the probe itself is not needed.
-Point ParametricCurve::projectToEdge(int i, int j, double d2i, double d2j, double& s) const {
-    const auto from = static_cast<std::size_t>(i);
-    const auto to = static_cast<std::size_t>(j);
-    const Point edge = points_[to] - points_[from];
+Foot projectToEdge(const Points& points, const std::vector<double>& svalues, std::size_t i,
+                   std::size_t j, double d2i, double d2j) {
+    const Point edge = points[j] - points[i];
     const double length2 = edge.dot(edge);
-    const double tolerance = kHitFactor * spacingAt(length2);
-    if (!(tolerance < d2j)) {
-        s = svalues_[to];
-        return points_[to];
+    if (isHit(d2j, length2)) {
+        return {points[j], svalues[j]};
     }
-    if (!(tolerance < d2i)) {
-        s = svalues_[from];
-        return points_[from];
+    if (isHit(d2i, length2)) {
+        return {points[i], svalues[i]};
     }
-    // Law of cosines: the projection of the probe on the edge, times the edge's length.
-    const double along = (d2i - d2j + length2) * 0.5;
+    const double along = projectionOnEdge(d2i, d2j, length2);
     // Measured against the projection here, against the squared length above; on purpose.
-    if (length2 < kDegenerateFactor * spacingAt(along)) {
-        s = (svalues_[to] + svalues_[from]) * 0.5;
-        return (points_[to] + points_[from]) * 0.5;
+    if (isDegenerate(length2, along)) {
+        return {(points[j] + points[i]) * 0.5, (svalues[j] + svalues[i]) * 0.5};
     }
-    const double t = along / length2;
-    if (t > 0.0) {
-        s = svalues_[from] + (svalues_[to] - svalues_[from]) * t;
-        return points_[from] + (points_[to] - points_[from]) * t;
+    return footAt(points[i], points[j], svalues[i], svalues[j], along / length2);
+}
+
+Foot projectBesideVertex(const Points& points, const std::vector<double>& svalues,
+                         std::size_t nearest, const Point& probe) {
+    const double d2 = squaredDistance(points[nearest], probe);
+    const auto footTowards = [&](std::size_t neighbour) {
+        return projectToEdge(points, svalues, nearest, neighbour, d2,
+                             squaredDistance(points[neighbour], probe));
+    };
+    if (nearest == 0) {
+        return footTowards(1);
     }
-    s = svalues_[from];
-    return points_[from];
+    if (nearest == points.size() - 1) {
+        return footTowards(nearest - 1);
+    }
+    const Foot before = footTowards(nearest - 1);
+    const Foot after = footTowards(nearest + 1);
+    const double distanceBefore = (probe - before.point).length();
+    const double distanceAfter = (probe - after.point).length();
+    if (distanceBefore == distanceAfter) {
+        return {points[nearest], svalues[nearest]};
+    }
+    return distanceAfter > distanceBefore ? before : after;
 }
 
 // -- The curve ----
@@ -58,35 +86,9 @@ Point ParametricCurve::projectPoint(const Point& q, double& s) const {
         s = 0.0;
         return points_[0];
     }
-    return projectBesideVertex(nearestVertex(points_, q), q, s);
-}
-
-// Foot of a probe on the edges that meet at its nearest vertex.
-Point ParametricCurve::projectBesideVertex(std::size_t nearest, const Point& q, double& s) const {
-    const auto d2 = [&](std::size_t i) { return squaredDistance(points_[i], q); };
-    const auto footTowards = [&](std::size_t neighbour, double& sFoot) {
-        return projectToEdge(static_cast<int>(nearest), static_cast<int>(neighbour), d2(nearest),
-                             d2(neighbour), sFoot);
-    };
-    if (nearest == 0) {
-        return footTowards(1, s);
-    }
-    if (nearest == points_.size() - 1) {
-        return footTowards(nearest - 1, s);
-    }
-    double sBefore = 0.0;
-    double sAfter = 0.0;
-    const Point before = footTowards(nearest - 1, sBefore);
-    const Point after = footTowards(nearest + 1, sAfter);
-    const double distanceBefore = (q - before).length();
-    const double distanceAfter = (q - after).length();
-    if (distanceBefore == distanceAfter) {
-        s = svalues_[nearest];
-        return points_[nearest];
-    }
-    const bool takeBefore = distanceAfter > distanceBefore;
-    s = takeBefore ? sBefore : sAfter;
-    return takeBefore ? before : after;
+    const Foot foot = projectBesideVertex(points_, svalues_, nearestVertex(points_, q), q);
+    s = foot.s;
+    return foot.point;
 }
 
 int ParametricCurve::getClosestPoint(const Point& q) const {

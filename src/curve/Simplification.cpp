@@ -1,7 +1,7 @@
 // Thinning a curve to those of its points that matter most.
 //
-// Greedy refinement: from the chord between the ends, the chord that the curve strays from most is
-// split at its farthest vertex until enough points are kept or none strays more than the
+// Greedy refinement: from the chord between the ends, the chord whose farthest vertex is
+// farthest of all is split there until enough points are kept or no vertex is farther than the
 // tolerance. Each split measures its two halves, so that n points thinned to k take about
 // n log k steps where the splits fall near the middle, and n k where each cuts off one end only (a
 // sawtooth of falling height, say). The next chord comes from a heap, never from a scan of all.
@@ -15,7 +15,8 @@
 #include <qel/QELVector.h>
 
 #include "curve/Conversions.h"
-#include "curve/RunSegments.h"
+#include "curve/DeviationBounds.h"
+#include "curve/NormalDistance.h"
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -164,12 +165,12 @@ void ParametricCurve::optimizeByNormalDistance(int count, std::vector<int>& ids,
     std::vector<int> kept{whole.first, whole.second};
     bool isShort = count == 2;
     if (!isShort) {
-        measureChord(whole, nullptr);
+        measureChord(*this, nullptr, whole);
         isShort = whole.skip || whole.distance < tolerance || count == 3;
         if (!isShort) {
-            const RunSegments runs(points_);
+            const DeviationBounds bounds(points_);
             kept = refine(whole, points_.size(), static_cast<std::size_t>(count), tolerance,
-                          [&](Edge& chord) { measureChord(chord, &runs); });
+                          [&](Edge& chord) { measureChord(*this, &bounds, chord); });
         } else if (!whole.skip && whole.distance > tolerance) {
             kept.insert(kept.begin() + 1, whole.farthest); // not where it equals the tolerance
         }
@@ -208,7 +209,7 @@ double ParametricCurve::getMaximumNormalDistance(const std::vector<double>& sval
         Edge chord;
         chord.first = previous;
         chord.second = refined->getClosestToSvaluePoint(svalues[i]);
-        refined->measureChord(chord, nullptr);
+        measureChord(*refined, nullptr, chord);
         if (chord.distance > largest) {
             largest = chord.distance;
         }

@@ -1,7 +1,7 @@
 // The bounds on distances from a chord against the stated arithmetic on every vertex.
 
 #include "curve/FarthestVertex.h"
-#include "curve/RunSegments.h"
+#include "curve/DeviationBounds.h"
 
 #include <cmath>
 
@@ -51,7 +51,7 @@ void checkChord(const Points& points, std::size_t first, std::size_t last, const
         FarthestVertex actual;
         takeFarthest(points, first, last, chord, actual);
         FarthestVertex byRuns;
-        takeFarthest(points, qel::RunSegments(points), first, last, chord, byRuns);
+        takeFarthest(points, qel::DeviationBounds(points), first, last, chord, byRuns);
         ASSERT_TRUE(sameBits(byRuns.distance, expected.distance))
             << byRuns.distance << " by runs is not " << expected.distance;
         ASSERT_EQ(byRuns.index, expected.index) << "by runs";

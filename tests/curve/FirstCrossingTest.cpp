@@ -1,13 +1,15 @@
-// First crossings by boxes against trying every pair of segments.
+// First crossings by hierarchies of boxes against trying every pair of segments.
 
 #include "curve/FirstCrossing.h"
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "curve/PlaneBoxes.h"
 #include "support/Bits.h"
+#include "support/CurveShapes.h"
 #include "support/Curves.h"
 #include "support/VectorUnits.h"
 
@@ -27,7 +29,7 @@ struct Crossing {
     Doublet at{-1.0f, -2.0f};
 };
 
-Crossing plainCrossing(const Points& walked, const Points& others) {
+Crossing crossingByPairs(const Points& walked, const Points& others) {
     Crossing crossing;
     for (std::size_t i = 1; i < walked.size(); ++i) {
         const LineSegment2D segment(inPlane(walked[i - 1]), inPlane(walked[i]));
@@ -47,7 +49,7 @@ Crossing plainCrossing(const Points& walked, const Points& others) {
 
 // Returns whether they cross.
 bool checkCurves(const Points& walked, const Points& others) {
-    const Crossing expected = plainCrossing(walked, others);
+    const Crossing expected = crossingByPairs(walked, others);
     onEveryVectorUnit([&] {
         Crossing actual;
         actual.meet = qel::findFirstCrossing(walked, others, actual.tried, actual.at);
@@ -55,15 +57,15 @@ bool checkCurves(const Points& walked, const Points& others) {
         ASSERT_EQ(actual.tried, expected.tried);
         ASSERT_TRUE(sameBits(actual.at.x, expected.at.x) && sameBits(actual.at.y, expected.at.y));
     });
-    Crossing plain;
-    plain.meet = qel::findFirstCrossingPlainly(walked, others, plain.tried, plain.at);
-    EXPECT_EQ(plain.meet, expected.meet);
-    EXPECT_EQ(plain.tried, expected.tried);
+    Crossing reference;
+    reference.meet = qel::findFirstCrossingByPairs(walked, others, reference.tried, reference.at);
+    EXPECT_EQ(reference.meet, expected.meet);
+    EXPECT_EQ(reference.tried, expected.tried);
     return expected.meet;
 }
 
 void checkSegment(const Points& points, const Point& from, const Point& to) {
-    const Crossing expected = plainCrossing({from, to}, points);
+    const Crossing expected = crossingByPairs({from, to}, points);
     onEveryVectorUnit([&] {
         Crossing actual;
         actual.meet =
@@ -102,7 +104,7 @@ Points scaled(Points points, double scale) {
     return points;
 }
 
-TEST(FirstCrossing, EqualsThePlainLoopOnCurvesOfEveryKind) {
+TEST(FirstCrossing, EqualsTryingEveryPairOnCurvesOfEveryKind) {
     RandomCurves random(71);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
@@ -113,7 +115,7 @@ TEST(FirstCrossing, EqualsThePlainLoopOnCurvesOfEveryKind) {
     }
 }
 
-TEST(FirstCrossing, EqualsThePlainLoopOnPathsThatMayMeet) {
+TEST(FirstCrossing, EqualsTryingEveryPairOnPathsThatMayMeet) {
     RandomCurves random(72);
     int met = 0;
     for (int round = 0; round < 1500; ++round) {
@@ -130,7 +132,7 @@ TEST(FirstCrossing, EqualsThePlainLoopOnPathsThatMayMeet) {
     EXPECT_LT(met, 1200);
 }
 
-TEST(FirstCrossing, EqualsThePlainLoopOnCurvesSideBySide) {
+TEST(FirstCrossing, EqualsTryingEveryPairOnCurvesSideBySide) {
     for (const double shift : {2.5, 0.01, 1e-4, 0.0}) {
         for (const double slope : {0.0, -shift / 19.9, -shift / 30.0}) {
             SCOPED_TRACE(shift);
@@ -140,7 +142,7 @@ TEST(FirstCrossing, EqualsThePlainLoopOnCurvesSideBySide) {
 }
 
 // Steps of a grid: shared vertices, overlapping and parallel segments, repeats.
-TEST(FirstCrossing, EqualsThePlainLoopOnGrids) {
+TEST(FirstCrossing, EqualsTryingEveryPairOnGrids) {
     RandomCurves random(73);
     int met = 0;
     for (int round = 0; round < 800; ++round) {
@@ -162,7 +164,7 @@ TEST(FirstCrossing, EqualsThePlainLoopOnGrids) {
 }
 
 // Values for which no box holds: they must be met, or missed, as by the plain loop.
-TEST(FirstCrossing, EqualsThePlainLoopWithSpecialValuesAmongThePoints) {
+TEST(FirstCrossing, EqualsTryingEveryPairWithSpecialValuesAmongThePoints) {
     RandomCurves random(74);
     const float tiny[] = {1e-45f, 1e-30f, 3e-19f, 1e-18f};
     for (int round = 0; round < 1500; ++round) {
@@ -191,7 +193,7 @@ TEST(FirstCrossing, EqualsThePlainLoopWithSpecialValuesAmongThePoints) {
     }
 }
 
-TEST(FirstCrossing, EqualsThePlainLoopWhereTheMarkerIsFrequent) {
+TEST(FirstCrossing, EqualsTryingEveryPairWhereTheMarkerIsFrequent) {
     RandomCurves random(75);
     for (int round = 0; round < 200; ++round) {
         Points walked = path(random, 200, 1.0, Point());
@@ -214,17 +216,17 @@ TEST(FirstCrossing, SegmentOfHardlyAnyLengthIsMetFromAfar) {
         walked.emplace_back(-i, 0, 0);
         others.emplace_back(0.25, 0.5 + i, 0);
     }
-    ASSERT_TRUE(plainCrossing(walked, others).meet);
+    ASSERT_TRUE(crossingByPairs(walked, others).meet);
     checkCurves(walked, others);
     checkSegment(others, walked[0], walked[1]);
     // Wherever the run stands in the curves.
     walked.insert(walked.begin(), 300, Point(0, -9, 0));
     others.insert(others.begin(), 300, Point(0.25, -0.5, 0));
-    EXPECT_EQ(plainCrossing(walked, others).tried, 301U);
+    EXPECT_EQ(crossingByPairs(walked, others).tried, 301U);
     checkCurves(walked, others);
 }
 
-TEST(FirstCrossing, SegmentEqualsThePlainLoop) {
+TEST(FirstCrossing, SegmentEqualsTryingEveryPair) {
     RandomCurves random(76);
     for (int round = 0; round < 3000; ++round) {
         SCOPED_TRACE(round);
@@ -261,81 +263,17 @@ TEST(FirstCrossing, CurvesWithoutSegmentsMeetNothing) {
     }
 }
 
-// -- What the boxes promise ----
-
-// Pairs that meet at chosen parameters, many of them just within the slack, at every scale and
-// far from the origin, also nearly parallel. Whenever the segments meet, their boxes overlap.
-TEST(PlaneBoxes, OverlapWheneverSegmentsMeet) {
-    RandomCurves random(77);
-    int met = 0;
-    for (int round = 0; round < 2000000; ++round) {
-        const double scale = std::pow(10.0, random.uniform(-14.0, 14.0));
-        const Point offset =
-            random.point(random.chance(0.5) ? 0.0 : scale * std::pow(10.0, random.uniform(0, 8)));
-        const auto parameter = [&] {
-            return random.chance(0.4)   ? 1.0 + random.uniform(0.8e-4, 1.01e-4)
-                   : random.chance(0.5) ? -random.uniform(0.8e-4, 1.01e-4)
-                                        : random.uniform(-0.001, 1.001);
-        };
-        const Point u = random.point(scale);
-        Point v = random.chance(0.2) ? u * random.uniform(-2.0, 2.0) : random.point(scale);
-        if (random.chance(0.3)) {
-            v *= std::pow(10.0, random.uniform(-6.0, 6.0));
+// Interleaved strokes, teeth in gaps, curves beside themselves.
+TEST(FirstCrossing, EqualsTryingEveryPairOnEveryShapeMatchesReferenceBitForBit) {
+    for (const CurveShape& shape : curveShapes()) {
+        for (const std::size_t n : std::vector<std::size_t>{2, 9, 40, 300, 700}) {
+            SCOPED_TRACE(std::string(shape.name) + ", " + std::to_string(n) + " points");
+            const Points points = shape.make(n);
+            checkCurves(points, shape.makeBeside(n));
+            checkCurves(points, shape.makeBeside(n / 3 + 2));
+            checkCurves(points, points);
+            checkSegment(points, points.back() + Point(-1, -1, 0), points.back());
         }
-        v += random.point(scale * (random.chance(0.5) ? 1e-7 : 0.0));
-        const Point start = offset - u * parameter();
-        const Point otherStart = offset - v * parameter();
-        const LineSegment2D a(inPlane(start), inPlane(start + u));
-        const LineSegment2D b(inPlane(otherStart), inPlane(otherStart + v));
-        double t = 0.0;
-        if (a.intersectWithLimits(b, t)) {
-            ++met;
-            ASSERT_TRUE(qel::boxOfSegment(a).overlaps(qel::boxOfSegment(b)))
-                << a << " and " << b << " in round " << round;
-        }
-    }
-    EXPECT_GT(met, 300000);
-}
-
-// Whether a box reaches as far around a segment as crossings on it can lie.
-bool reachesAround(const qel::PlaneBox& box, const Doublet& from, const Doublet& to) {
-    const double x0 = from.x;
-    const double y0 = from.y;
-    const double x1 = to.x;
-    const double y1 = to.y;
-    const double farthest =
-        std::fmax(std::fmax(std::fabs(x0), std::fabs(x1)), std::fmax(std::fabs(y0), std::fabs(y1)));
-    const double side = std::fmax(std::fabs(x1 - x0), std::fabs(y1 - y0));
-    if (!(std::isfinite(x0 + y0 + x1 + y1) && farthest <= 1e18) || (side > 0.0 && side < 7e-19)) {
-        return std::isinf(box.lowX) && std::isinf(box.highX) && std::isinf(box.lowY) &&
-               std::isinf(box.highY);
-    }
-    const double reach = 1.42e-4 * side + 41.0 * 0x1p-24 * farthest;
-    return box.lowX <= std::fmin(x0, x1) - reach && std::fmax(x0, x1) + reach <= box.highX &&
-           box.lowY <= std::fmin(y0, y1) - reach && std::fmax(y0, y1) + reach <= box.highY;
-}
-
-TEST(PlaneBoxes, ReachAsFarAroundSegmentsAsCrossingsCanLie) {
-    RandomCurves random(78);
-    for (int round = 0; round < 6000; ++round) {
-        SCOPED_TRACE(round);
-        Points points =
-            round % 2 == 0 ? random.points(100) : path(random, random.count(2, 100), 1.0, Point());
-        points = scaled(points, std::pow(10.0, random.uniform(-25.0, 25.0)));
-        const std::size_t count = points.size() - 1;
-        onEveryVectorUnit([&] {
-            qel::PlaneRuns runs;
-            runs.take(points.data(), count);
-            for (std::size_t i = 0; i < count; ++i) {
-                const Doublet from = inPlane(points[i]);
-                const Doublet to = inPlane(points[i + 1]);
-                ASSERT_TRUE(reachesAround(runs.getBoxes()[i / qel::kRun], from, to))
-                    << "segment " << i;
-                ASSERT_TRUE(reachesAround(runs.boxOf(i), from, to)) << "segment " << i;
-                ASSERT_TRUE(reachesAround(qel::boxOfSegment({from, to}), from, to));
-            }
-        });
-        ASSERT_FALSE(HasFailure());
     }
 }
 

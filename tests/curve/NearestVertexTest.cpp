@@ -1,4 +1,4 @@
-// The nearest vertex in lanes: the index that the plain search finds, on every vector unit.
+// The nearest vertex in lanes: the index that the reference finds, on every vector unit.
 
 #include "curve/NearestVertex.h"
 
@@ -16,13 +16,17 @@ namespace {
 using namespace qel_test;
 
 void checkProbes(const Points& path, const Points& probes) {
-    for (const Point& probe : probes) {
-        ASSERT_EQ(qel::nearestVertex(path, probe), referenceNearestVertex(path, probe)) << probe;
+    std::vector<std::size_t> nearest(probes.size());
+    qel::nearestVertices(path.data(), path.size(), probes.data(), probes.size(), nearest.data());
+    for (std::size_t i = 0; i < probes.size(); ++i) {
+        const std::size_t expected = referenceNearestVertex(path, probes[i]);
+        ASSERT_EQ(qel::nearestVertex(path, probes[i]), expected) << probes[i];
+        ASSERT_EQ(nearest[i], expected) << probes[i];
     }
 }
 
-// Around the lanes, around the block of 128 and where the last block overlaps the one before.
-TEST(NearestVertex, AnyNumberOfPointsGivesTheIndexOfThePlainSearch) {
+// Around the lanes, around 128 and where the last lanes overlap those before.
+TEST(NearestVertex, AnyNumberOfPointsMatchesReferenceBitForBit) {
     std::vector<std::size_t> sizes;
     for (std::size_t n = 1; n <= 70; ++n) {
         sizes.push_back(n);
@@ -92,6 +96,36 @@ TEST(NearestVertex, DoesNotDependOnWhereThePointsStand) {
             keepers.push_back(probesOf(Points(1), size, random));
             checkProbes(keepers.back(), probesOf(keepers.back(), 20, random));
         }
+    });
+}
+
+TEST(NearestVertex, TiesOnAGridGoToTheLowestIndex) {
+    onEveryVectorUnit([] {
+        RandomCurves random(39);
+        for (const double origin : {0.0, 1e8, -4.5e15}) {
+            Points grid;
+            Points probes;
+            for (std::size_t i = 0; i < 300; ++i) {
+                grid.push_back(random.gridPoint() + Point(origin, origin, origin));
+                probes.push_back(random.gridPoint() * 0.5 + Point(origin, origin, origin));
+            }
+            checkProbes(grid, probes);
+        }
+    });
+}
+
+TEST(NearestVertex, NoDistanceBelowInfinityGivesTheFirstVertex) {
+    onEveryVectorUnit([] {
+        for (const double far : {1e200, kInfinity, kNaN}) {
+            const Points path(40, Point(far, 0.0, 0.0));
+            checkProbes(path, {{0.0, 0.0, 0.0}, {-far, 0.0, 0.0}, {kNaN, 0.0, 0.0}});
+        }
+        Points path(40, Point(1.0, 2.0, 3.0));
+        path[0] = {kNaN, 0.0, 0.0}; // nothing is less than its distance
+        checkProbes(path, {{0.0, 0.0, 0.0}});
+        path[0] = {kInfinity, 0.0, 0.0};
+        path[33] = {1.0, 1.0, 1.0};
+        checkProbes(path, {{0.0, 0.0, 0.0}});
     });
 }
 

@@ -1,4 +1,4 @@
-// How far the vertices between two others stray from the chord between those.
+// How far the vertices between two others lie from the chord between those.
 
 #include <qel/ParametricCurve.h>
 
@@ -11,9 +11,9 @@
 #include <qel/NumericalUtils.h>
 
 #include "ReferenceCurve.h"
+#include "curve/NormalDistance.h"
 #include "support/Bits.h"
 #include "support/Errors.h"
-#include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
@@ -41,10 +41,11 @@ Deviation normalDeviation(const ParametricCurve& curve, int i, int j) {
 }
 
 Deviation midpointDeviation(const ParametricCurve& curve, int i, int j) {
-    Deviation d{-1.0, -1, false};
-    qel::ParametricCurveTestAccess::calculateDistanceFromTwoPoints(curve, i, j, d.distance, d.index,
-                                                                   d.done);
-    return d;
+    ParametricCurve::tEdge edge;
+    edge.first = i;
+    edge.second = j;
+    qel::measureChordOfNoLength(curve, edge);
+    return {edge.distance, edge.farthest, edge.skip};
 }
 
 ParametricCurve curveThrough(const Points& points) {

@@ -10,8 +10,8 @@
 #include <qel/NumericalUtils.h>
 
 #include "ReferenceCurve.h"
+#include "curve/Projection.h"
 #include "support/Bits.h"
-#include "support/ParametricCurveTestAccess.h"
 
 namespace {
 
@@ -126,10 +126,10 @@ TEST(Projection, FloatFormsWidenAndNarrow) {
 
 // -- One edge ----
 
-Foot projectToEdge(const ParametricCurve& curve, int i, int j, double d2i, double d2j) {
-    Foot foot{};
-    foot.point = qel::ParametricCurveTestAccess::projectToEdge(curve, i, j, d2i, d2j, foot.s);
-    return foot;
+Foot projectToEdge(const ParametricCurve& curve, std::size_t i, std::size_t j, double d2i,
+                   double d2j) {
+    const qel::Foot foot = qel::projectToEdge(curve.getCurve(), curve.getSvalues(), i, j, d2i, d2j);
+    return {foot.point, foot.s};
 }
 
 TEST(Projection, ToAnEdgePrefersTheFarVertexWithinTheTolerance) {

@@ -1,4 +1,4 @@
-// Thinning a curve by normal distance, and how far a curve strays from a polyline through it.
+// Thinning a curve by normal distance, and how far a curve lies from a polyline through it.
 
 #include <qel/ParametricCurve.h>
 
@@ -78,7 +78,7 @@ TEST(Simplification, CurveBelowTheToleranceIsReducedToItsEnds) {
 
 TEST(Simplification, CountThreeTakesTheFarthestOnlyBeyondTheTolerance) {
     const ParametricCurve curve =
-        curveThrough({{0, 0, 0}, {2, 1, 0}, {4, 3, 0}, {6, 1, 0}, {8, 0, 0}}); // strays by 3
+        curveThrough({{0, 0, 0}, {2, 1, 0}, {4, 3, 0}, {6, 1, 0}, {8, 0, 0}}); // 3 away
     EXPECT_EQ(thinned(curve, 3, 2.5), (Ids{0, 2, 4}));
     EXPECT_EQ(thinned(curve, 3, std::nextafter(3.0, 0.0)), (Ids{0, 2, 4}));
     EXPECT_EQ(thinned(curve, 3, 3.0), (Ids{0, 4})) << "equals the tolerance";
@@ -114,7 +114,7 @@ TEST(Simplification, SplitsTheFarthestChordFirst) {
     EXPECT_EQ(ids, (Ids{0, 1, 2, 3, 4, 5, 6}));
 }
 
-// Chord (0, 6) is split at 3; both halves then stray by the same distance to the last bit.
+// Chord (0, 6) is split at 3; both halves then deviate by the same distance to the last bit.
 TEST(Simplification, OfEqualDistancesTheEarlierEdgeIsSplitFirst) {
     const Points points{{0, 0, 0}, {1, 2, 0},  {4, 3, 0}, {8, 6, 0},
                         {9, 4, 0}, {12, 3, 0}, {16, 0, 0}};
@@ -131,7 +131,7 @@ TEST(Simplification, OfEqualDistancesTheEarlierEdgeIsSplitFirst) {
 }
 
 TEST(Simplification, KeepsTheVertexAtWhichItStops) {
-    // The first chord strays by 4, the next one by less than the tolerance: its vertex is kept.
+    // The first chord deviates by 4, the next one by less than the tolerance: its vertex is kept.
     const ParametricCurve curve = curveThrough(heights({0, 0.5, 0, 4, 0, 0, 0}));
     const Ids ids = thinned(curve, 7, 3.9);
     EXPECT_EQ(ids.size(), 4U);
@@ -170,7 +170,7 @@ TEST(Simplification, ClosedLoopIsSplitInTheMiddleOfS) {
     EXPECT_EQ(thinned(curveThrough(square), 5, 0.1), (Ids{0, 1, 2, 3, 4}));
 }
 
-// A chord of equal points whose middle vertex is undefined strays by a NaN. At the front of the
+// A chord of equal points whose middle vertex is undefined deviates by a NaN. At the front of the
 // list it is chosen, because no distance exceeds it; so the loop ends at the count.
 TEST(Simplification, ANanDistanceAtTheFrontIsChosen) {
     const Points points{{0, 0, 0}, {1, 0, 0}, {kNaN, 0, 0}, {0, 1, 0}, {0, 0, 0}};
@@ -204,7 +204,7 @@ TEST(Simplification, ChordsThatComeBackEndAtTheCountOrAreRefused) {
     EXPECT_EQ(ids, (Ids{4, 5}));
 }
 
-// -- Against the plain statement ----
+// -- Against the reference implementation ----
 
 struct Plain {
     Ids ids;
@@ -221,7 +221,7 @@ ParametricCurve::tEdge measured(const ParametricCurve& curve, int first, int sec
 }
 
 // Every choice by a scan of all chords.
-Plain plainlyThinned(const ParametricCurve& curve, int count, double tolerance) {
+Plain thinnedByReference(const ParametricCurve& curve, int count, double tolerance) {
     const int last = static_cast<int>(curve.getSize()) - 1;
     if (count < 3) {
         return {{0, last}, true};
@@ -260,7 +260,7 @@ Plain plainlyThinned(const ParametricCurve& curve, int count, double tolerance) 
 }
 
 void checkAgainstPlain(const ParametricCurve& curve, int count, double tolerance) {
-    const Plain expected = plainlyThinned(curve, count, tolerance);
+    const Plain expected = thinnedByReference(curve, count, tolerance);
     Points points;
     for (const int id : expected.ids) {
         points.push_back(curve.getCurve()[static_cast<std::size_t>(id)]);

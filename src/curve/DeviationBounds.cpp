@@ -1,4 +1,4 @@
-#include "curve/RunSegments.h"
+#include "curve/DeviationBounds.h"
 
 #include <cmath>
 #include <limits>
@@ -9,12 +9,12 @@ namespace qel {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr std::size_t kRun = RunSegments::kRun;
-constexpr double kOfStray = 1.0 + 0x1p-40; // beyond the roundings of a residual's length
-constexpr double kOfOffsets = 0x1p-48;     // beyond those of its components
+constexpr std::size_t kRun = DeviationBounds::kRun;
+constexpr double kOfDeviation = 1.0 + 0x1p-40; // beyond the roundings of a residual's length
+constexpr double kOfOffsets = 0x1p-48;         // beyond those of its components
 
 // How far the vertices lie from the segment between the first and the last of a run.
-QEL_KERNEL double strayOf(const Point* run) {
+QEL_KERNEL double deviationOf(const Point* run) {
     const Point a = run[0];
     const Point e = run[kRun] - a;
     const double ee = e.dot(e);
@@ -41,33 +41,33 @@ QEL_KERNEL double strayOf(const Point* run) {
             offset[k] += offset[k + width]; // more than the largest; NaN if one is
         }
     }
-    const double stray =
-        std::sqrt(residual[0]) * kOfStray + (std::sqrt(offset[0]) + std::sqrt(ee)) * kOfOffsets;
-    return offset[0] < kInfinity && ee < kInfinity ? stray : kInfinity;
+    const double deviation =
+        std::sqrt(residual[0]) * kOfDeviation + (std::sqrt(offset[0]) + std::sqrt(ee)) * kOfOffsets;
+    return offset[0] < kInfinity && ee < kInfinity ? deviation : kInfinity;
 }
 
-struct StrayKernel {
-    QEL_KERNEL static void run(const Point* points, std::size_t count, double* strays) {
+struct DeviationKernel {
+    QEL_KERNEL static void run(const Point* points, std::size_t count, double* deviations) {
         for (std::size_t r = 0; r < count; ++r) {
-            strays[r] = strayOf(points + r * kRun);
+            deviations[r] = deviationOf(points + r * kRun);
         }
     }
 };
 
-// Ends and strays of runs, from the first that is asked for.
+// Ends and deviations of runs, from the first that is asked for.
 struct Runs {
     const double* x;
     const double* y;
     const double* z;
-    const double* stray;
+    const double* deviation;
 };
 
 struct BoundsKernel {
     QEL_KERNEL static void run(Runs runs, std::size_t count, Chord chord, double* bounds) {
         constexpr double kOfOffset = 0x1p-50;
         constexpr double kOfBound = 1.0 + 0x1p-40;
-        double ww[RunSegments::kMaxRuns + 1];
-        double d2[RunSegments::kMaxRuns + 1];
+        double ww[DeviationBounds::kMaxRuns + 1];
+        double d2[DeviationBounds::kMaxRuns + 1];
         const Point start = chord.start;
         const Point e = chord.direction;
         const double inverse = 1.0 / chord.length;
@@ -81,10 +81,10 @@ struct BoundsKernel {
             d2[k] = bound < 0.0 ? 0.0 : bound;
         }
         for (std::size_t k = 0; k < count; ++k) {
-            const double stray = runs.stray[k];
-            const double offset = std::sqrt(ww[k] + ww[k + 1]) + stray; // NaN if one is
+            const double deviation = runs.deviation[k];
+            const double offset = std::sqrt(ww[k] + ww[k + 1]) + deviation; // NaN if one is
             const double farther = d2[k] > d2[k + 1] ? d2[k] : d2[k + 1];
-            const double distance = std::sqrt(farther) + stray + offset * kOfOffset;
+            const double distance = std::sqrt(farther) + deviation + offset * kOfOffset;
             const double bound = (distance * distance + offset * offset * kBoundSlack) * kOfBound;
             bounds[k] = bound < kInfinity ? bound : kInfinity;
         }
@@ -93,8 +93,8 @@ struct BoundsKernel {
 
 } // namespace
 
-RunSegments::RunSegments(const Points& points)
-    : strays_(points.empty() ? 0 : (points.size() - 1) / kRun) {
+DeviationBounds::DeviationBounds(const Points& points)
+    : deviations_(points.empty() ? 0 : (points.size() - 1) / kRun) {
     x_.reserve(size() + 1);
     y_.reserve(size() + 1);
     z_.reserve(size() + 1);
@@ -103,13 +103,13 @@ RunSegments::RunSegments(const Points& points)
         y_.push_back(points[k].y);
         z_.push_back(points[k].z);
     }
-    onVectorUnit<StrayKernel>(points.data(), size(), strays_.data());
+    onVectorUnit<DeviationKernel>(points.data(), size(), deviations_.data());
 }
 
-void RunSegments::squaredBounds(const Chord& chord, std::size_t first, std::size_t count,
-                                double* bounds) const {
+void DeviationBounds::squaredBounds(const Chord& chord, std::size_t first, std::size_t count,
+                                    double* bounds) const {
     const Runs runs = {x_.data() + first, y_.data() + first, z_.data() + first,
-                       strays_.data() + first};
+                       deviations_.data() + first};
     onVectorUnit<BoundsKernel>(runs, count, chord, bounds);
 }
 

@@ -1,13 +1,13 @@
-#ifndef QEL_CURVE_RUNSEGMENTS_H
-#define QEL_CURVE_RUNSEGMENTS_H
+#ifndef QEL_CURVE_DEVIATIONBOUNDS_H
+#define QEL_CURVE_DEVIATIONBOUNDS_H
 
 /// @file
 /// An index for many searches of the vertex farthest from a chord, on one polyline.
 ///
-/// A run of consecutive vertices strays little from the segment between its ends. No vertex of it
-/// is then farther from any line than the farther end is, but for that stray: the distance from a
-/// line is convex, so along the segment it is largest at an end. One bound for a whole run, at the
-/// cost of one vertex, lets most runs of a long chord drop out unseen.
+/// A run of consecutive vertices deviates little from the segment between its ends. No vertex of it
+/// is then farther from any line than the farther end is, but for that deviation: the distance from
+/// a line is convex, so along the segment it is largest at an end. One bound for a whole run, at
+/// the cost of one vertex, lets most runs of a long chord drop out unseen.
 ///
 /// The bound holds for the distances as they are computed: it exceeds the true one by more than
 /// the roundings of both, those of the offsets (relative to their length), of the radicand
@@ -22,16 +22,16 @@
 
 namespace qel {
 
-class RunSegments {
+class DeviationBounds {
 public:
     static constexpr std::size_t kRunBits = 5;
     static constexpr std::size_t kRun = std::size_t{1} << kRunBits;
 
     /// O(n).
-    explicit RunSegments(const Points& points);
+    explicit DeviationBounds(const Points& points);
 
     /// Run r holds the vertices from r * kRun to (r + 1) * kRun, which is the next one's first.
-    std::size_t size() const { return strays_.size(); }
+    std::size_t size() const { return deviations_.size(); }
 
     /// Bounds on the squared distances from a chord of the vertices in runs; infinite for NaN.
     ///
@@ -45,7 +45,7 @@ private:
     std::vector<double> x_;
     std::vector<double> y_;
     std::vector<double> z_;
-    std::vector<double> strays_;
+    std::vector<double> deviations_;
 };
 
 } // namespace qel

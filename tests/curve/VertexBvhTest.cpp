@@ -1,12 +1,14 @@
-// Boxes over runs of vertices: the index that the plain search finds, ties included.
+// The hierarchy over vertices, in both orders: the index that the reference finds, ties included.
 
-#include "curve/RunBoxes.h"
+#include "curve/VertexBvh.h"
 
 #include <cmath>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "support/CurveShapes.h"
 #include "support/Curves.h"
 #include "support/Paths.h"
 #include "support/VectorUnits.h"
@@ -14,25 +16,28 @@
 namespace {
 
 using namespace qel_test;
-using qel::RunBoxes;
+using qel::VertexBvh;
 
 void checkProbes(const Points& path, const Points& probes, RandomCurves& random) {
-    const RunBoxes boxes(path);
-    std::size_t previous = 0;
-    for (const Point& probe : probes) {
-        const std::size_t expected = referenceNearestVertex(path, probe);
-        ASSERT_EQ(boxes.nearestVertex(probe, previous), expected) << probe;
-        ASSERT_EQ(boxes.nearestVertex(probe, random.count(0, path.size() - 1)), expected) << probe;
-        previous = expected;
+    for (const auto order : {VertexBvh::Order::alongCurve, VertexBvh::Order::inSpace}) {
+        const VertexBvh bvh(path.data(), path.size(), order);
+        VertexBvh::Search search;
+        for (const Point& probe : probes) {
+            const std::size_t expected = referenceNearestVertex(path, probe);
+            ASSERT_EQ(bvh.nearestVertex(probe, search), expected) << probe;
+            VertexBvh::Search elsewhere;
+            elsewhere.leaf = random.count(0, path.size() - 1) / VertexBvh::kLeaf;
+            ASSERT_EQ(bvh.nearestVertex(probe, elsewhere), expected) << probe;
+        }
     }
 }
 
-TEST(RunBoxes, FindTheVertexOfThePlainSearchFromAnyGuess) {
+TEST(VertexBvh, FindsTheNearestVertexFromAnyLeafMatchesReferenceBitForBit) {
     std::vector<std::size_t> sizes;
-    for (std::size_t n = 16; n <= 70; ++n) {
+    for (std::size_t n = 16; n <= 70; n += 3) {
         sizes.push_back(n);
     }
-    // One box of eight runs, of sixty-four, of 512, and one vertex less or more.
+    // A node of eight leaves, of sixty-four, of 512, and one vertex less or more.
     for (const std::size_t n :
          std::vector<std::size_t>{127, 128, 129, 1023, 1024, 1025, 8191, 8192, 8193}) {
         sizes.push_back(n);
@@ -48,9 +53,22 @@ TEST(RunBoxes, FindTheVertexOfThePlainSearchFromAnyGuess) {
     });
 }
 
+TEST(VertexBvh, FindsTheNearestVertexOfEveryShapeMatchesReferenceBitForBit) {
+    onEveryVectorUnit([] {
+        RandomCurves random(40);
+        for (const CurveShape& shape : curveShapes()) {
+            for (const std::size_t n : std::vector<std::size_t>{16, 300, 5000}) {
+                SCOPED_TRACE(std::string(shape.name) + ", " + std::to_string(n) + " points");
+                const Points points = shape.make(n);
+                checkProbes(points, probesOf(shape, points, 30), random);
+            }
+        }
+    });
+}
+
 // All vertices at distances that round to a few values: the boxes' own rounding must not tell
 // them apart.
-TEST(RunBoxes, TiesByRoundingGoToTheLowestIndex) {
+TEST(VertexBvh, TiesByRoundingGoToTheLowestIndex) {
     onEveryVectorUnit([] {
         RandomCurves random(36);
         Points circle;
@@ -68,7 +86,7 @@ TEST(RunBoxes, TiesByRoundingGoToTheLowestIndex) {
 }
 
 // Grid coordinates far from the origin, where differences lose bits.
-TEST(RunBoxes, TiesOnADistantGridGoToTheLowestIndex) {
+TEST(VertexBvh, TiesOnADistantGridGoToTheLowestIndex) {
     onEveryVectorUnit([] {
         RandomCurves random(37);
         for (const double origin : {0.0, 1e8, 1e15, -4.5e15}) {

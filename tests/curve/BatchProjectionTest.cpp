@@ -1,12 +1,16 @@
-// s-values of points that are not the curve's own.
+// The s-values of many points, and the search of their nearest vertices.
 
 #include <qel/ParametricCurve.h>
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "curve/NearestVertexSearch.h"
 #include "support/Bits.h"
+#include "support/CurveShapes.h"
 #include "support/Curves.h"
 #include "support/Errors.h"
 #include "support/Paths.h"
@@ -31,20 +35,20 @@ std::vector<double> referenceSvalues(const ParametricCurve& curve, const Points&
     return s;
 }
 
-TEST(ForeignPoints, GetTheSvaluesOfTheirFeet) {
+TEST(BatchProjection, GivesTheSvaluesOfTheFeet) {
     const ParametricCurve curve(Points{{0, 0, 0}, {10, 0, 0}}, ParametricCurve::dim3D);
     EXPECT_EQ(svaluesOf(curve, {{4, 3, 0}, {-5, 1, 0}, {10, 0, 0}}, false),
               (std::vector<double>{0.4, 0.0, 1.0}));
 }
 
-TEST(ForeignPoints, NormalizeSetsTheEndsAlone) {
+TEST(BatchProjection, NormalizeSetsTheEndsAlone) {
     const ParametricCurve curve(Points{{0, 0, 0}, {10, 0, 0}}, ParametricCurve::dim3D);
     EXPECT_EQ(svaluesOf(curve, {{4, 3, 0}, {4, 1, 0}, {4.5, 0, 1}, {3, 0, 1}}, true),
               (std::vector<double>{0.0, 0.4, 0.45, 1.0}));
     EXPECT_EQ(svaluesOf(curve, {{4, 3, 0}, {3, 3, 0}}, true), (std::vector<double>{0.0, 1.0}));
 }
 
-TEST(ForeignPoints, RefusesFewerThanTwo) {
+TEST(BatchProjection, RefusesFewerThanTwo) {
     const ParametricCurve curve(Points{{0, 0, 0}, {10, 0, 0}}, ParametricCurve::dim3D);
     const CurveState before = stateOf(curve);
     for (const Points& points : {Points(), Points(1)}) {
@@ -56,19 +60,20 @@ TEST(ForeignPoints, RefusesFewerThanTwo) {
     EXPECT_EQ(stateOf(curve), before);
 }
 
-TEST(ForeignPoints, ACurveOfTwoEqualPointsGivesZero) {
+TEST(BatchProjection, ACurveOfTwoEqualPointsGivesZero) {
     const ParametricCurve curve(Points{{1, 2, 3}, {1, 2, 3}}, ParametricCurve::dim3D);
     EXPECT_EQ(svaluesOf(curve, {{4, 3, 0}, {1, 2, 3}, {0, 0, 0}}, false),
               (std::vector<double>{0.0, 0.0, 0.0}));
 }
 
-TEST(ForeignPoints, TheCurvesOwnPointsGetTheirOwnSvalues) {
+TEST(BatchProjection, TheCurvesOwnPointsGetTheirOwnSvalues) {
     const ParametricCurve curve(helixPath(700, 1.0), ParametricCurve::dim3D);
     EXPECT_TRUE(sameBitsInAll(svaluesOf(curve, curve.getCurve(), false), curve.getSvalues()));
 }
 
-// Few and many points on short and long curves: on either side of where lanes and boxes begin.
-TEST(ForeignPoints, AreProjectedAsEachAlone) {
+// Few and many points on short and long curves: on either side of where lanes and hierarchies
+// begin.
+TEST(BatchProjection, ProjectsEachPointAsAloneMatchesReferenceBitForBit) {
     onEveryVectorUnit([] {
         RandomCurves random(38);
         for (const std::size_t n :
@@ -81,6 +86,32 @@ TEST(ForeignPoints, AreProjectedAsEachAlone) {
                     const Points probes = probesOf(curve.getCurve(), m, random);
                     EXPECT_TRUE(sameBitsInAll(svaluesOf(curve, probes, false),
                                               referenceSvalues(curve, probes)));
+                }
+            }
+        }
+    });
+}
+
+// Enough probes on long enough curves of every shape that the hierarchy in space is chosen where it
+// pays, at once or on the way.
+TEST(BatchProjection, FindsTheNearestVertexOnEveryShapeMatchesReferenceBitForBit) {
+    onEveryVectorUnit([] {
+        for (const CurveShape& shape : curveShapes()) {
+            for (const std::size_t n : std::vector<std::size_t>{399, 400, 3000}) {
+                for (const std::size_t m : std::vector<std::size_t>{3, 200, 2000}) {
+                    SCOPED_TRACE(std::string(shape.name) + ", " + std::to_string(n) + " points, " +
+                                 std::to_string(m) + " probes");
+                    const Points points = shape.make(n);
+                    const Points probes = probesOf(shape, points, m);
+                    std::vector<std::size_t> nearest(m);
+                    qel::NearestVertexSearch search(points, m);
+                    for (std::size_t first = 0; first < m; first += 64) {
+                        search.findNearest(&probes[first], std::min<std::size_t>(64, m - first),
+                                           &nearest[first]);
+                    }
+                    for (std::size_t i = 0; i < m; ++i) {
+                        ASSERT_EQ(nearest[i], referenceNearestVertex(points, probes[i])) << i;
+                    }
                 }
             }
         }
