@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #include "platform/VectorUnit.h"
 
@@ -32,6 +33,24 @@ QEL_KERNEL float floatOf(std::int32_t bits) {
 
 QEL_KERNEL double doubleOf(std::uint64_t bits) {
     double value;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+/// Integers as wide as the numbers, whose comparisons give lanes masks.
+template <typename T>
+using SignedBits = std::conditional_t<sizeof(T) == sizeof(float), std::int32_t, std::int64_t>;
+
+template <typename T>
+QEL_KERNEL SignedBits<T> signedBitsOf(T value) {
+    SignedBits<T> bits;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+template <typename T>
+QEL_KERNEL T numberOf(SignedBits<T> bits) {
+    T value;
     std::memcpy(&value, &bits, sizeof value);
     return value;
 }

@@ -7,6 +7,7 @@
 #include <qel/IntQELVector.h>
 #include <qel/QELVector.h>
 #include <qel/TripletQELVector.h>
+#include <qel/ViewStatistics.h>
 
 #include "Inputs.h"
 #include "Operations.h"
@@ -232,6 +233,27 @@ void integers(Checksum& sum) {
     sum.add(values, copy);
 }
 
+// -- Views ----
+
+template <typename T>
+void addStatistics(Checksum& sum, const qel::ScalarStatistics<T>& s) {
+    sum.add(s.getCount(), s.getUndefined(), s.getNotANumber(), s.getMin(), s.getMinIndex(),
+            s.getMax(), s.getMaxIndex(), s.getSum(), s.getMean(), s.getVariance());
+}
+
+void viewStatistics(Checksum& sum) {
+    forFields([&](const std::vector<float>& values) {
+        addStatistics(sum, qel::ScalarStatistics<float>(values));
+        addStatistics(
+            sum, qel::ScalarStatistics<double>(std::vector<double>(values.begin(), values.end())));
+    });
+    forTripletFields([&](const FloatPoints& values) {
+        const qel::TripletStatistics<float> s(values);
+        addStatistics(sum, s.getX());
+        addStatistics(sum, s.getLength());
+    });
+}
+
 } // namespace
 
 void addArrayOperations(Operations& operations) {
@@ -243,6 +265,7 @@ void addArrayOperations(Operations& operations) {
     operations.push_back({"TripletQELVector.contents", Arithmetic::exact, tripletContents});
     operations.push_back({"TripletQELVector.normalize", Arithmetic::exact, tripletNormalize});
     operations.push_back({"TripletQELVector.text", Arithmetic::exact, tripletText});
+    operations.push_back({"ViewStatistics", Arithmetic::exact, viewStatistics});
     operations.push_back({"QELVector", Arithmetic::exact, container});
     operations.push_back({"IntQELVector", Arithmetic::exact, integers});
 }

@@ -15,7 +15,7 @@ set(polymorphic FloatQELVector FloatQELVectorConcrete FloatQELVectorComponent Tr
                 IntQELVector ParametricCurve)
 
 # Batch interface: classes and free functions.
-set(batch_classes CurveView CurveLocator)
+set(batch_classes CurveView CurveLocator ScalarStatistics TripletStatistics)
 set(batch_functions
     findCrossings findCrossingsWithSegment findCrossingsWithLine findCrossingsWithPlane
     simplifyToError simplifyToCount computeCurveShape computeSignedArea computeOrientation
@@ -34,7 +34,7 @@ list(JOIN classes "|" any_class)
 list(JOIN batch_functions "|" any_function)
 foreach(line IN LISTS lines)
     string(REGEX REPLACE " [A-Za-z] [0-9a-f ]*$" "" symbol "${line}")
-    if(symbol MATCHES "^qel::(${any_class})::")
+    if(symbol MATCHES "^qel::(${any_class})(<[a-z]+>)?::")
         list(APPEND exporting ${CMAKE_MATCH_1})
     elseif(symbol MATCHES "^qel::(${any_function})\\(")
         list(APPEND exporting ${CMAKE_MATCH_1})
