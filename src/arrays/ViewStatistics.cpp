@@ -17,12 +17,12 @@
 namespace qel {
 namespace {
 
-constexpr std::uint64_t kMostNumbers = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t kMaxNumbers = std::numeric_limits<std::uint64_t>::max();
 
 // -- Checks ----
 
 void checkIndices(std::uint64_t firstIndex, std::size_t n) {
-    if (n > 0 && n - 1 > kMostNumbers - firstIndex) {
+    if (n > 0 && n - 1 > kMaxNumbers - firstIndex) {
         throw data::invalid("ViewStatistics", "constructor",
                             "The indices of " + std::to_string(n) + " elements from " +
                                 std::to_string(firstIndex) + " on exceed 64 bits.",
@@ -31,7 +31,7 @@ void checkIndices(std::uint64_t firstIndex, std::size_t n) {
 }
 
 void checkCount(const char* method, std::uint64_t count, std::uint64_t more) {
-    if (more > kMostNumbers - count) {
+    if (more > kMaxNumbers - count) {
         throw data::invalid("ViewStatistics", method,
                             "The count of " + std::to_string(count) + " and " +
                                 std::to_string(more) + " elements exceeds 64 bits.",

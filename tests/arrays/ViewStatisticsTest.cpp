@@ -25,7 +25,7 @@ namespace {
 
 using namespace qel;
 
-constexpr std::uint64_t kMostCount = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t kMaxCount = std::numeric_limits<std::uint64_t>::max();
 
 template <typename T>
 constexpr T kInfinityOf = std::numeric_limits<T>::infinity();
@@ -389,7 +389,7 @@ TYPED_TEST(ScalarStatisticsOf, MoreNumbersThan64BitsCountAreRefused) {
                               "exceeds 64 bits."));
     EXPECT_TRUE(power == before);
     all.merge(power);
-    EXPECT_EQ(all.getCount(), kMostCount);
+    EXPECT_EQ(all.getCount(), kMaxCount);
     EXPECT_EQ(all.getMean(), static_cast<double>(lowest));
     EXPECT_EQ(all.getVariance(), 0.0);
     const ScalarStatistics<T> full = all;
@@ -401,8 +401,8 @@ TYPED_TEST(ScalarStatisticsOf, MoreNumbersThan64BitsCountAreRefused) {
 
 TYPED_TEST(ScalarStatisticsOf, IndicesBeyond64BitsAreRefused) {
     const std::vector<TypeParam> two = {1, 2};
-    EXPECT_EQ(ScalarStatistics(two, kMostCount - 1).getMaxIndex(), kMostCount);
-    EXPECT_THAT([&] { ScalarStatistics(two, kMostCount); },
+    EXPECT_EQ(ScalarStatistics(two, kMaxCount - 1).getMaxIndex(), kMaxCount);
+    EXPECT_THAT([&] { ScalarStatistics(two, kMaxCount); },
                 throwsInvalid("ViewStatistics", "constructor",
                               "The indices of 2 elements from 18446744073709551615 on exceed 64 "
                               "bits."));
