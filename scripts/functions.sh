@@ -24,6 +24,14 @@ require() {
     fi
 }
 
+# require_file <path> <what it is for> does so if the file is missing.
+require_file() {
+    if ! [ -e "$1" ]; then
+        echo "skipped: $2 ($1 is missing)"
+        exit "$kSkipped"
+    fi
+}
+
 # Names the C++ files of the repository, those not yet committed included, separated by NUL.
 cpp_files() {
     if have git && git rev-parse --is-inside-work-tree >/dev/null 2>&1; then

@@ -5,7 +5,28 @@
 #include <cstdlib>
 #include <new>
 
+#if defined(_WIN32)
+#include <malloc.h>
+#endif
+
 namespace {
+
+// Windows frees aligned memory by a function of its own.
+#if defined(_WIN32)
+void* allocateAligned(std::size_t size, std::size_t alignment) {
+    return _aligned_malloc(size, alignment);
+}
+void freeAligned(void* memory) {
+    _aligned_free(memory);
+}
+#else
+void* allocateAligned(std::size_t size, std::size_t alignment) {
+    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+}
+void freeAligned(void* memory) {
+    std::free(memory);
+}
+#endif
 
 int allocationsLeft = -1; // below zero there is no limit
 
@@ -43,8 +64,7 @@ void* operator new(std::size_t size) {
 
 void* operator new(std::size_t size, std::align_val_t alignment) {
     countAllocation();
-    const auto step = static_cast<std::size_t>(alignment);
-    void* const memory = std::aligned_alloc(step, (size + step - 1) / step * step);
+    void* const memory = allocateAligned(size, static_cast<std::size_t>(alignment));
     if (memory == nullptr) {
         throw std::bad_alloc();
     }
@@ -60,9 +80,9 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept {
 }
 
 void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
-    std::free(memory);
+    freeAligned(memory);
 }
 
 void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
-    std::free(memory);
+    freeAligned(memory);
 }

@@ -6,14 +6,28 @@
 #include <csignal>
 #include <stdexcept>
 
+#if !defined(_WIN32)
 #include <sys/resource.h>
+#endif
 
 namespace qel_test {
+
+#if defined(_WIN32)
+
+// Windows has no limit to the size of a process's files.
+class FullDisk {
+public:
+    static constexpr bool isAvailable = false;
+};
+
+#else
 
 // While one lives files can be opened, but not a byte be written to them: a limit to their size
 // stands in for the disk.
 class FullDisk {
 public:
+    static constexpr bool isAvailable = true;
+
     FullDisk() : signalBefore_(std::signal(SIGXFSZ, SIG_IGN)) {
         getrlimit(RLIMIT_FSIZE, &limitBefore_);
         rlimit nothing = limitBefore_;
@@ -34,6 +48,8 @@ private:
     void (*signalBefore_)(int);
     rlimit limitBefore_{};
 };
+
+#endif
 
 } // namespace qel_test
 

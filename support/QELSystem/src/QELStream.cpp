@@ -9,14 +9,14 @@ constexpr int kWriteMode = 2;
 
 } // namespace
 
-QELStream::QELStream(const std::string& path, int mode, bool untranslated) : path_(path) {
+QELStream::QELStream(const std::string& path, int mode, bool systemLineEnds) : path_(path) {
     if (mode != kWriteMode) {
         throw data::invalid("QELStream", "constructor",
                             "Unknown mode " + std::to_string(mode) + " for file " + path_,
                             argumentError);
     }
     const std::ios::openmode text = std::ios::out | std::ios::trunc;
-    open(path_, untranslated ? text | std::ios::binary : text);
+    open(path_, systemLineEnds ? text : text | std::ios::binary);
     if (!is_open()) {
         throw data::invalid("QELStream", "constructor", "Cannot open file " + path_, argumentError);
     }

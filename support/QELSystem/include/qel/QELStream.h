@@ -17,11 +17,12 @@ class QEL_SUPPORT_API QELStream : public std::ofstream {
 public:
     /// Opens the file, emptying it if it exists.
     ///
-    /// @param path    path of the file
-    /// @param mode    2 opens for writing; no other mode exists
-    /// @param untranslated  true leaves line ends alone where the system would translate them
+    /// @param path  path of the file
+    /// @param mode  2 opens for writing; no other mode exists
+    /// @param systemLineEnds  false writes "\n" as it is, so that a file is the same on every
+    ///     system; true translates it into the system's own line end
     /// @throws data::invalid  if the mode is another or the file cannot be opened
-    QELStream(const std::string& path, int mode, bool untranslated);
+    QELStream(const std::string& path, int mode, bool systemLineEnds);
 
     /// Closes the file in silence, if close() was not called.
     ~QELStream() override;
