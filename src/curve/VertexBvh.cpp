@@ -149,7 +149,7 @@ QEL_KERNEL void searchLeaf(const VertexBvh::View& view, std::size_t leaf, const 
     const std::size_t first = std::min(leaf * kLeaf, view.count - kLeaf);
     double d2[kLeaf];
     const double least = measureLeaf<isSimd>(view.points + first, q, d2);
-    if (least <= best.d2) {
+    if (least <= best.d2 && least < kInfinity) { // else a leaf of NaN may have no vertex at it
         const auto index =
             static_cast<double>(lowestIndex(verticesAt<isSimd>(least, d2), first, view.indices));
         if (mayPrecede(least, index, best)) {

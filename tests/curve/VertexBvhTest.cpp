@@ -66,6 +66,20 @@ TEST(VertexBvh, FindsTheNearestVertexOfEveryShapeMatchesReferenceBitForBit) {
     });
 }
 
+// Vertex 0 infinitely far away, then whole leaves without a number: nothing is at their distance.
+TEST(VertexBvh, PassesOverLeavesOfNaN) {
+    onEveryVectorUnit([] {
+        RandomCurves random(41);
+        for (const double far : {kInfinity, 1e200}) {
+            Points points(200, Point(kNaN, kNaN, kNaN));
+            points[0] = Point(far, 0.0, 0.0);
+            checkProbes(points, {{0, 0, 0}, {1, 2, 3}, {kNaN, 0, 0}, {kInfinity, 0, 0}}, random);
+            points[150] = Point(1.0, 2.0, 3.0);
+            checkProbes(points, {{0, 0, 0}, {1, 2, 3}, {-far, 0, 0}}, random);
+        }
+    });
+}
+
 // All vertices at distances that round to a few values: the boxes' own rounding must not tell
 // them apart.
 TEST(VertexBvh, TiesByRoundingGoToTheLowestIndex) {
