@@ -127,8 +127,8 @@ QEL_KERNEL Quantities<T> quantitiesOf(T x, T y, T z) {
     const Mask isUndefined = -static_cast<Mask>(x == kUndefined) |
                              -static_cast<Mask>(y == kUndefined) |
                              -static_cast<Mask>(z == kUndefined);
-    const Mask isNotANumber =
-        -static_cast<Mask>(x != x) | -static_cast<Mask>(y != y) | -static_cast<Mask>(z != z);
+    const Mask isNotANumber = -static_cast<Mask>(std::isnan(x)) |
+                              -static_cast<Mask>(std::isnan(y)) | -static_cast<Mask>(std::isnan(z));
     const Mask kept = ~(isUndefined | isNotANumber);
     const Mask mark = (isUndefined & signedBitsOf(kUndefined)) |
                       (isNotANumber & ~isUndefined & signedBitsOf(kNotANumber));
@@ -270,7 +270,8 @@ double ScalarStatistics<T>::getVariance() const {
 
 template <typename T>
 bool ScalarStatistics<T>::operator==(const ScalarStatistics& other) const {
-    return std::memcmp(this, &other, sizeof(*this)) == 0;
+    const auto* bytes = reinterpret_cast<const unsigned char*>(this);
+    return std::equal(bytes, bytes + sizeof(*this), reinterpret_cast<const unsigned char*>(&other));
 }
 
 // -- Statistics of triplets ----
