@@ -68,7 +68,7 @@ QEL_KERNEL Box2D widened(const Box2D& box, const Widths& widths) {
 // one whose length is irregular, which a NaN leaves, too.
 QEL_KERNEL float extensionFor(float dx, float dy) {
     const float extension = dx * dx + dy * dy >= kShortestSquared ? 0.0f : kInfinity;
-    return (dx == 0.0f) & (dy == 0.0f) ? -kInfinity : extension;
+    return ((dx == 0.0f) & (dy == 0.0f)) ? -kInfinity : extension;
 }
 
 QEL_KERNEL float lowOf(float from, float to, float extension) {
