@@ -7,6 +7,7 @@
 #include <cstring>
 #include <random>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -62,7 +63,8 @@ bool isComparable(const CurveShape& shape) {
 TEST(CurveLocator, FindsWhatAScanFindsMatchesReferenceBitForBit) {
     onEveryVectorUnit([] {
         for (const CurveShape& shape : curveShapes()) {
-            for (const std::size_t n : {2, 3, 5, 6, 9, 17, 18, 26, 65, 66, 129, 513, 600, 4200}) {
+            for (const std::size_t n :
+                 std::vector<std::size_t>{2, 3, 5, 6, 9, 17, 18, 26, 65, 66, 129, 513, 600, 4200}) {
                 if (isComparable(shape)) {
                     SCOPED_TRACE(std::string(shape.name) + " " + std::to_string(n));
                     const Points curve = shape.make(n);
@@ -224,7 +226,7 @@ bool isNowhere(const CurveLocation& place) {
 }
 
 TEST(CurveLocator, HasNoPlaceForAProbeThatIsNotFinite) {
-    for (const std::size_t n : {2, 10, 300}) {
+    for (const std::size_t n : std::vector<std::size_t>{2, 10, 300}) {
         const CurveLocator locator(curveShape("circle").make(n));
         for (const double bad : {kNaN, kInf, -kInf}) {
             EXPECT_PRED1(isNowhere, locator.locate({bad, 0, 0}));
@@ -258,7 +260,7 @@ struct Outputs {
 // Sizes around those of lanes, curves around those of few edges, some probes without a place.
 TEST(CurveLocator, AnswersManyProbesAsEachAlone) {
     onEveryVectorUnit([] {
-        for (const std::size_t n : {2, 4, 6, 25, 26, 300}) {
+        for (const std::size_t n : std::vector<std::size_t>{2, 4, 6, 25, 26, 300}) {
             const CurveShape& shape = curveShape("rough_wave");
             const Points curve = shape.make(n);
             const CurveLocator locator(curve);
@@ -400,7 +402,7 @@ TEST(CurveLocator, RefusesOutputsThatShareMemory) {
 
 TEST(CurveLocator, ReportsProgressUpToOne) {
     const CurveLocator locator(curveShape("circle").make(10));
-    for (const std::size_t count : {0, 1, 4096, 20000}) {
+    for (const std::size_t count : std::vector<std::size_t>{0, 1, 4096, 20000}) {
         const Points probes(count);
         Outputs out(count);
         std::vector<double> fractions;
@@ -456,7 +458,7 @@ void checkWithin(const CurveLocator& locator, const Points& curve,
 
 TEST(CurveLocator, ListsAllEdgesWithinADistance) {
     for (const CurveShape& shape : curveShapes()) {
-        for (const std::size_t n : {2, 10, 100, 700}) {
+        for (const std::size_t n : std::vector<std::size_t>{2, 10, 100, 700}) {
             if (!isComparable(shape)) {
                 continue;
             }

@@ -46,7 +46,7 @@ Values manySvalues(const ParametricCurve& curve) {
 
 TEST(ResampleCurve, GivesThePointsOfGetPointAtParameterMatchesReferenceBitForBit) {
     for (const CurveShape& shape : curveShapes()) {
-        for (const std::size_t n : {2, 3, 50, 1000}) {
+        for (const std::size_t n : std::vector<std::size_t>{2, 3, 50, 1000}) {
             if (shape.name == std::string("nan_among")) {
                 continue;
             }

@@ -295,9 +295,9 @@ TEST(SimplifyToError, ReportsProgressAndStops) {
 TEST(SimplifyToCount, SplitsTheLargestErrorFirstMatchesReferenceBitForBit) {
     onEveryVectorUnit([] {
         for (const CurveShape& shape : curveShapes()) {
-            for (const std::size_t n : {2, 3, 9, 200}) {
+            for (const std::size_t n : std::vector<std::size_t>{2, 3, 9, 200}) {
                 const CurvePoints curve = shape.make(n);
-                for (const std::size_t count : {4, 7, 60, 1000}) {
+                for (const std::size_t count : std::vector<std::size_t>{4, 7, 60, 1000}) {
                     if (!isComparable(shape)) {
                         continue;
                     }
@@ -315,7 +315,7 @@ TEST(SimplifyToCount, SplitsTheLargestErrorFirstMatchesReferenceBitForBit) {
 
 TEST(SimplifyToCount, SaysTheErrorThatRemains) {
     const CurvePoints curve = curveShape("rough_wave").make(5000);
-    for (const std::size_t count : {2, 3, 40, 2500}) {
+    for (const std::size_t count : std::vector<std::size_t>{2, 3, 40, 2500}) {
         double error = -1.0;
         const Indices kept = simplifyToCount(curve, count, error);
         EXPECT_EQ(kept.size(), count);
@@ -332,7 +332,7 @@ TEST(SimplifyToCount, RefusesFewerVerticesThanAreKeptAlways) {
     EXPECT_THAT([&] { simplifyToCount(square, 3, error); },
                 throwsInvalid("CurveSimplification", "simplifyToCount",
                               "The closed curve keeps 4 vertices at least, not 3."));
-    for (const std::size_t count : {0, 1}) {
+    for (const std::size_t count : std::vector<std::size_t>{0, 1}) {
         EXPECT_THAT(
             [&] { simplifyToCount(square, count, error); },
             throwsInvalid("CurveSimplification", "simplifyToCount",

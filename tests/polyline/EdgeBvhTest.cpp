@@ -91,7 +91,8 @@ TEST(EdgeBvh, HoldsEachRunOnceInBoxesOfAllItsFeet) {
         if (std::string(shape.name) == "nan_among") {
             continue;
         }
-        for (const std::size_t edges : {1, 7, 8, 9, 63, 64, 65, 511, 512, 513, 4097, 5000}) {
+        for (const std::size_t edges :
+             std::vector<std::size_t>{1, 7, 8, 9, 63, 64, 65, 511, 512, 513, 4097, 5000}) {
             SCOPED_TRACE(std::string(shape.name) + " " + std::to_string(edges));
             const CurvePoints curve = shape.make(edges + 1);
             checkTree<2>(curve);
@@ -101,7 +102,7 @@ TEST(EdgeBvh, HoldsEachRunOnceInBoxesOfAllItsFeet) {
 }
 
 TEST(EdgeBvh, ParentsHoldTheirChildren) {
-    for (const std::size_t edges : {8, 9, 64, 65, 520, 4096, 4097, 40000}) {
+    for (const std::size_t edges : std::vector<std::size_t>{8, 9, 64, 65, 520, 4096, 4097, 40000}) {
         checkParents(EdgeBvh<3>(arraysOf<3>(curveShape("spiral").make(edges + 1))));
         checkParents(EdgeBvh<2>(arraysOf<2>(curveShape("equal_points").make(edges + 1))));
     }

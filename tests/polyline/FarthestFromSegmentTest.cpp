@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -39,7 +40,7 @@ TEST(FarthestFromSegment, AnswersWithAndWithoutHierarchyMatchesReferenceBitForBi
             if (!isFinite(shape)) {
                 continue;
             }
-            for (const std::size_t n : {3, 70, 514, 515, 1000, 5000}) {
+            for (const std::size_t n : std::vector<std::size_t>{3, 70, 514, 515, 1000, 5000}) {
                 const VertexArrays<3> vertices = arraysOf(shape.make(n));
                 FarthestFromSegment search(vertices);
                 ShapeRandom random(n);
