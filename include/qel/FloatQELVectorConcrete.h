@@ -49,7 +49,10 @@ public:
 
     // -- Length ----
 
-    void push_back(const float& value);
+    void push_back(const float& value) {
+        invalidateCache();
+        storage_.push_back(value);
+    }
     /// Does nothing to an empty array.
     void pop_back();
     /// Removes all values.

@@ -59,7 +59,10 @@ public:
 
     // -- Length; all but reserve() expire the statistics, before the change ----
 
-    void push_back(const TripletBase<float>& value);
+    void push_back(const TripletBase<float>& value) {
+        statistics_.valid = false;
+        storage_.push_back(value);
+    }
     /// Does nothing to an empty array.
     void pop_back();
     /// New elements are (0, 0, 0).

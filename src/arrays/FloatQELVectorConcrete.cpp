@@ -73,11 +73,6 @@ void FloatQELVectorConcrete::swap(FloatQELVectorConcrete& other) {
 
 // -- Length ----
 
-void FloatQELVectorConcrete::push_back(const float& value) {
-    invalidateCache();
-    storage_.push_back(value);
-}
-
 void FloatQELVectorConcrete::pop_back() {
     invalidateCache();
     if (!storage_.empty()) {

@@ -2,6 +2,7 @@
 
 #include <qel/TripletQELVector.h>
 
+#include <cstring>
 #include <iostream>
 #include <sstream>
 
@@ -55,9 +56,8 @@ void TripletQELVector::redefine(const float* p_list, std::size_t n) {
     if (count > storage_.size()) {
         storage_.resize(count);
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        const float* const values = p_list + 3 * i;
-        storage_[i] = {values[0], values[1], values[2]};
+    if (count > 0) {
+        std::memmove(&storage_[0].x, p_list, count * sizeof(TripletBase<float>));
     }
     storage_.resize(count);
     statistics_.valid = false;
@@ -80,11 +80,6 @@ void TripletQELVector::swap(TripletQELVector& other) {
 }
 
 // -- Length ----
-
-void TripletQELVector::push_back(const TripletBase<float>& value) {
-    statistics_.valid = false;
-    storage_.push_back(value);
-}
 
 void TripletQELVector::pop_back() {
     statistics_.valid = false;

@@ -20,6 +20,18 @@ float timesPoint(const float* row, const TripletBase<float>& p) {
     return p.x * row[0] + p.y * row[1] + p.z * row[2] + row[3];
 }
 
+using Rows = float[kSize][kSize];
+
+inline void addProduct(Rows& sums, const Rows& a, const Rows& b) {
+    for (int i = 0; i < kSize; ++i) {
+        for (int j = 0; j < kSize; ++j) {
+            for (int k = 0; k < kSize; ++k) {
+                sums[i][j] += a[i][k] * b[k][j];
+            }
+        }
+    }
+}
+
 } // namespace
 
 // -- Building ----
@@ -99,13 +111,13 @@ void QELMatrix4::multMat(QELMatrix4& result, const QELMatrix4& b) const {
     }
     // Before this matrix is read, on purpose (QELMatrix4, ProductIntoItselfIsZero).
     result.setZero();
-    for (int i = 0; i < kSize; ++i) {
-        for (int j = 0; j < kSize; ++j) {
-            for (int k = 0; k < kSize; ++k) {
-                result.values_[i][j] += values_[i][k] * b.values_[k][j];
-            }
-        }
+    if (&result == this) {
+        addProduct(result.values_, values_, b.values_);
+        return;
     }
+    QELMatrix4 product; // whose elements are not read as they change
+    addProduct(product.values_, values_, b.values_);
+    result = product;
 }
 
 TripletBase<float> operator*(const QELMatrix4& m, const TripletBase<float>& p) {

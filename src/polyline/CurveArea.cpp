@@ -1,10 +1,12 @@
 // Area by the shoelace formula, and its exact sign.
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
 #include <qel/CurveShape.h>
 
+#include "batch/PointLoop.h"
 #include "polyline/CoordinateScale.h"
 #include "polyline/ExactTerms.h"
 #include "polyline/Orientation.h"
@@ -18,37 +20,46 @@ constexpr int kMaxExponent = 400;
 
 CoordinateScale scaleOf(const CurveView& curve) {
     double largest = 0.0;
-    for (std::size_t i = 0; i < curve.size(); ++i) {
-        const TripletBase<double> p = curve[i];
-        largest = std::fmax(largest, std::fmax(std::fabs(p.x), std::fabs(p.y)));
-    }
+    curve.visitPoints([&largest](const auto& points) {
+        forEachPoint(points, [&largest](std::size_t, double x, double y, double) {
+            largest = std::max(largest, std::max(std::fabs(x), std::fabs(y)));
+        });
+    });
     return CoordinateScale::into(kMinExponent, kMaxExponent, largest);
 }
-
-struct Shoelace {
-    double twiceArea = 0.0;
-    double size = 0.0; // sum of the sizes of all terms
-};
 
 PlanePoint planePoint(const CurveView& curve, std::size_t i, double factor) {
     const TripletBase<double> p = curve[i];
     return {p.x * factor, p.y * factor};
 }
 
-// About the first vertex, where the terms of the first and the last edge vanish.
-Shoelace shoelaceOf(const CurveView& curve, double factor) {
+// Calls take(left, right) with the two products of each edge's term, about the first vertex, where
+// the terms of the first and the last edge vanish.
+template <typename Take>
+void forEachTerm(const CurveView& curve, double factor, const Take& take) {
     const PlanePoint origin = planePoint(curve, 0, factor);
-    Shoelace sum;
     double x = 0.0, y = 0.0; // from the first vertex
-    for (std::size_t i = 1; i < curve.size(); ++i) {
-        const PlanePoint p = planePoint(curve, i, factor);
-        const double nextX = p.x - origin.x, nextY = p.y - origin.y;
-        const double left = x * nextY, right = nextX * y;
-        sum.twiceArea += left - right;
-        sum.size += std::fabs(left) + std::fabs(right);
-        x = nextX;
-        y = nextY;
-    }
+    curve.visitPoints([&](const auto& points) {
+        forEachPoint(points, [&](std::size_t, double pointX, double pointY, double) {
+            const double nextX = pointX * factor - origin.x, nextY = pointY * factor - origin.y;
+            take(x * nextY, nextX * y);
+            x = nextX;
+            y = nextY;
+        });
+    });
+}
+
+double twiceAreaOf(const CurveView& curve, double factor) {
+    double sum = 0.0;
+    forEachTerm(curve, factor, [&sum](double left, double right) { sum += left - right; });
+    return sum;
+}
+
+// The sum of the sizes of all terms.
+double sizeOfTerms(const CurveView& curve, double factor) {
+    double sum = 0.0;
+    forEachTerm(curve, factor,
+                [&sum](double left, double right) { sum += std::fabs(left) + std::fabs(right); });
     return sum;
 }
 
@@ -72,17 +83,18 @@ int exactOrientationOf(const CurveView& curve, double factor) {
 
 double computeSignedArea(const CurveView& curve) {
     const CoordinateScale scale = scaleOf(curve);
-    return 0.5 * shoelaceOf(curve, scale.factor).twiceArea * scale.inverse * scale.inverse;
+    return 0.5 * twiceAreaOf(curve, scale.factor) * scale.inverse * scale.inverse;
 }
 
 int computeOrientation(const CurveView& curve) {
     const CoordinateScale scale = scaleOf(curve);
-    const Shoelace sum = shoelaceOf(curve, scale.factor);
+    const double twiceArea = twiceAreaOf(curve, scale.factor);
     // Each term has a relative error below four units in the last place of its size; adding n of
     // them one by one, below n units of the sum of all sizes (Higham 2002, section 4.2).
-    const double error = (static_cast<double>(curve.size()) + 8.0) * 0x1p-52 * sum.size;
-    return std::fabs(sum.twiceArea) > error ? signOf(sum.twiceArea)
-                                            : exactOrientationOf(curve, scale.factor);
+    const double error =
+        (static_cast<double>(curve.size()) + 8.0) * 0x1p-52 * sizeOfTerms(curve, scale.factor);
+    return std::fabs(twiceArea) > error ? signOf(twiceArea)
+                                        : exactOrientationOf(curve, scale.factor);
 }
 
 } // namespace qel

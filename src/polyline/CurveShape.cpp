@@ -24,31 +24,42 @@ using Point = TripletBase<double>;
 struct Shape {
     Point tangent;
     double curvature = 0.0;
-    double turningAngle = 0.0;
+    // Of the turning angle.
+    double sine = 0.0;
+    double cosine = 1.0;
 };
 
 double norm(const Point& p) {
     return std::sqrt(p.x * p.x + p.y * p.y + p.z * p.z);
 }
 
-Point unit(const Point& p) {
-    const double length = norm(p);
+Point dividedBy(const Point& p, double length) {
     return length > 0.0 ? Point(p.x / length, p.y / length, p.z / length) : Point();
 }
 
-// The largest component as a power of two, 0 for the zero vector. Vectors divided by it have
-// squares that neither overflow nor vanish.
+Point unit(const Point& p) {
+    return dividedBy(p, norm(p));
+}
+
+// Vectors with a largest component between these have squares that neither overflow nor, where they
+// count, vanish.
+constexpr double kMinUnscaled = 0x1p-300;
+constexpr double kMaxUnscaled = 0x1p+300;
+
+// A power of two by which a vector is divided before its components are squared: that of the
+// largest component; 0 where there is no need.
 int exponentOf(const Point& p) {
-    const double largest = std::max({std::abs(p.x), std::abs(p.y), std::abs(p.z)});
-    return largest > 0.0 ? std::ilogb(largest) : 0;
+    const double largest = std::max(std::max(std::abs(p.x), std::abs(p.y)), std::abs(p.z));
+    const bool isScaled = largest < kMinUnscaled || largest > kMaxUnscaled;
+    return isScaled && largest > 0.0 ? std::ilogb(largest) : 0;
+}
+
+double shifted(double value, int exponent) {
+    return exponent == 0 ? value : std::ldexp(value, exponent);
 }
 
 Point scaledBy(const Point& p, int exponent) {
-    return {std::ldexp(p.x, exponent), std::ldexp(p.y, exponent), std::ldexp(p.z, exponent)};
-}
-
-Point direction(const Point& p) {
-    return unit(scaledBy(p, -exponentOf(p)));
+    return {shifted(p.x, exponent), shifted(p.y, exponent), shifted(p.z, exponent)};
 }
 
 // The difference of two points may overflow where they do not; half of it does not.
@@ -56,30 +67,44 @@ Point halfStep(const Point& from, const Point& to) {
     return to * 0.5 - from * 0.5;
 }
 
+struct Chord {
+    Chord() = default;
+    Chord(const Point& from, const Point& to) {
+        const Point half = halfStep(from, to);
+        exponent = exponentOf(half);
+        const Point scaled = scaledBy(half, -exponent);
+        scaledLength = norm(scaled);
+        direction = dividedBy(scaled, scaledLength);
+    }
+
+    double lengthOver(int power) const { return shifted(scaledLength, exponent - power); }
+
+    Point direction;
+    double scaledLength = 0.0; // half of the chord's, over 2^exponent
+    int exponent = 0;
+};
+
 // Of the circle through three points, of which the second differs from the others.
 class Circle {
 public:
-    Circle(const Point& a, const Point& b, const Point& c) {
-        const Point halfIn = halfStep(a, b);
-        const Point halfOut = halfStep(b, c);
-        in_ = direction(halfIn);
-        out_ = direction(halfOut);
-        const double sine = norm(in_.cross(out_));
-        turningAngle_ = std::atan2(sine, in_.dot(out_));
-        // Lengths as multiples of a power of two near the longer one.
-        const int exponent = std::max(exponentOf(halfIn), exponentOf(halfOut));
-        const double lengthIn = norm(scaledBy(halfIn, -exponent));
-        const double lengthOut = norm(scaledBy(halfOut, -exponent));
-        const double lengthAcross = norm(scaledBy(halfStep(a, c), -exponent));
-        if (sine > 0.0 && lengthAcross > 0.0) {
-            curvature_ = std::ldexp(sine / lengthAcross, -exponent); // 2 sine over a whole length
+    Circle(const Chord& in, const Chord& out, const Point& first, const Point& third)
+        : in_(in.direction), out_(out.direction), sine_(norm(in_.cross(out_))) {
+        // Lengths as multiples of a power of two, where they need it.
+        const int exponent = std::max(in.exponent, out.exponent);
+        const double lengthAcross = norm(scaledBy(halfStep(first, third), -exponent));
+        if (sine_ > 0.0 && lengthAcross > 0.0) {
+            curvature_ = shifted(sine_ / lengthAcross, -exponent); // 2 sine over a whole length
         }
-        const Point along = in_ * lengthOut + out_ * lengthIn; // times |u| |v|
-        tangent_ = norm(along) > 0.0 ? unit(along) : out_;
+        // Times |u| |v|.
+        const Point along = in_ * out.lengthOver(exponent) + out_ * in.lengthOver(exponent);
+        const double size = norm(along);
+        tangent_ = size > 0.0 ? dividedBy(along, size) : out_;
     }
 
     double curvature() const { return curvature_; }
-    double turningAngle() const { return turningAngle_; }
+    // Of the turning angle.
+    double sine() const { return sine_; }
+    double cosine() const { return in_.dot(out_); }
 
     // At the second point; where the curve turns straight back, the direction after it.
     const Point& tangent() const { return tangent_; }
@@ -93,17 +118,17 @@ private:
     }
 
     Point in_, out_, tangent_;
+    double sine_ = 0.0;
     double curvature_ = 0.0;
-    double turningAngle_ = 0.0;
 };
 
-// The neighbours of every vertex: the nearest vertices on both sides that differ from it, across
-// the end of a closed curve.
-class Neighbours {
+// Shapes at vertices, from the neighbours of each: the nearest vertices on both sides that differ
+// from it, across the end of a closed curve.
+class VertexShapes {
 public:
     static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
-    explicit Neighbours(const CurveView& curve)
+    explicit VertexShapes(const CurveView& curve)
         : curve_(curve), before_(curve.size(), kNone), after_(curve.size(), kNone) {
         const std::size_t last = curve.size() - 1;
         for (std::size_t i = 1; i <= last; ++i) {
@@ -124,48 +149,61 @@ public:
         }
     }
 
-    Shape shapeAt(std::size_t i) const {
+    Shape at(std::size_t i) {
         const std::size_t before = before_[i];
         const std::size_t after = after_[i];
         if (before == kNone && after == kNone) {
             return {}; // all vertices are equal
         }
         if (before == kNone) {
-            return shapeAtBegin(i, after);
+            return atBegin(i, after);
         }
         if (after == kNone) {
-            return shapeAtEnd(before, i);
+            return atEnd(before, i);
         }
-        const Circle circle(curve_[before], curve_[i], curve_[after]);
-        return {circle.tangent(), circle.curvature(), circle.turningAngle()};
+        const Circle circle = circleAt(before, i, after);
+        return {circle.tangent(), circle.curvature(), circle.sine(), circle.cosine()};
     }
 
 private:
-    Shape shapeAtBegin(std::size_t first, std::size_t second) const {
+    Shape atBegin(std::size_t first, std::size_t second) {
         const std::size_t third = after_[second];
         if (third == kNone) {
             return straight(first, second);
         }
-        const Circle circle(curve_[first], curve_[second], curve_[third]);
-        return {circle.tangentAtFirst(), circle.curvature(), 0.0};
+        const Circle circle = circleAt(first, second, third);
+        return {circle.tangentAtFirst(), circle.curvature()};
     }
 
-    Shape shapeAtEnd(std::size_t second, std::size_t third) const {
+    Shape atEnd(std::size_t second, std::size_t third) {
         const std::size_t first = before_[second];
         if (first == kNone) {
             return straight(second, third);
         }
-        const Circle circle(curve_[first], curve_[second], curve_[third]);
-        return {circle.tangentAtThird(), circle.curvature(), 0.0};
+        const Circle circle = circleAt(first, second, third);
+        return {circle.tangentAtThird(), circle.curvature()};
+    }
+
+    // The chord out of a vertex is that into the next one, which is mostly asked for next.
+    Circle circleAt(std::size_t first, std::size_t second, std::size_t third) {
+        const Point a = curve_[first], b = curve_[second], c = curve_[third];
+        const Chord in = first == lastFrom_ && second == lastTo_ ? last_ : Chord(a, b);
+        last_ = Chord(b, c);
+        lastFrom_ = second;
+        lastTo_ = third;
+        return {in, last_, a, c};
     }
 
     Shape straight(std::size_t from, std::size_t to) const {
-        return {direction(halfStep(curve_[from], curve_[to])), 0.0, 0.0};
+        return {Chord(curve_[from], curve_[to]).direction};
     }
 
     const CurveView& curve_;
     std::vector<std::size_t> before_;
     std::vector<std::size_t> after_;
+    Chord last_;
+    std::size_t lastFrom_ = kNone;
+    std::size_t lastTo_ = kNone;
 };
 
 void write(const Shape& shape, std::size_t k, const CurveShapeFields& out) {
@@ -176,7 +214,7 @@ void write(const Shape& shape, std::size_t k, const CurveShapeFields& out) {
         out.curvature.set(k, shape.curvature);
     }
     if (!out.turningAngle.empty()) {
-        out.turningAngle.set(k, shape.turningAngle);
+        out.turningAngle.set(k, std::atan2(shape.sine, shape.cosine));
     }
 }
 
@@ -186,16 +224,16 @@ void addOutputs(ArgumentCheck& check, const CurveShapeFields& out, std::size_t s
     check.output("turningAngle", out.turningAngle, size);
 }
 
-Shape shapeAt(const CurveView& curve, const Neighbours& neighbours, const EdgeWeight& place) {
-    const Shape lo = neighbours.shapeAt(place.lo);
+Shape shapeAt(const CurveView& curve, VertexShapes& vertices, const EdgeWeight& place) {
+    const Shape lo = vertices.at(place.lo);
     if (place.lo == place.hi) {
         return lo;
     }
-    const Shape hi = neighbours.shapeAt(place.hi);
+    const Shape hi = vertices.at(place.hi);
     Shape shape;
     const Point between = lo.tangent * (1.0 - place.weight) + hi.tangent * place.weight;
     shape.tangent =
-        norm(between) > 0.0 ? unit(between) : direction(halfStep(curve[place.lo], curve[place.hi]));
+        norm(between) > 0.0 ? unit(between) : Chord(curve[place.lo], curve[place.hi]).direction;
     shape.curvature = lo.curvature + (hi.curvature - lo.curvature) * place.weight;
     return shape;
 }
@@ -206,9 +244,9 @@ void computeCurveShape(const CurveView& curve, const CurveShapeFields& out) {
     ArgumentCheck check("CurveShape", "computeCurveShape");
     addInput(check, curve);
     addOutputs(check, out, curve.size());
-    const Neighbours neighbours(curve);
+    VertexShapes vertices(curve);
     for (std::size_t i = 0; i < curve.size(); ++i) {
-        write(neighbours.shapeAt(i), i, out);
+        write(vertices.at(i), i, out);
     }
 }
 
@@ -219,11 +257,11 @@ void computeCurveShape(const CurveView& curve, const ScalarView<const double>& s
     check.input(svalues);
     addOutputs(check, out, svalues.size());
     refuseNan(check, svalues);
-    const Neighbours neighbours(curve);
+    VertexShapes vertices(curve);
     std::vector<double> curveSvalues;
     curve.copySvalues(curveSvalues);
     for (std::size_t k = 0; k < svalues.size(); ++k) {
-        write(shapeAt(curve, neighbours, edgeWeightAt(curveSvalues, svalues[k])), k, out);
+        write(shapeAt(curve, vertices, edgeWeightAt(curveSvalues, svalues[k])), k, out);
     }
 }
 

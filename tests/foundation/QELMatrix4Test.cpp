@@ -225,6 +225,20 @@ TEST(QELMatrix4, ProductIntoItselfIsZero) {
     EXPECT_TRUE(sameMatrix(a, QELMatrix4()));
 }
 
+// Zero times infinity spreads along a row from the element where it arises.
+TEST(QELMatrix4, ProductIntoItselfReadsWhatItHasWritten) {
+    QELMatrix4 right = numbered();
+    right[1][1] = std::numeric_limits<float>::infinity();
+    QELMatrix4 a = numbered();
+    a.multMat(a, right);
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(a[i][0], 0.0f) << "row " << i;
+        for (int j = 1; j < 4; ++j) {
+            EXPECT_TRUE(std::isnan(a[i][j])) << "element " << i << ", " << j;
+        }
+    }
+}
+
 TEST(QELMatrix4, ProductMultipliesRowsByColumns) {
     QELMatrix4 shift;
     shift.setTranslationMatrix(Point(1.0f, 2.0f, 3.0f));
