@@ -1,14 +1,21 @@
 // Axial, radial and angle coordinates about an axis, rotation about an axis, and s as a coordinate.
 //
+// Fast path: neither the coordinates of a point nor the sine and cosine of the turn from its
+// neighbour depend on those of another, so both run in lanes, block by block; the arcs are then
+// taken and summed one by one. Each value takes the stated operations in their order, with a
+// division by one in place of one that is left out, so the bits are the same.
+//
 // The axis is stored in the curve by every conversion, also by the const ones; after memory was
 // got, so that a conversion that fails leaves also the axis as it was.
 
 #include <qel/ParametricCurve.h>
 
+#include <algorithm>
 #include <cmath>
 
-#include "curve/AxisCoordinates.h"
 #include "curve/Tolerance.h"
+#include "curve/Validation.h"
+#include "curve/VectorLength.h"
 #include "foundation/MessageTokens.h"
 #include "platform/VectorDispatch.h"
 
@@ -23,8 +30,7 @@ bool isSignificant(const FloatPoint& direction) {
 std::size_t checkedReferent(int refId, std::size_t size) {
     if (refId < 0 || static_cast<std::size_t>(refId) >= size) {
         // Under the name of the extrapolation, on purpose.
-        SystemMsg message("Referent id out of bounds. PointId=%1");
-        throw internal::error("ParametricCurve", "expandCurve", message % refId, argumentError);
+        throw argumentFault("expandCurve", "Referent id out of bounds. PointId=%1", refId);
     }
     return static_cast<std::size_t>(refId);
 }
@@ -55,6 +61,146 @@ struct RotateKernel {
         }
     }
 };
+
+// -- Coordinates about an axis ----
+
+struct Axis {
+    Point point;
+    Point direction; // of unit length
+};
+
+constexpr std::size_t kBlock = 64; // points converted before they are stored
+constexpr std::ptrdiff_t kForwards = 1;
+
+// Vectors of a block, component by component; behind one of the block before.
+struct Vectors {
+    double x[kBlock + 1];
+    double y[kBlock + 1];
+    double z[kBlock + 1];
+
+    QEL_KERNEL Point operator[](std::size_t i) const { return {x[i], y[i], z[i]}; }
+    QEL_KERNEL void set(std::size_t i, const Point& v) {
+        x[i] = v.x;
+        y[i] = v.y;
+        z[i] = v.z;
+    }
+};
+
+// A block of points in the coordinates of the axis, and the unit vectors from that to them, behind
+// the one to the point before the block.
+struct Converted {
+    double axial[kBlock];
+    double radial[kBlock];
+    Vectors radials;
+};
+
+// The length by which a vector is made one of unit length: its own, or one for a zero vector. A
+// choice between the two would become one between quotients.
+QEL_KERNEL double divisorOf(double length) {
+    return length + (length == 0.0 ? 1.0 : 0.0);
+}
+
+struct ConvertKernel {
+    // The points follow each other by a step, which may be backwards.
+    QEL_KERNEL static void run(const Axis* axis, const Point* points, std::ptrdiff_t step,
+                               std::size_t count, Converted* converted) {
+        Vectors fromAxis; // apart, which keeps lanes whole
+        for (std::size_t i = 0; i < count; ++i) {
+            fromAxis.set(i, points[static_cast<std::ptrdiff_t>(i) * step] - axis->point);
+        }
+        const Point d = axis->direction;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Point v = fromAxis[i];
+            const Point c = d.cross(v);
+            const double around = divisorOf(vectorLength(c.x, c.y, c.z));
+            const Point unit(c.x / around, c.y / around, c.z / around);
+            const Point r = unit.cross(d);
+            const double away = divisorOf(vectorLength(r.y, r.x, r.z)); // in normalize's order
+            const Point radial(r.x / away, r.y / away, r.z / away);
+            converted->axial[i] = v.dot(d);
+            converted->radial[i] = v.dot(radial);
+            converted->radials.set(i + 1, radial);
+        }
+    }
+};
+
+// The turns of a block, each from the radial before: y along the turn, x along that radial.
+struct Turns {
+    double y[kBlock];
+    double x[kBlock];
+
+    double angle(std::size_t i) const {
+        return x[i] == 0.0 && y[i] == 0.0 ? 0.0 : std::atan2(y[i], x[i]);
+    }
+};
+
+struct TurnsKernel {
+    QEL_KERNEL static void run(const Axis* axis, const Vectors* radials, std::size_t count,
+                               Turns* turns) {
+        const Point d = axis->direction;
+        for (std::size_t i = 0; i < count; ++i) {
+            const Point from = (*radials)[i];
+            const Point to = (*radials)[i + 1];
+            turns->y[i] = to.dot(d.cross(from));
+            turns->x[i] = to.dot(from);
+        }
+    }
+};
+
+// Follows a curve one way from a point that is converted already: goes on from an index, by a step
+// of 1 or -1, through `count` points.
+template <typename Target>
+void followAngles(const Axis& axis, const Points& points, const Point& radial, double theta,
+                  std::ptrdiff_t index, std::ptrdiff_t step, std::size_t count, Target* out) {
+    Converted converted;
+    Turns turns;
+    converted.radials.set(0, radial);
+    while (count > 0) {
+        const std::size_t n = std::min(count, kBlock);
+        onVectorUnitFrom<ConvertKernel>(n, &axis, points.data() + index, step, n, &converted);
+        onVectorUnitFrom<TurnsKernel>(n, &axis, static_cast<const Vectors*>(&converted.radials), n,
+                                      &turns);
+        for (std::size_t i = 0; i < n; ++i, index += step) {
+            theta += turns.angle(i);
+            out[index] = Target(Point(converted.axial[i], converted.radial[i], theta));
+        }
+        converted.radials.set(0, converted.radials[n]);
+        count -= n;
+    }
+}
+
+// Sets out[i], a Point or FloatPoint, to (axial, radial, 0) of each point: along the axis and away
+// from it. The list may be the points themselves.
+template <typename Target>
+void setAxialRadial(const Axis& axis, const Points& points, Target* out) {
+    Converted converted;
+    for (std::size_t first = 0; first < points.size(); first += kBlock) {
+        const std::size_t count = std::min(kBlock, points.size() - first);
+        onVectorUnitFrom<ConvertKernel>(count, &axis, points.data() + first, kForwards, count,
+                                        &converted);
+        for (std::size_t i = 0; i < count; ++i) {
+            out[first + i] = Target(Point(converted.axial[i], converted.radial[i], 0.0));
+        }
+    }
+}
+
+// Sets out[i] to (axial, radial, angle in radians). The angle is theta0 at the reference point;
+// from there to both ends it grows by the turn between the unit vectors from the axis to
+// neighbouring points, by the right-hand rule, from -pi to pi; by none to and from a point on the
+// axis. The list may be the points themselves.
+template <typename Target>
+void setAxialRadialAngle(const Axis& axis, const Points& points, std::size_t reference,
+                         double theta0, Target* out) {
+    Converted converted;
+    runPortable<ConvertKernel>(&axis, points.data() + reference, kForwards, std::size_t{1},
+                               &converted);
+    out[reference] = Target(Point(converted.axial[0], converted.radial[0], theta0));
+    const auto index = static_cast<std::ptrdiff_t>(reference);
+    const Point radial = converted.radials[1];
+    followAngles(axis, points, radial, theta0, index + 1, kForwards, points.size() - 1 - reference,
+                 out);
+    followAngles(axis, points, radial, theta0, index - 1, -kForwards, reference, out);
+}
 
 } // namespace
 
@@ -88,19 +234,19 @@ void ParametricCurve::prepareConversion(FloatPoint point, FloatPoint direction,
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction,
                                     Points& out) const {
     prepareConversion(point, direction, out);
-    qel::convertToART0({axisPoint_, axisDirection_}, points_, out.data());
+    setAxialRadial({axisPoint_, axisDirection_}, points_, out.data());
 }
 
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction,
                                     FloatPoints& out) const {
     prepareConversion(point, direction, out);
-    qel::convertToART0({axisPoint_, axisDirection_}, points_, out.data());
+    setAxialRadial({axisPoint_, axisDirection_}, points_, out.data());
 }
 
 void ParametricCurve::convertToART0(const FloatPoint& point, const FloatPoint& direction) {
     svalues_.reserve(points_.size());
     setAxis(point, direction);
-    qel::convertToART0({axisPoint_, axisDirection_}, points_, points_.data());
+    setAxialRadial({axisPoint_, axisDirection_}, points_, points_.data());
     computeSvalues();
 }
 
@@ -110,14 +256,14 @@ void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& di
                                    Points& out, int refId, double theta0) const {
     const std::size_t reference = checkedReferent(refId, points_.size());
     prepareConversion(point, direction, out);
-    qel::convertToART({axisPoint_, axisDirection_}, points_, reference, theta0, out.data());
+    setAxialRadialAngle({axisPoint_, axisDirection_}, points_, reference, theta0, out.data());
 }
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction,
                                    FloatPoints& out, int refId, double theta0) const {
     const std::size_t reference = checkedReferent(refId, points_.size());
     prepareConversion(point, direction, out);
-    qel::convertToART({axisPoint_, axisDirection_}, points_, reference, theta0, out.data());
+    setAxialRadialAngle({axisPoint_, axisDirection_}, points_, reference, theta0, out.data());
 }
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction,
@@ -135,7 +281,7 @@ void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& di
                                    double theta0) {
     const std::size_t reference = checkedReferent(refId, points_.size());
     setAxis(point, direction);
-    qel::convertToART({axisPoint_, axisDirection_}, points_, reference, theta0, points_.data());
+    setAxialRadialAngle({axisPoint_, axisDirection_}, points_, reference, theta0, points_.data());
 }
 
 void ParametricCurve::convertToART(const FloatPoint& point, const FloatPoint& direction) {

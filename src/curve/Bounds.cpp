@@ -25,14 +25,6 @@ struct ExtremesKernel {
     QEL_KERNEL static void run(const Point* points, std::size_t count, double* extremes) {
         static_assert(sizeof(Point) == kDimensions * sizeof(double), "points lie side by side");
         const double* numbers = &points->x;
-        if (count < 2 * kPoints) { // too few to share among lanes
-            std::fill_n(extremes, kDimensions, std::numeric_limits<double>::infinity());
-            std::fill_n(extremes + kDimensions, kDimensions, -extremes[0]);
-            for (; count > 0; --count, numbers += kDimensions) {
-                include(numbers, kDimensions, extremes, extremes + kDimensions);
-            }
-            return;
-        }
         double least[kNumbers];
         double greatest[kNumbers];
         std::fill_n(least, kNumbers, std::numeric_limits<double>::infinity());
@@ -87,19 +79,7 @@ std::array<double, kSides> boundsOf(const Points& points) {
 }
 
 std::size_t indexOfExtreme(const Points& points, Side side) {
-    constexpr std::size_t kFew = 16; // points, which a scan is faster for
-    if (points.size() > kFew) {
-        return indexOf(boundsOf(points)[side], points, side);
-    }
-    std::size_t extreme = 0;
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        const double value = numberOf(points[i], side);
-        const double soFar = numberOf(points[extreme], side);
-        if (side < kDimensions ? value < soFar : value > soFar) {
-            extreme = i;
-        }
-    }
-    return extreme;
+    return indexOf(boundsOf(points)[side], points, side);
 }
 
 } // namespace qel

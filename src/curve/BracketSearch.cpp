@@ -23,18 +23,6 @@ struct StepsKernel {
     }
 };
 
-struct InsideKernel {
-    QEL_KERNEL static bool run(const double* parameters, std::size_t count, double low,
-                               double high) {
-        std::uint64_t others = 0;
-        for (std::size_t k = 0; k < count; ++k) {
-            const bool isInside = (parameters[k] > low) & (parameters[k] < high);
-            others |= isInside ? 0 : std::uint64_t{1};
-        }
-        return others == 0;
-    }
-};
-
 // -- Searches side by side ----
 
 // Moves each index on to the last of a range of s-values that is not above the lane's parameter.
@@ -195,7 +183,9 @@ bool BracketSearch::find(const double* parameters, std::size_t count, std::size_
     }
     search(s_, 0, last_, parameters, inRange, lower);
     return inRange == count &&
-           onVectorUnitFrom<InsideKernel>(count, parameters, count, s_[0], s_[last_]);
+           std::all_of(parameters, parameters + count, [this](double parameter) {
+               return parameter > s_[0] && parameter < s_[last_];
+           });
 }
 
 void BracketSearch::findInOrder(const double* parameters, std::size_t count, std::size_t* lower) {

@@ -14,7 +14,6 @@
 #include "curve/Conversions.h"
 #include "curve/FillVector.h"
 #include "curve/Validation.h"
-#include "foundation/MessageTokens.h"
 
 namespace qel {
 namespace {
@@ -24,19 +23,18 @@ namespace {
 void checkNonDecreasing(const std::vector<double>& svalues) {
     for (std::size_t i = 1; i < svalues.size(); ++i) {
         if (svalues[i - 1] > svalues[i]) {
-            SystemMsg message("Parametric values  not continuous. i = %1, %2 %3");
-            throw internal::error("ParametricCurve", "setPoints",
-                                  message % i % svalues[i] % svalues[i - 1], argumentError);
+            throw argumentFault("setPoints", "Parametric values  not continuous. i = %1, %2 %3", i,
+                                svalues[i], svalues[i - 1]);
         }
     }
 }
 
 void checkSvalues(const std::vector<double>& svalues, std::size_t pointCount) {
     if (svalues.size() != pointCount) {
-        SystemMsg message("Vectors of points and sValues must have the same size. "
-                          "Points size=%1, sValues size=%2");
-        throw internal::error("ParametricCurve", "setPoints", message % pointCount % svalues.size(),
-                              argumentError);
+        throw argumentFault("setPoints",
+                            "Vectors of points and sValues must have the same size. Points "
+                            "size=%1, sValues size=%2",
+                            pointCount, svalues.size());
     }
     checkNonDecreasing(svalues);
 }
@@ -44,9 +42,7 @@ void checkSvalues(const std::vector<double>& svalues, std::size_t pointCount) {
 void checkSupplied(std::size_t pointCount, std::size_t svalueCount) {
     checkCount(pointCount, kOnePoint);
     if (svalueCount != pointCount) {
-        throw internal::error("ParametricCurve", "setPoints",
-                              "Vectors of points and sValues must have the same size.",
-                              argumentError);
+        throw argumentFault("setPoints", "Vectors of points and sValues must have the same size.");
     }
 }
 
@@ -60,8 +56,7 @@ void checkNormalization(ParametricCurve::normalization norm) {
     case ParametricCurve::normalizeUniform: // offered by setPointsXnormalizeUniform alone
         break;
     }
-    throw internal::error("ParametricCurve", "setPoints",
-                          "Unrecognised normalization of the curve.", argumentError);
+    throw argumentFault("setPoints", "Unrecognised normalization of the curve.");
 }
 
 // -- What is stored ----
@@ -90,29 +85,6 @@ void copyValues(const std::vector<T>& values, double Point::*component, Points& 
     fillAlong(
         component, values.size(), [=](std::size_t i) { return static_cast<double>(value[i]); },
         points);
-}
-
-void setNormalisedValues(const Points& points, ParametricCurve::normalization norm,
-                         std::vector<double>& svalues) {
-    double length = 0.0; // the curve's own is that of its points alone
-    if (norm == ParametricCurve::normalizeArc) {
-        calculateArcValue(points, svalues, length);
-        return;
-    }
-    calculateArcValue(points,
-                      norm == ParametricCurve::normalizeX   ? &Point::x
-                      : norm == ParametricCurve::normalizeY ? &Point::y
-                                                            : &Point::z,
-                      svalues, length);
-}
-
-void setUniformValues(std::size_t count, std::vector<double>& svalues) {
-    svalues.resize(count);
-    const double step = 1.0 / static_cast<double>(count - 1);
-    for (std::size_t i = 0; i < count; ++i) {
-        svalues[i] = static_cast<double>(i) * step;
-    }
-    svalues.back() = 1.0;
 }
 
 } // namespace
@@ -221,7 +193,16 @@ void ParametricCurve::setNormalised(const std::vector<Source>& points, normaliza
     checkNormalization(norm);
     makeRoom(points.size(), points.size());
     copyPoints(points, dim3D, points_); // all components, of which one may make s
-    setNormalisedValues(points_, norm, svalues_);
+    double length = 0.0;                // the curve's own is that of its points alone
+    if (norm == normalizeArc) {
+        calculateArcValue(points_, svalues_, length);
+    } else {
+        calculateArcValue(points_,
+                          norm == normalizeX   ? &Point::x
+                          : norm == normalizeY ? &Point::y
+                                               : &Point::z,
+                          svalues_, length);
+    }
     setFields(dimension, parametrizationSupplied, std::is_same<Source, Point>::value);
     zeroInsignificantComponents(points_, dimension);
 }
@@ -330,7 +311,10 @@ void ParametricCurve::setPointsXnormalizeUniform(const std::vector<double>& valu
     checkCount(values.size(), kOneValue);
     makeRoom(values.size(), values.size());
     copyValues(values, &Point::x, points_);
-    setUniformValues(values.size(), svalues_);
+    const double step = 1.0 / static_cast<double>(values.size() - 1);
+    fillVector(svalues_, values.size(),
+               [=](std::size_t i) { return static_cast<double>(i) * step; });
+    svalues_.back() = 1.0;
     setFields(dim1D, parametrizationSupplied, true);
 }
 
@@ -399,8 +383,7 @@ void ParametricCurve::setFields(dim dimension, parametrization origin, bool crea
     dimension_ = dimension;
     parametrization_ = origin;
     if (dimension != dim1D && dimension != dim2D && dimension != dim3D) {
-        throw internal::error("ParametricCurve", "setPoints",
-                              "Unrecognised dimension of the curve.", argumentError);
+        throw argumentFault("setPoints", "Unrecognised dimension of the curve.");
     }
     createdAsDouble_ = createdAsDouble;
 }

@@ -12,7 +12,7 @@
 #include <utility>
 
 #include "curve/Tolerance.h"
-#include "foundation/MessageTokens.h"
+#include "curve/Validation.h"
 #include "platform/VectorDispatch.h"
 
 namespace qel {
@@ -23,22 +23,17 @@ using Corner = std::pair<double, std::size_t>; // angle and index
 constexpr std::size_t kReach = 4;              // neighbours tried on either side
 constexpr double kNoAngle = 6.283185307179586; // 2 pi: no corner is measured there
 
-[[noreturn]] void refuse(SystemMsg& message) {
-    throw internal::error("ParametricCurve", "findTwoPointsWithMinAngle", message, argumentError);
-}
+constexpr const char* kMethod = "findTwoPointsWithMinAngle";
 
 void checkRange(std::size_t first, std::size_t second, std::size_t count) {
     if (first >= count) {
-        SystemMsg message("First index out of bounds =%1");
-        refuse(message % first);
+        throw argumentFault(kMethod, "First index out of bounds =%1", first);
     }
     if (second >= count) {
-        SystemMsg message("Requested index out of bounds =%1");
-        refuse(message % second);
+        throw argumentFault(kMethod, "Requested index out of bounds =%1", second);
     }
     if (first == second) {
-        SystemMsg message("First and second index must be different.");
-        refuse(message);
+        throw argumentFault(kMethod, "First and second index must be different.");
     }
 }
 
@@ -48,12 +43,7 @@ bool areApart(const Point& a, const Point& b) {
 
 // c is a NaN where the products overflow; it stays one.
 double angleOf(double c) {
-    if (c > 1.0) {
-        c = 1.0;
-    } else if (c < -1.0) {
-        c = -1.0;
-    }
-    return std::acos(c);
+    return std::acos(std::clamp(c, -1.0, 1.0));
 }
 
 // Angle at vertex k. Crowded is told of every vertex after k that is too close to it.
@@ -187,9 +177,9 @@ void ParametricCurve::findTwoPointsWithMinAngle(std::size_t first, std::size_t s
     const std::size_t start = std::max<std::size_t>(std::min(first, second), 1);
     const std::size_t end = std::min(std::max(first, second), points_.size() - 2);
     if (end < start + 1) {
-        SystemMsg message("Less than two inner points between indices. First id=%1, Second id=%2");
-        message % first;
-        refuse(message % second);
+        throw argumentFault(kMethod,
+                            "Less than two inner points between indices. First id=%1, Second id=%2",
+                            first, second);
     }
     const SharpestTwo sharpest = sharpestOf(points_, start, end);
     a = std::max(sharpest.first(), sharpest.second(),

@@ -6,7 +6,7 @@
 
 #include "curve/Bounds.h"
 #include "curve/FillVector.h"
-#include "foundation/MessageTokens.h"
+#include "curve/Validation.h"
 
 namespace qel {
 namespace {
@@ -82,17 +82,15 @@ int ParametricCurve::getClosestToSvaluePoint(double s) const {
 
 double ParametricCurve::getSvalues(int id) const {
     if (id < 0 || static_cast<std::size_t>(id) >= points_.size()) {
-        SystemMsg message("Point for requested id does not exist. Id=%1. Size=%2 .");
-        throw internal::error("ParametricCurve", "getSvalues", message % id % points_.size(),
-                              argumentError);
+        throw argumentFault("getSvalues", "Point for requested id does not exist. Id=%1. Size=%2 .",
+                            id, points_.size());
     }
     return svalues_[static_cast<std::size_t>(id)];
 }
 
 Point ParametricCurve::getPointAtIndex(int id) const {
     if (id < 0 || static_cast<std::size_t>(id) >= points_.size()) {
-        throw internal::error("ParametricCurve", "getPointAtIndex", "Point requested out of bounds",
-                              argumentError);
+        throw argumentFault("getPointAtIndex", "Point requested out of bounds");
     }
     return points_[static_cast<std::size_t>(id)];
 }

@@ -10,7 +10,6 @@
 #include "curve/Conversions.h"
 #include "curve/Evaluation.h"
 #include "curve/Validation.h"
-#include "foundation/MessageTokens.h"
 
 namespace qel {
 namespace {
@@ -28,19 +27,16 @@ double clampedTo(const std::vector<double>& svalues, double s) {
 
 void checkRange(double start, double end) {
     if (start == end) {
-        throw internal::error("ParametricCurve", "getCurve",
-                              "Start and end parametric value are identical.", argumentError);
+        throw argumentFault("getCurve", "Start and end parametric value are identical.");
     }
     if (start > end) {
-        throw internal::error("ParametricCurve", "getCurve",
-                              "Parametric start value greater than end value.", argumentError);
+        throw argumentFault("getCurve", "Parametric start value greater than end value.");
     }
 }
 
 void checkIndex(std::size_t index, std::size_t size) {
     if (index >= size) {
-        SystemMsg message("Requested index out of bounds =%1");
-        throw internal::error("ParametricCurve", "getCurve", message % index, argumentError);
+        throw argumentFault("getCurve", "Requested index out of bounds =%1", index);
     }
 }
 
@@ -111,17 +107,14 @@ void checkCleanEnds(const Points& points, const std::vector<double>& svalues, do
                     double sEnd) {
     checkPoints(points);
     if (sStart == sEnd) {
-        throw internal::error("ParametricCurve", "getCurveCleanEnds",
-                              "Start and end parametric value are identical.", argumentError);
+        throw argumentFault("getCurveCleanEnds", "Start and end parametric value are identical.");
     }
     if (sStart > sEnd) { // with a blank before the full stop, unlike the pieces
-        throw internal::error("ParametricCurve", "getCurveCleanEnds",
-                              "Parametric start value greater than end value .", argumentError);
+        throw argumentFault("getCurveCleanEnds", "Parametric start value greater than end value .");
     }
     if (points.size() != svalues.size()) {
-        throw internal::error("ParametricCurve", "getCurveCleanEnds",
-                              "Vectors of points and sValues must have the same size.",
-                              argumentError);
+        throw argumentFault("getCurveCleanEnds",
+                            "Vectors of points and sValues must have the same size.");
     }
 }
 
@@ -219,8 +212,7 @@ void ParametricCurve::getCurve(std::size_t first, std::size_t second, Points& fo
     checkIndex(first, points_.size());
     checkIndex(second, points_.size());
     if (first == second) {
-        throw internal::error("ParametricCurve", "getCurve",
-                              "First and second index must be different.", argumentError);
+        throw argumentFault("getCurve", "First and second index must be different.");
     }
     copyArc(points_, first, second, forward);
     copyArc(points_, second, first, backward);
@@ -233,15 +225,14 @@ void ParametricCurve::getCurve(std::size_t index, Points& points) const {
 
 void ParametricCurve::getCurve(std::size_t first, std::size_t second, Points& points) const {
     if (first >= points_.size() || second >= points_.size()) {
-        SystemMsg message("Requested indicies out of bounds. First id=%1, Second id=%2");
-        throw internal::error("ParametricCurve", "getCurve", message % first % second,
-                              argumentError);
+        throw argumentFault("getCurve",
+                            "Requested indicies out of bounds. First id=%1, Second id=%2", first,
+                            second);
     }
     if (first > second) { // equal ones are a piece of one point
-        SystemMsg message("Second index must be greater than first index. First id=%1, "
-                          "Second id=%2");
-        throw internal::error("ParametricCurve", "getCurve", message % first % second,
-                              argumentError);
+        throw argumentFault(
+            "getCurve", "Second index must be greater than first index. First id=%1, Second id=%2",
+            first, second);
     }
     points.resize(second - first + 1);
     copyRange(points_, first, second, points.data());
@@ -280,9 +271,8 @@ void ParametricCurve::getCurveCleanEnds(Points& points, std::vector<double>& sva
         --last;
     }
     if (first == last) {
-        throw internal::error("ParametricCurve", "getCurveCleanEnds",
-                              "Cleaning ends in the curve resulted in less than two points.",
-                              argumentError);
+        throw argumentFault("getCurveCleanEnds",
+                            "Cleaning ends in the curve resulted in less than two points.");
     }
     keepOnly(points, first, last);
     keepOnly(svalues, first, last);

@@ -8,6 +8,7 @@
 #include "curve/ArcLength.h"
 #include "curve/Cleaning.h"
 #include "curve/Conversions.h"
+#include "curve/Validation.h"
 
 namespace qel {
 namespace {
@@ -37,8 +38,7 @@ Extension extensionOf(const Points& points) {
     double length = 0.0;
     calculateArcValue(points, svalues, length);
     if (length == 0.0) {
-        throw internal::error("ParametricCurve", "expandCurve",
-                              "Curve definition insignificant for extrapolation.", argumentError);
+        throw argumentFault("expandCurve", "Curve definition insignificant for extrapolation.");
     }
     // The neighbours of the ends among the points that do not coincide; the ends always stay.
     std::size_t second = 0;

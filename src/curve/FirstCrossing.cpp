@@ -51,8 +51,8 @@ bool anyOverlapping(const SegmentBvh2D& bvh, std::size_t level, std::size_t grou
     return false;
 }
 
-// Walks both hierarchies from the top. Each group of boxes of the walked polyline is handed, in
-// order, those groups of the other one that it may meet.
+// Walks down the hierarchy of one polyline, in order. To each box it takes along, in order, groups
+// of the other polyline: those with a box that overlaps this one.
 class CrossingSearch {
 public:
     CrossingSearch(const Points& walked, const Points& others)
@@ -62,111 +62,88 @@ public:
           othersBvh_(others.data(), others.size() - 1) {}
 
     bool find(std::size_t& tried, Doublet& crossing) {
-        std::size_t level = othersBvh_.top();
-        near_.push_back({0, walkedBvh_.overlapping(walkedBvh_.top(), 0, kWholePlane)});
+        std::size_t otherLevel = othersBvh_.top();
         std::size_t first = 0;
-        for (; level > walkedBvh_.top(); --level) {
+        for (; otherLevel > walkedBvh_.top(); --otherLevel) {
             const std::size_t last = near_.size();
-            for (; first < last; ++first) {
-                expand(near_[first], level, kWholePlane, walkedBvh_.top(), 0);
-            }
+            takeAlong(kWholePlane, otherLevel, true, first, last);
+            first = last;
         }
-        const bool isFound = findInGroup(walkedBvh_.top(), 0, level, first, crossing);
+        const bool isFound = findInGroup(walkedBvh_.top(), 0, otherLevel, first, crossing);
         tried = isFound ? segment_ + 1 : walked_.size() - 1;
         return isFound;
     }
 
 private:
-    // A group of the other polyline near a group of the walked one.
-    struct NearGroup {
-        std::size_t group;
-        unsigned boxes; // of the walked group, those that it overlaps: bit k for box k
-    };
-
-    // The groups near a walked one, of a level that is not above its own, stand in near_ from the
-    // first on.
+    // The groups near that of the walked polyline, of a level that is not above its own, stand in
+    // near_ from the first on.
     bool findInGroup(std::size_t level, std::size_t group, std::size_t otherLevel,
                      std::size_t first, Doublet& crossing) {
         const std::size_t last = near_.size();
-        unsigned boxes = 0;
+        const bool goesDown = otherLevel == level;
+        bool isFound = false;
+        for (unsigned bits = walkedBvh_.overlapping(level, group, kWholePlane);
+             bits != 0 && !isFound; bits &= bits - 1) {
+            const std::size_t number = group * kFan + static_cast<std::size_t>(lowestBit(bits));
+            takeAlong(walkedBvh_.box(level, number), otherLevel, goesDown, first, last);
+            isFound = level == 1
+                          ? meetsNear(number, last, crossing)
+                          : near_.size() > last &&
+                                findInGroup(level - 1, number,
+                                            goesDown ? otherLevel - 1 : otherLevel, last, crossing);
+            near_.resize(last);
+        }
+        return isFound;
+    }
+
+    // Appends those of some groups that overlap a box; or, to go down, their boxes that do: these
+    // are the groups of the level below.
+    void takeAlong(const Box2D& box, std::size_t otherLevel, bool goesDown, std::size_t first,
+                   std::size_t last) {
         for (std::size_t n = first; n < last; ++n) {
-            boxes |= near_[n].boxes;
-        }
-        for (; boxes != 0; boxes &= boxes - 1) {
-            const auto k = static_cast<std::size_t>(lowestBit(boxes));
-            const std::size_t number = group * kFan + k;
-            bool isFound = false;
-            if (level == 0) {
-                isFound = meetsNear(number, k, first, crossing);
-            } else {
-                const Box2D box = walkedBvh_.box(level, number);
-                for (std::size_t n = first; n < last; ++n) {
-                    if ((near_[n].boxes >> k & 1u) == 0) {
-                        continue;
-                    }
-                    if (otherLevel == level) {
-                        expand(near_[n], level, box, level - 1, number);
-                    } else {
-                        push(near_[n].group, othersBvh_.boxOfGroup(otherLevel, near_[n].group),
-                             level - 1, number);
-                    }
-                }
-                const std::size_t innerLevel = otherLevel == level ? level - 1 : otherLevel;
-                isFound = findInGroup(level - 1, number, innerLevel, last, crossing);
-                near_.resize(last);
-            }
-            if (isFound) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-    // Adds the groups in a group of the other polyline, as far as they overlap a box, that are near
-    // a walked group.
-    void expand(NearGroup near, std::size_t otherLevel, const Box2D& box, std::size_t level,
-                std::size_t group) {
-        for (unsigned bits = othersBvh_.overlapping(otherLevel, near.group, box); bits != 0;
-             bits &= bits - 1) {
-            const std::size_t inner = near.group * kFan + static_cast<std::size_t>(lowestBit(bits));
-            push(inner, othersBvh_.box(otherLevel, inner), level, group);
-        }
-    }
-
-    void push(std::size_t otherGroup, const Box2D& otherBox, std::size_t level, std::size_t group) {
-        const unsigned boxes = walkedBvh_.overlapping(level, group, otherBox);
-        if (boxes != 0) {
-            near_.push_back({otherGroup, boxes});
-        }
-    }
-
-    // Tests a walked segment, number k of its group, with those that its box overlaps.
-    bool meetsNear(std::size_t segment, std::size_t k, std::size_t first, Doublet& crossing) {
-        const LineSegment2D walked = planeSegment(walked_, segment);
-        const Box2D box = boxOf(walked);
-        for (std::size_t n = first; n < near_.size(); ++n) {
-            if ((near_[n].boxes >> k & 1u) == 0) {
+            const std::size_t group = near_[n];
+            unsigned bits = othersBvh_.overlapping(otherLevel, group, box);
+            if (bits != 0 && !goesDown) {
+                near_.push_back(group);
                 continue;
             }
-            const std::size_t group = near_[n].group;
-            for (unsigned bits = othersBvh_.overlapping(0, group, box); bits != 0;
-                 bits &= bits - 1) {
-                if (meets(others_, group * kFan + static_cast<std::size_t>(lowestBit(bits)), walked,
-                          crossing)) {
-                    segment_ = segment;
-                    return true;
+            for (; bits != 0; bits &= bits - 1) {
+                near_.push_back(group * kFan + static_cast<std::size_t>(lowestBit(bits)));
+            }
+        }
+    }
+
+    // Tests the segments of a group, in order, with those near that their boxes overlap.
+    bool meetsNear(std::size_t group, std::size_t first, Doublet& crossing) {
+        pairs_.clear();
+        for (std::size_t n = first; n < near_.size(); ++n) {
+            pairs_.push_back(walkedBvh_.overlappingPairs(group, othersBvh_, near_[n]));
+        }
+        for (std::size_t i = 0; i < kFan; ++i) {
+            segment_ = group * kFan + i;
+            for (std::size_t n = 0; n < pairs_.size(); ++n) {
+                for (std::uint64_t bits = pairs_[n] >> i * kFan & kGroupBits; bits != 0;
+                     bits &= bits - 1) {
+                    const std::size_t other =
+                        near_[first + n] * kFan + static_cast<std::size_t>(lowestBit(bits));
+                    if (meets(others_, other, planeSegment(walked_, segment_), crossing)) {
+                        return true;
+                    }
                 }
             }
         }
         return false;
     }
+
+    static constexpr std::uint64_t kGroupBits = (1U << kFan) - 1;
 
     const Points& walked_;
     const Points& others_;
     SegmentBvh2D walkedBvh_;
     SegmentBvh2D othersBvh_;
-    std::vector<NearGroup> near_;
-    std::size_t segment_ = 0; // of the walked polyline, the one that meets
+    std::vector<std::size_t> near_{0}; // the top group, at first
+    std::vector<std::uint64_t> pairs_; // of a group of segments and each of those near
+    std::size_t segment_ = 0;          // of the walked polyline, tested last
 };
 
 } // namespace

@@ -34,6 +34,15 @@ bool isDegenerate(double length2, double along) {
     return !surelyExceedsSpacings(length2, along) && length2 < kDegenerateFactor * spacingAt(along);
 }
 
+// The place at t on the edge from vertex i to j; not before i.
+Foot footAt(const Point& pi, const Point& pj, double si, double sj, double t) {
+    const bool isInside = t > 0.0; // chosen number by number, without a branch
+    const Point p = pi + (pj - pi) * t;
+    const double s = si + (sj - si) * t;
+    return {{isInside ? p.x : pi.x, isInside ? p.y : pi.y, isInside ? p.z : pi.z},
+            isInside ? s : si};
+}
+
 } // namespace
 
 // -- Beside a vertex ----
@@ -48,7 +57,8 @@ Foot projectToEdge(const Points& points, const std::vector<double>& svalues, std
     if (isHit(d2i, length2)) {
         return {points[i], svalues[i]};
     }
-    const double along = projectionOnEdge(d2i, d2j, length2);
+    // The projection on the edge, times the length of that: law of cosines.
+    const double along = (d2i - d2j + length2) * 0.5;
     // Measured against the projection here, against the squared length above; on purpose.
     if (isDegenerate(length2, along)) {
         return {(points[j] + points[i]) * 0.5, (svalues[j] + svalues[i]) * 0.5};
@@ -82,7 +92,7 @@ Foot projectBesideVertex(const Points& points, const std::vector<double>& svalue
 // -- The curve ----
 
 Point ParametricCurve::projectPoint(const Point& q, double& s) const {
-    if (points_.size() == 2 && points_[0] == points_[1]) {
+    if (isOnePoint(points_)) {
         s = 0.0;
         return points_[0];
     }

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "curve/Conversions.h"
-#include "platform/VectorUnit.h"
 
 namespace qel {
 
@@ -17,21 +16,6 @@ struct Foot {
     Point point;
     double s = 0.0;
 };
-
-/// The projection of a probe on an edge, times the length of that: law of cosines, from the squared
-/// distances of the probe to both ends.
-QEL_KERNEL double projectionOnEdge(double d2i, double d2j, double length2) {
-    return (d2i - d2j + length2) * 0.5;
-}
-
-/// The place at t on the edge from vertex i to j; not before i.
-QEL_KERNEL Foot footAt(const Point& pi, const Point& pj, double si, double sj, double t) {
-    const bool isInside = t > 0.0; // chosen number by number, without a branch
-    const Point p = pi + (pj - pi) * t;
-    const double s = si + (sj - si) * t;
-    return {{isInside ? p.x : pi.x, isInside ? p.y : pi.y, isInside ? p.z : pi.z},
-            isInside ? s : si};
-}
 
 /// Foot of a probe on the edge from vertex i, the nearer one, towards its neighbour j, from the
 /// squared distances of the probe to both; the probe itself is not needed.
@@ -42,6 +26,11 @@ Foot projectToEdge(const Points& points, const std::vector<double>& svalues, std
 /// are equally near.
 Foot projectBesideVertex(const Points& points, const std::vector<double>& svalues,
                          std::size_t nearest, const Point& probe);
+
+/// True for a curve of two equal points: every probe's foot is there, at s = 0.
+inline bool isOnePoint(const Points& points) {
+    return points.size() == 2 && points[0] == points[1];
+}
 
 } // namespace qel
 

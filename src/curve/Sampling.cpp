@@ -9,7 +9,7 @@
 
 #include "curve/BatchEvaluation.h"
 #include "curve/Conversions.h"
-#include "curve/PointCount.h"
+#include "curve/Validation.h"
 
 namespace qel {
 namespace {
@@ -20,7 +20,7 @@ constexpr double kRatioFloor = 1.1754943508222875e-38;
 constexpr std::size_t kBlock = BracketSearch::kBlock;
 
 internal::error sizeBelowTwo(const char* methodName) {
-    return {"ParametricCurve", methodName, "Requested size less than 2.", argumentError};
+    return argumentFault(methodName, "Requested size less than 2.");
 }
 
 // For each inner point, the step chosen over the sum of the steps before and after it.
@@ -131,11 +131,7 @@ void ParametricCurve::getCurveWithMinimumS(Points& points, std::vector<double>& 
         const double x = (svalues_[i] - svalues_[i - 1]) / h;
         return x <= 1.0 ? 0 : wholeCount(x);
     };
-    std::size_t total = points_.size();
-    for (std::size_t i = 1; i < points_.size(); ++i) {
-        total += inserted(i);
-    }
-    checkTotal(total, "getCurveWithMinimumS");
+    const std::size_t total = checkedTotal(points_.size(), inserted, "getCurveWithMinimumS");
     points.resize(total);
     svalues.resize(total);
     const bool isOrdered = stepsOf(svalues_.data(), svalues_.size(), 0.0).areInOrder;
@@ -179,8 +175,7 @@ void ParametricCurve::getCurveWithMinimumS(FloatPoints& points, int count) const
 
 std::vector<double> ParametricCurve::getSvalues(const std::vector<int>& ids) const {
     if (ids.empty()) {
-        throw internal::error("ParametricCurve", "getSvalues", "Vector of Ids empty",
-                              argumentError);
+        throw argumentFault("getSvalues", "Vector of Ids empty");
     }
     std::vector<double> svalues;
     svalues.reserve(ids.size());

@@ -1,7 +1,6 @@
 #include "curve/SegmentBvh2D.h"
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 
 #include "platform/VectorDispatch.h"
@@ -16,12 +15,8 @@ constexpr float kFarthest = 1e18f;         // coordinates of regular segments
 constexpr float kShortestSquared = 1e-36f; // lengths of regular segments
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
+constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr std::size_t kFan = SegmentBvh2D::kFan;
-using Group = SegmentBvh2D::Group;
-
-constexpr std::size_t groupsOf(std::size_t count) {
-    return (count + kFan - 1) / kFan;
-}
 
 // The first if the other is NaN.
 QEL_KERNEL float larger(float a, float b) {
@@ -32,38 +27,6 @@ QEL_KERNEL float smaller(float a, float b) {
     return b < a ? b : a;
 }
 
-// -- Boxes ----
-
-// Rows of sides of as many boxes as go into the boxes of one group.
-constexpr std::size_t kRow = kFan * kFan;
-
-struct Rows {
-    float lowX[kRow];
-    float highX[kRow];
-    float lowY[kRow];
-    float highY[kRow];
-};
-
-// What a box around segments is widened by along each axis; infinite for irregular ones.
-struct Widths {
-    float x;
-    float y;
-};
-
-QEL_KERNEL Widths widthsFor(const Box2D& box) {
-    const float farthest = larger(larger(-box.lowX, box.highX), larger(-box.lowY, box.highY));
-    const float rounding = kRounding * farthest + kUnderflow;
-    const bool isRegular = farthest <= kFarthest;
-    return {isRegular ? kSlack * (box.highX - box.lowX) + rounding : kInfinity,
-            isRegular ? kSlack * (box.highY - box.lowY) + rounding : kInfinity};
-}
-
-QEL_KERNEL Box2D widened(const Box2D& box, const Widths& widths) {
-    return widths.x < kInfinity ? Box2D{box.lowX - widths.x, box.highX + widths.x,
-                                        box.lowY - widths.y, box.highY + widths.y}
-                                : kWholePlane;
-}
-
 // What the range of a coordinate is extended by: empty for a segment without length, infinite for
 // one whose length is irregular, which a NaN leaves, too.
 QEL_KERNEL float extensionFor(float dx, float dy) {
@@ -71,30 +34,66 @@ QEL_KERNEL float extensionFor(float dx, float dy) {
     return ((dx == 0.0f) & (dy == 0.0f)) ? -kInfinity : extension;
 }
 
-QEL_KERNEL float lowOf(float from, float to, float extension) {
-    const float low = smaller(from, to) - extension;
-    return low > -kInfinity ? low : -kInfinity;
+QEL_KERNEL Box2D rangeOf(float x0, float y0, float x1, float y1, float extension) {
+    return {larger(-kInfinity, smaller(x0, x1) - extension),
+            smaller(kInfinity, larger(x0, x1) + extension),
+            larger(-kInfinity, smaller(y0, y1) - extension),
+            smaller(kInfinity, larger(y0, y1) + extension)};
 }
 
-QEL_KERNEL float highOf(float from, float to, float extension) {
-    const float high = larger(from, to) + extension;
-    return high < kInfinity ? high : kInfinity;
+// Chosen side by side, without a branch. An empty box stays empty.
+QEL_KERNEL Box2D widened(const Box2D& range) {
+    const float farthest =
+        larger(larger(-range.lowX, range.highX), larger(-range.lowY, range.highY));
+    const bool isRegular = farthest <= kFarthest;
+    const float rounding = kRounding * farthest + kUnderflow;
+    const float x = kSlack * (range.highX - range.lowX) + rounding;
+    const float y = kSlack * (range.highY - range.lowY) + rounding;
+    const Box2D box{range.lowX - x, range.highX + x, range.lowY - y, range.highY + y};
+    return {isRegular ? box.lowX : -kInfinity, isRegular ? box.highX : kInfinity,
+            isRegular ? box.lowY : -kInfinity, isRegular ? box.highY : kInfinity};
 }
 
-QEL_KERNEL void setRows(const float* x, const float* y, Rows& rows) {
-    float extension[kRow];
-    for (std::size_t k = 0; k < kRow; ++k) {
-        extension[k] = extensionFor(x[k + 1] - x[k], y[k + 1] - y[k]);
+constexpr std::size_t kBlock = kFan * kFan; // segments in the boxes of a group
+
+// -- Rows of sides: lowX of each box; a row's length on, highX of each; then lowY and highY ----
+
+QEL_KERNEL Box2D boxAt(const float* sides, std::size_t row) {
+    return {sides[0], sides[row], sides[2 * row], sides[3 * row]};
+}
+
+QEL_KERNEL void setBox(const Box2D& box, float* sides, std::size_t row) {
+    sides[0] = box.lowX;
+    sides[row] = box.highX;
+    sides[2 * row] = box.lowY;
+    sides[3 * row] = box.highY;
+}
+
+// Boxes of segments, not yet widened; those behind the last segment are empty.
+template <std::size_t row>
+QEL_KERNEL void setRanges(const Point* points, std::size_t segments, float* sides) {
+    float x[row + 1];
+    float y[row + 1];
+    const std::size_t count = std::min(row, segments);
+    for (std::size_t k = 0; k <= count; ++k) {
+        x[k] = static_cast<float>(points[k].x);
+        y[k] = static_cast<float>(points[k].y);
     }
-    for (std::size_t k = 0; k < kRow; ++k) {
-        rows.lowX[k] = lowOf(x[k], x[k + 1], extension[k]);
-        rows.highX[k] = highOf(x[k], x[k + 1], extension[k]);
-        rows.lowY[k] = lowOf(y[k], y[k + 1], extension[k]);
-        rows.highY[k] = highOf(y[k], y[k + 1], extension[k]);
+    std::fill(x + count + 1, x + row + 1, x[count]);
+    std::fill(y + count + 1, y + row + 1, y[count]);
+    for (std::size_t k = 0; k < row; ++k) {
+        const float extension = extensionFor(x[k + 1] - x[k], y[k + 1] - y[k]);
+        setBox(rangeOf(x[k], y[k], x[k + 1], y[k + 1], extension), sides + k, row);
     }
 }
 
-// The lesser or the greater of each two numbers.
+QEL_KERNEL void widen(float* sides, std::size_t row) {
+    for (std::size_t k = 0; k < kFan; ++k) {
+        setBox(widened(boxAt(sides + k, row)), sides + k, row);
+    }
+}
+
+// The lesser or the greater of each two numbers, any of which may be NaN.
 template <float (*choose)(float, float), std::size_t count>
 QEL_KERNEL void pairUp(const float* row, float* half) {
 #pragma GCC unroll 1
@@ -103,140 +102,95 @@ QEL_KERNEL void pairUp(const float* row, float* half) {
     }
 }
 
-// Joins each kFan sides to one.
+// Of each kFan numbers.
 template <float (*choose)(float, float)>
-QEL_KERNEL void join(const float* row, float* sides) {
+QEL_KERNEL void joinRow(const float* row, float* joined) {
     static_assert(kFan == 8, "three times half as many");
-    float half[kRow / 2];
-    float quarter[kRow / 4];
-    pairUp<choose, kRow / 2>(row, half);
-    pairUp<choose, kRow / 4>(half, quarter);
-    pairUp<choose, kRow / 8>(quarter, sides);
+    float half[kBlock / 2];
+    float quarter[kBlock / 4];
+    pairUp<choose, kBlock / 2>(row, half);
+    pairUp<choose, kBlock / 4>(half, quarter);
+    pairUp<choose, kBlock / 8>(quarter, joined);
 }
 
-QEL_KERNEL void join(const Rows& rows, Group& group) {
-    join<smaller>(rows.lowX, group.lowX);
-    join<larger>(rows.highX, group.highX);
-    join<smaller>(rows.lowY, group.lowY);
-    join<larger>(rows.highY, group.highY);
+// The box around each kFan of a block of boxes.
+QEL_KERNEL void join(const float* inner, std::size_t innerRow, float* outer, std::size_t row) {
+    joinRow<smaller>(inner, outer);
+    joinRow<larger>(inner + innerRow, outer + row);
+    joinRow<smaller>(inner + 2 * innerRow, outer + 2 * row);
+    joinRow<larger>(inner + 3 * innerRow, outer + 3 * row);
 }
 
-QEL_KERNEL void widen(Group& group, float* widthsX, float* widthsY) {
-#pragma GCC unroll 1
-    for (std::size_t k = 0; k < kFan; ++k) {
-        const Box2D box{group.lowX[k], group.highX[k], group.lowY[k], group.highY[k]};
-        const Widths widths = widthsFor(box);
-        widthsX[k] = widths.x;
-        widthsY[k] = widths.y;
-        group.lowX[k] = box.lowX - widths.x;
-        group.highX[k] = box.highX + widths.x;
-        group.lowY[k] = box.lowY - widths.y;
-        group.highY[k] = box.highY + widths.y;
-    }
-}
-
-// The x and y of the ends of segments, as they are rounded for these. After the last segment, its
-// end is repeated.
-template <std::size_t count>
-struct Ends {
-    float x[count + 1];
-    float y[count + 1];
-
-    QEL_KERNEL Ends(const Point* points, std::size_t segments) {
-        const std::size_t there = std::min(count, segments);
-        for (std::size_t k = 0; k <= there; ++k) {
-            x[k] = static_cast<float>(points[k].x);
-            y[k] = static_cast<float>(points[k].y);
-        }
-        for (std::size_t k = there + 1; k <= count; ++k) {
-            x[k] = x[there];
-            y[k] = y[there];
+struct FirstLevelKernel {
+    QEL_KERNEL static void run(const Point* points, std::size_t segments, float* sides,
+                               std::size_t row) {
+        for (std::size_t first = 0; first < segments; first += kBlock, sides += kFan) {
+            float inner[4 * kBlock];
+            setRanges<kBlock>(points + first, segments - first, inner);
+            join(inner, kBlock, sides, row);
+            widen(sides, row);
         }
     }
 };
 
-struct BuildKernel {
-    QEL_KERNEL static void run(const Point* points, std::size_t segments, float* widthsX,
-                               float* widthsY, Group* groups, std::size_t count) {
-        for (std::size_t g = 0; g < count; ++g) {
-            const Ends<kRow> ends(points + g * kRow, segments - g * kRow);
-            Rows rows;
-            setRows(ends.x, ends.y, rows);
-            join(rows, groups[g]);
-            widen(groups[g], widthsX + g * kFan, widthsY + g * kFan);
+struct LevelKernel {
+    QEL_KERNEL static void run(const float* inner, std::size_t boxes, float* sides,
+                               std::size_t row) {
+        for (std::size_t first = 0; first < boxes; first += kBlock) {
+            join(inner + first, row, sides + first / kFan, row);
         }
     }
 };
-
-// Leaves the first boxes of a group; NaN, which overlaps nothing, stands for the others.
-void removeBoxes(Group& group, std::size_t count) {
-    for (float* const sides : {group.lowX, group.highX, group.lowY, group.highY}) {
-        std::fill(sides + count, sides + kFan, std::numeric_limits<float>::quiet_NaN());
-    }
-}
-
-// The boxes of level - 1 that are in one box each of a group.
-struct GatherKernel {
-    QEL_KERNEL static void run(const Group* inner, std::size_t count, Group* groups) {
-        constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-        for (std::size_t first = 0; first < count; first += kFan) {
-            Rows rows;
-            for (float* const row : {rows.lowX, rows.highX, rows.lowY, rows.highY}) {
-                std::fill_n(row, kRow, kNan);
-            }
-            for (std::size_t g = 0; g < std::min(kFan, count - first); ++g) {
-                const Group& from = inner[first + g];
-                std::copy_n(from.lowX, kFan, rows.lowX + g * kFan);
-                std::copy_n(from.highX, kFan, rows.highX + g * kFan);
-                std::copy_n(from.lowY, kFan, rows.lowY + g * kFan);
-                std::copy_n(from.highY, kFan, rows.highY + g * kFan);
-            }
-            join(rows, groups[first / kFan]);
-        }
-    }
-};
-
-// -- Overlaps ----
-
-QEL_KERNEL unsigned bitsOf(const int* overlaps) {
-    int bits = 0;
-    for (std::size_t k = 0; k < kFan; ++k) {
-        bits |= overlaps[k] << k;
-    }
-    return static_cast<unsigned>(bits);
-}
 
 struct OverlapKernel {
-    QEL_KERNEL static unsigned run(const Group* group, const Box2D* other) {
+    QEL_KERNEL static unsigned run(const float* sides, std::size_t row, const Box2D* other) {
         const Box2D box = *other;
         int overlaps[kFan];
         for (std::size_t k = 0; k < kFan; ++k) {
             // As ints, whose conjunction needs no branches.
-            const int lowX = group->lowX[k] <= box.highX;
-            const int highX = box.lowX <= group->highX[k];
-            const int lowY = group->lowY[k] <= box.highY;
-            const int highY = box.lowY <= group->highY[k];
+            const int lowX = sides[k] <= box.highX;
+            const int highX = box.lowX <= sides[k + row];
+            const int lowY = sides[k + 2 * row] <= box.highY;
+            const int highY = box.lowY <= sides[k + 3 * row];
             overlaps[k] = lowX & highX & lowY & highY;
         }
-        return bitsOf(overlaps);
+        int bits = 0;
+        for (std::size_t k = 0; k < kFan; ++k) {
+            bits |= overlaps[k] << k;
+        }
+        return static_cast<unsigned>(bits);
     }
 };
 
+QEL_KERNEL void setSegmentBoxes(const Point* points, std::size_t segments, float* sides) {
+    setRanges<kFan>(points, segments, sides);
+    widen(sides, kFan);
+    for (std::size_t k = segments; k < kFan; ++k) {
+        setBox({kNan, kNan, kNan, kNan}, sides + k, kFan);
+    }
+}
+
 struct SegmentOverlapKernel {
-    QEL_KERNEL static unsigned run(const Point* points, std::size_t segments, Widths widths,
-                                   const Box2D* other) {
-        const Ends<kFan> ends(points, segments);
-        const Box2D box{other->lowX - widths.x, other->highX + widths.x, other->lowY - widths.y,
-                        other->highY + widths.y};
-        int overlaps[kFan];
-        for (std::size_t k = 0; k < kFan; ++k) {
-            const int lowX = smaller(ends.x[k], ends.x[k + 1]) <= box.highX;
-            const int highX = box.lowX <= larger(ends.x[k], ends.x[k + 1]);
-            const int lowY = smaller(ends.y[k], ends.y[k + 1]) <= box.highY;
-            const int highY = box.lowY <= larger(ends.y[k], ends.y[k + 1]);
-            overlaps[k] = lowX & highX & lowY & highY;
+    QEL_KERNEL static unsigned run(const Point* points, std::size_t segments, const Box2D* other) {
+        float sides[4 * kFan];
+        setSegmentBoxes(points, segments, sides);
+        return OverlapKernel::run(sides, kFan, other);
+    }
+};
+
+struct PairsKernel {
+    QEL_KERNEL static std::uint64_t run(const Point* points, std::size_t segments,
+                                        const Point* others, std::size_t otherSegments) {
+        float sides[4 * kFan];
+        float otherSides[4 * kFan];
+        setSegmentBoxes(points, segments, sides);
+        setSegmentBoxes(others, otherSegments, otherSides);
+        std::uint64_t pairs = 0;
+        for (std::size_t i = 0; i < kFan; ++i) {
+            const Box2D box = boxAt(sides + i, kFan);
+            pairs |= std::uint64_t{OverlapKernel::run(otherSides, kFan, &box)} << i * kFan;
         }
-        return bitsOf(overlaps);
+        return pairs;
     }
 };
 
@@ -251,61 +205,49 @@ LineSegment2D planeSegment(const Points& points, std::size_t i) {
 
 Box2D boxOf(const LineSegment2D& segment) {
     const Doublet end = segment.getEnd();
-    const Doublet& to = segment.toVector;
-    const float extension = extensionFor(to.x, to.y);
-    const Box2D box{
-        lowOf(segment.start.x, end.x, extension), highOf(segment.start.x, end.x, extension),
-        lowOf(segment.start.y, end.y, extension), highOf(segment.start.y, end.y, extension)};
-    return widened(box, widthsFor(box));
+    return widened(rangeOf(segment.start.x, segment.start.y, end.x, end.y,
+                           extensionFor(segment.toVector.x, segment.toVector.y)));
 }
-
-// -- The hierarchy ----
 
 SegmentBvh2D::SegmentBvh2D(const Point* points, std::size_t segments)
     : points_(points), segments_(segments) {
-    std::size_t groups = 0;
-    for (std::size_t boxes = groupsOf(segments_);; boxes = groupsOf(boxes)) {
-        levelStart_[++top_] = groups;
-        groups += groupsOf(boxes);
-        if (boxes <= kFan) {
-            break;
-        }
+    std::size_t boxes = segments;
+    do {
+        boxes = (boxes + kFan - 1) / kFan;
+        levelStart_[++top_] = count_;
+        count_ += (boxes + kBlock - 1) / kBlock * kBlock; // whole blocks
+    } while (boxes > kFan);
+    sides_.assign(4 * count_, kNan);
+    float* const sides = sides_.data();
+    onVectorUnit<FirstLevelKernel>(points, segments, sides, count_);
+    const std::size_t groups = (segments + kFan - 1) / kFan;
+    for (std::size_t k = groups; k % kFan != 0; ++k) {
+        setBox({kNan, kNan, kNan, kNan}, sides + k, count_);
     }
-    const std::size_t first = groupsOf(groupsOf(segments_)); // groups of level 1
-    widthsX_.resize(first * kFan);
-    widthsY_.resize(first * kFan);
-    groups_.resize(groups);
-    onVectorUnit<BuildKernel>(points_, segments_, widthsX_.data(), widthsY_.data(), groups_.data(),
-                              first);
-    removeBoxes(groups_[first - 1], groupsOf(segments_) - (first - 1) * kFan);
     for (std::size_t level = 2; level <= top_; ++level) {
-        onVectorUnit<GatherKernel>(&groups_[levelStart_[level - 1]],
-                                   levelStart_[level] - levelStart_[level - 1],
-                                   &groups_[levelStart_[level]]);
+        onVectorUnit<LevelKernel>(static_cast<const float*>(sides) + levelStart_[level - 1],
+                                  levelStart_[level] - levelStart_[level - 1],
+                                  sides + levelStart_[level], count_);
     }
 }
 
 Box2D SegmentBvh2D::box(std::size_t level, std::size_t number) const {
-    const Group& group = groups_[levelStart_[level] + number / kFan];
-    const std::size_t k = number % kFan;
-    return {group.lowX[k], group.highX[k], group.lowY[k], group.highY[k]};
+    return boxAt(&sides_[levelStart_[level] + number], count_);
 }
 
 unsigned SegmentBvh2D::overlapping(std::size_t level, std::size_t group, const Box2D& box) const {
-    if (level > 0) {
-        return onVectorUnit<OverlapKernel>(&groups_[levelStart_[level] + group], &box);
-    }
     const std::size_t first = group * kFan;
-    const unsigned there = (1u << std::min(kFan, segments_ - first)) - 1;
-    const Widths widths{widthsX_[group], widthsY_[group]};
-    if (!(widths.x < kInfinity)) {
-        return there; // a NaN would overlap nothing
-    }
-    if (widths.x == -kInfinity) { // segments of no length alone
-        return box.lowX == -kInfinity ? there : 0;
-    }
-    return onVectorUnit<SegmentOverlapKernel>(points_ + first, segments_ - first, widths, &box) &
-           there;
+    return level == 0
+               ? onVectorUnit<SegmentOverlapKernel>(points_ + first, segments_ - first, &box)
+               : onVectorUnit<OverlapKernel>(&sides_[levelStart_[level] + first], count_, &box);
+}
+
+std::uint64_t SegmentBvh2D::overlappingPairs(std::size_t group, const SegmentBvh2D& other,
+                                             std::size_t otherGroup) const {
+    const std::size_t first = group * kFan;
+    const std::size_t otherFirst = otherGroup * kFan;
+    return onVectorUnit<PairsKernel>(points_ + first, segments_ - first, other.points_ + otherFirst,
+                                     other.segments_ - otherFirst);
 }
 
 } // namespace qel

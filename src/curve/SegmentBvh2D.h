@@ -33,6 +33,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -74,31 +75,24 @@ public:
     /// Box of a level above 0, by its number.
     Box2D box(std::size_t level, std::size_t number) const;
 
-    /// Box around a group; the whole plane for the group of the top level.
-    Box2D boxOfGroup(std::size_t level, std::size_t group) const {
-        return level == top_ ? kWholePlane : box(level + 1, group);
-    }
-
     /// Which boxes of a group overlap another box: bit k for box group * kFan + k of the level.
-    /// Those that are not there and those of segments without length overlap nothing.
+    /// Those that are not there overlap nothing.
     unsigned overlapping(std::size_t level, std::size_t group, const Box2D& box) const;
 
-    /// Boxes that are not there are NaN, which overlaps nothing.
-    struct Group {
-        float lowX[kFan];
-        float highX[kFan];
-        float lowY[kFan];
-        float highY[kFan];
-    };
+    /// Which boxes of a group of level 0 overlap which of another hierarchy: bit kFan * i + k for
+    /// box i of this one and box k of the other.
+    std::uint64_t overlappingPairs(std::size_t group, const SegmentBvh2D& other,
+                                   std::size_t otherGroup) const;
 
 private:
     static constexpr std::size_t kMaxLevels = 22;
 
     const Point* points_;
     std::size_t segments_;
-    std::vector<float> widthsX_; // that the segments in the boxes of level 1 are widened by
-    std::vector<float> widthsY_;
-    std::vector<Group> groups_; // of the levels above 0, one after the other
+    // lowX of all boxes above level 0, level by level, then highX, lowY and highY. A level has
+    // whole blocks: the boxes that are not there are NaN, which overlaps nothing.
+    std::vector<float> sides_;
+    std::size_t count_ = 0; // of boxes
     std::array<std::size_t, kMaxLevels> levelStart_{};
     std::size_t top_ = 0;
 };

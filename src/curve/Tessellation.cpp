@@ -14,7 +14,7 @@
 
 #include "curve/BatchEvaluation.h"
 #include "curve/Conversions.h"
-#include "curve/PointCount.h"
+#include "curve/Validation.h"
 
 namespace qel {
 namespace {
@@ -29,8 +29,7 @@ double allowance() {
 // Written so that a NaN is refused as well.
 void checkStep(double step, const char* methodName) {
     if (!(step > 0.0)) {
-        SystemMsg message("Requested step is not positive. Step=%1");
-        throw internal::error("ParametricCurve", methodName, message % step, argumentError);
+        throw argumentFault(methodName, "Requested step is not positive. Step=%1", step);
     }
 }
 
@@ -47,12 +46,7 @@ std::size_t partsOf(double step, double maxStep) {
 // The points with inserted(i) equally spaced ones between points i - 1 and i.
 template <typename Inserted>
 Points refined(const Points& points, Inserted inserted, const char* methodName) {
-    std::size_t total = points.size();
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        total += inserted(i);
-    }
-    checkTotal(total, methodName);
-    Points result(total);
+    Points result(checkedTotal(points.size(), inserted, methodName));
     Point* to = result.data();
     *to++ = points.front();
     for (std::size_t i = 1; i < points.size(); ++i) {
@@ -77,15 +71,14 @@ bool isSpread(const std::pair<double, double>& spread) {
 
 void checkSpreads(const std::vector<std::pair<double, double>>& spreads, std::size_t intervals) {
     if (spreads.size() != intervals) {
-        SystemMsg message("SpreadValues must have size of %1");
-        throw internal::error("ParametricCurve", "tesselateXCurvebyCosine", message % intervals,
-                              argumentError);
+        throw argumentFault("tesselateXCurvebyCosine", "SpreadValues must have size of %1",
+                            intervals);
     }
     for (const auto& spread : spreads) {
         if (!isSpread(spread)) {
-            SystemMsg message("Not appropriate spread values. First = %1, second = %2 ");
-            throw internal::error("ParametricCurve", "tesselateXCurvebyCosine",
-                                  message % spread.first % spread.second, argumentError);
+            throw argumentFault("tesselateXCurvebyCosine",
+                                "Not appropriate spread values. First = %1, second = %2 ",
+                                spread.first, spread.second);
         }
     }
 }
@@ -101,11 +94,10 @@ void ParametricCurve::tesselateCurvebySdistance(double maxStep) {
         throw data::invalid("ParametricCurve", "tesselateCurvebySdistance", message % maxStep,
                             argumentError);
     }
-    std::size_t total = 1;
-    for (std::size_t i = 1; i < points_.size(); ++i) {
-        total += partsOf(svalues_[i] - svalues_[i - 1], maxStep);
-    }
-    checkTotal(total, "tesselateCurvebySdistance");
+    const auto inserted = [&](std::size_t i) {
+        return partsOf(svalues_[i] - svalues_[i - 1], maxStep) - 1;
+    };
+    const std::size_t total = checkedTotal(points_.size(), inserted, "tesselateCurvebySdistance");
     Points points(total);
     std::vector<double> svalues(total);
     Point* point = points.data();
@@ -116,7 +108,7 @@ void ParametricCurve::tesselateCurvebySdistance(double maxStep) {
         const Point from = points_[i - 1];
         const double start = svalues_[i - 1];
         const double step = svalues_[i] - start;
-        const std::size_t parts = partsOf(step, maxStep);
+        const std::size_t parts = inserted(i) + 1;
         for (std::size_t j = 1; j < parts; ++j) {
             const double t = static_cast<double>(j) / static_cast<double>(parts);
             *point++ = from + (points_[i] - from) * t;

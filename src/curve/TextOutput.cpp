@@ -18,12 +18,8 @@ constexpr int kDigitsOfFloats = 5;
 constexpr std::size_t kChunk = 1u << 16;   // bytes that are written together
 constexpr std::size_t kLongestNumber = 32; // sign, digits and exponent of any double
 
-std::size_t numberOf(const char* begin, const char* end) {
-    return static_cast<std::size_t>(end - begin);
-}
-
 void appendAligned(std::string& text, const char* begin, const char* end, std::size_t width) {
-    const std::size_t size = numberOf(begin, end);
+    const auto size = static_cast<std::size_t>(end - begin);
     if (size < width) {
         text.append(width - size, ' ');
     }
@@ -65,16 +61,12 @@ void printLine(const std::string& line) {
     std::cout << std::endl;
 }
 
-void printTitle(const std::string& title) {
-    if (!title.empty()) {
-        printLine(title);
-    }
-}
-
 // Prints one line for each of count items; append adds the text of item i.
 template <typename Append>
 void printLines(const std::string& title, std::size_t count, const Append& append) {
-    printTitle(title);
+    if (!title.empty()) {
+        printLine(title);
+    }
     std::string line;
     for (std::size_t i = 0; i < count; ++i) {
         line.clear();
