@@ -7,14 +7,11 @@
 
 #include "commands/Commands.h"
 #include "console/ChildProcess.h"
-#include "console/Interrupts.h"
 #include "console/Messages.h"
 #include "console/Progress.h"
 #include "console/VtkRun.h"
 
 namespace {
-
-constexpr int kExitInterrupted = 130; // 128 + SIGINT, as shells have it
 
 constexpr const char* kExamples = R"(
 Examples:
@@ -55,7 +52,6 @@ void runCommand(const Words& words) {
 }
 
 int runProgram(const Words& words) {
-    program::catchInterrupts();
     program::keepVtkMessages();
     try {
         runCommand(words);
@@ -66,9 +62,6 @@ int runProgram(const Words& words) {
         program::fail(error.getMessage());
     } catch (const std::filesystem::filesystem_error& error) {
         program::fail(error.path1().string(), ": ", error.code().message());
-    } catch (const program::Interrupted& error) {
-        program::fail(error.what());
-        return kExitInterrupted;
     } catch (const std::bad_alloc&) {
         program::fail("there is not enough memory");
         return EXIT_FAILURE;

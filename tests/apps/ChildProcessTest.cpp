@@ -2,7 +2,9 @@
 #include "console/ChildProcess.h"
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <new>
 #include <stdexcept>
 
@@ -15,7 +17,9 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using program::kExitBadInput;
+using program::kExitInterrupted;
 using program::runInChild;
 using program::whileReading;
 using ::testing::ExitedWithCode;
@@ -23,6 +27,8 @@ using ::testing::KilledBySignal;
 
 constexpr const char* kDamaged =
     "^qel: error: reading flow.vtu: the reader fails, the file is damaged\n$";
+
+constexpr const char* kInterrupted = "^qel: error: interrupted\n$";
 
 [[noreturn]] void crash(int number) {
     std::raise(number);
@@ -107,15 +113,57 @@ TEST(ChildProcessDeathTest, ACrashAfterReadingEndsThisProcessLikewise) {
     }
 }
 
-TEST(ChildProcessDeathTest, SignalsArePassedOn) {
+// Sends a signal to the parent once that waits, and goes on for a while.
+void signalParent(int number) {
+    sleep(1);
+    kill(getppid(), number);
+    sleep(60);
+}
+
+TEST(ChildProcessDeathTest, RequestsToEndStopTheWorkAtOnce) {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        SCOPED_TRACE(number);
+        EXPECT_EXIT(run([&] { signalParent(number); }), ExitedWithCode(kExitInterrupted),
+                    kInterrupted);
+        EXPECT_EXIT(runReading([&] { signalParent(number); }), ExitedWithCode(kExitInterrupted),
+                    kInterrupted);
+    }
+}
+
+TEST(ChildProcessDeathTest, WithNohupAClosedTerminalHasNoEffect) {
+    std::signal(SIGHUP, SIG_IGN);
+    EXPECT_EXIT(run([] {
+                    sleep(1);
+                    kill(getppid(), SIGHUP);
+                    sleep(1);
+                }),
+                ExitedWithCode(0), "^$");
+    std::signal(SIGHUP, SIG_DFL);
+}
+
+TEST(ChildProcessDeathTest, WhatMustNotBeInterruptedIsDoneBefore) {
+    EXPECT_EXIT(run([] {
+                    program::withoutInterrupt([] {
+                        sleep(1);
+                        kill(getppid(), SIGINT);
+                        sleep(1);
+                        std::fputs("done\n", stderr);
+                    });
+                    std::fputs("too far\n", stderr);
+                }),
+                ExitedWithCode(kExitInterrupted), "^done\nqel: error: interrupted\n$");
+}
+
+TEST(ChildProcessDeathTest, UnfinishedOutputIsRemovedHoweverTheChildEnds) {
+    const fs::path folder = fs::temp_directory_path() / "qel-test-unfinished";
+    for (const int number : {SIGTERM, SIGSEGV, SIGKILL}) {
+        fs::create_directories(folder / "pieces");
         EXPECT_EXIT(run([&] {
-                        std::signal(number, [](int) { std::_Exit(7); });
-                        sleep(1); // until the parent waits
-                        kill(getppid(), number);
-                        sleep(60);
+                        program::removeAtKill(folder.string());
+                        crash(number);
                     }),
-                    ExitedWithCode(7), "^$");
+                    KilledBySignal(number), "^$");
+        EXPECT_FALSE(fs::exists(folder)) << number;
     }
 }
 

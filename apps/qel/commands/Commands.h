@@ -10,7 +10,7 @@
 namespace program {
 
 /// Add a command to the program's; it runs when it is parsed.
-/// @throws UserError, Interrupted  when it runs
+/// @throws UserError  when it runs
 void addVortexCommand(CLI::App& program);
 void addCurveCommand(CLI::App& program);
 void addNearestCommand(CLI::App& program);

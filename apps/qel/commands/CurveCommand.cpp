@@ -6,12 +6,11 @@
 
 #include <qel/QELException.h>
 
-#include "console/Interrupts.h"
 #include "console/Messages.h"
 #include "console/Progress.h"
 #include "console/Text.h"
 #include "curves/CurveOperations.h"
-#include "pictures/CurvePicture.h"
+#include "pictures/Pictures.h"
 #include "reading/CurveReading.h"
 #include "writing/CurveWriting.h"
 
@@ -41,7 +40,6 @@ struct CurveOptions {
 
 void applySteps(NamedCurve& curve, const CurveOptions& options) {
     for (const auto& [name, step] : options.steps) {
-        throwIfInterrupted();
         try {
             step(curve);
         } catch (const qel::Error& error) {

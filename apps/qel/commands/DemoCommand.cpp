@@ -9,7 +9,6 @@
 #include <vtkImageData.h>
 #include <vtkNew.h>
 
-#include "console/Interrupts.h"
 #include "console/Messages.h"
 #include "console/Text.h"
 #include "writing/CurveWriting.h"
@@ -60,7 +59,6 @@ constexpr double kViscosity = 0.012;
 constexpr double kShearSpeed = 1.0; // half the difference across the layer
 constexpr double kShearWidth = 0.25;
 constexpr double kShearPlace = -2.0; // y of its middle
-constexpr vtkIdType kPointsPerInterruptCheck = 10000;
 
 // Two vortices of opposite sense above a layer of shear with a tanh profile. In each plane of z
 // they are Burgers vortices (1948), whose swirl is G / (2 pi r) (1 - exp(-a r^2 / (4 nu))). Place
@@ -95,9 +93,6 @@ vtkSmartPointer<vtkImageData> demoFlow(int size) {
     velocity->SetNumberOfComponents(3);
     velocity->SetNumberOfTuples(flow->GetNumberOfPoints());
     for (vtkIdType i = 0; i < flow->GetNumberOfPoints(); ++i) {
-        if (i % kPointsPerInterruptCheck == 0) {
-            throwIfInterrupted();
-        }
         const double* p = flow->GetPoint(i);
         const Point u = velocityAt({p[0], p[1], p[2]});
         velocity->SetTuple3(i, u.x, u.y, u.z);

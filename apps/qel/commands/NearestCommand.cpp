@@ -7,7 +7,6 @@
 
 #include <qel/QuadtreeBucket.h>
 
-#include "console/Interrupts.h"
 #include "console/Messages.h"
 #include "console/Progress.h"
 #include "console/Text.h"
@@ -27,8 +26,8 @@ Examples:
   qel nearest cities.json track.gpx
 )";
 
-constexpr int kDigits = 9; // every float comes back as it was
-constexpr std::size_t kQueriesPerInterruptCheck = 10000;
+constexpr int kDigits = 9;                       // every float comes back as it was
+constexpr std::size_t kQueriesPerUpdate = 10000; // of the bar
 
 struct NearestOptions {
     std::string cloud;
@@ -68,8 +67,7 @@ void runNearest(const NearestOptions& options) {
         const auto& found = cloud[nearest];
         table << query.x << "," << query.y << "," << nearest << "," << found.x << "," << found.y
               << "," << std::hypot(double{query.x} - found.x, double{query.y} - found.y) << "\n";
-        if (i % kQueriesPerInterruptCheck == 0) {
-            throwIfInterrupted();
+        if (i % kQueriesPerUpdate == 0) {
             bar.show(static_cast<double>(i) / static_cast<double>(queries.size()));
         }
     }

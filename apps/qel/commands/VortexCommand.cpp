@@ -1,16 +1,14 @@
 // qel vortex
 #include "commands/Commands.h"
 
-#include <algorithm>
 #include <chrono>
 #include <iostream>
-#include <iterator>
 #include <memory>
 
 #include "console/Messages.h"
 #include "console/Text.h"
 #include "flows/FlowAnalysis.h"
-#include "pictures/VortexPicture.h"
+#include "pictures/Pictures.h"
 #include "reading/FlowReading.h"
 #include "writing/FlowWriting.h"
 #include "writing/StagedOutput.h"
@@ -94,14 +92,6 @@ void writeStatistics(const FlowAnalysis& analysis, const Fields& fields,
     std::cout << (target == "-" ? asCsv(wanted) : asTable(wanted)) << std::flush;
 }
 
-// The fields of the one set that are not in the other.
-Fields difference(const Fields& one, const Fields& other) {
-    Fields result;
-    std::set_difference(one.begin(), one.end(), other.begin(), other.end(),
-                        std::inserter(result, result.end()));
-    return result;
-}
-
 // Tells how long each stage took, if asked to.
 struct Stopwatch {
     using Clock = std::chrono::steady_clock;
@@ -141,16 +131,14 @@ void runVortex(const VortexOptions& options) {
     watch.show("analysis", analysis.analysisTime);
     watch.endStage("both and statistics");
 
-    const auto dataWithout = [&](const Fields& others) {
-        return withoutFields(analysis.data, velocity.association, others);
-    };
     if (!output.empty()) {
-        writeFlow(dataWithout(difference(computed, fields)), output);
+        writeFlow(dataWith(fields, analysis, velocity.association), output);
         watch.endStage("writing");
     }
     writeStatistics(analysis, fields, options.stats);
     if (!options.image.empty()) {
-        analysis.data = dataWithout(difference(computed, drawn)); // frees memory for the picture
+        // Frees memory for the picture.
+        analysis.data = dataWith(drawn, analysis, velocity.association);
         drawVortices(analysis.data, velocity.association, choice, options.image);
         watch.endStage("picture");
     }

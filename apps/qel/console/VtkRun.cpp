@@ -1,4 +1,4 @@
-// VTK's work, with progress, interrupts, and its messages as errors of this program.
+// VTK's work, with progress, and its messages as errors of this program.
 #include "console/VtkRun.h"
 
 #include <algorithm>
@@ -12,7 +12,6 @@
 #include <vtkOutputWindow.h>
 #include <vtksys/RegularExpression.hxx>
 
-#include "console/Interrupts.h"
 #include "console/Messages.h"
 #include "console/Progress.h"
 
@@ -65,11 +64,8 @@ KeptMessages& messages() {
     return *kept;
 }
 
-void onProgress(vtkObject* caller, unsigned long, void* bar, void* share) {
+void onProgress(vtkObject*, unsigned long, void* bar, void* share) {
     static_cast<ProgressBar*>(bar)->show(*static_cast<double*>(share));
-    if (isInterrupted()) {
-        vtkAlgorithm::SafeDownCast(caller)->SetAbortExecute(1);
-    }
 }
 
 } // namespace
@@ -84,7 +80,6 @@ const std::vector<std::string>& vtkWarnings() {
 }
 
 void run(vtkAlgorithm* algorithm, const std::string& what, const std::function<void()>& work) {
-    throwIfInterrupted();
     messages().errors.clear();
     messages().warnings.clear();
     ProgressBar bar(what);
@@ -92,16 +87,11 @@ void run(vtkAlgorithm* algorithm, const std::string& what, const std::function<v
     observer->SetClientData(&bar);
     observer->SetCallback(onProgress);
     algorithm->AddObserver(vtkCommand::ProgressEvent, observer);
-    work();
+    work != nullptr ? work() : algorithm->Update();
     algorithm->RemoveObserver(observer);
-    throwIfInterrupted();
     if (!messages().errors.empty()) {
         refuse(what, ": ", messages().errors.front());
     }
-}
-
-void run(vtkAlgorithm* algorithm, const std::string& what) {
-    run(algorithm, what, [algorithm] { algorithm->Update(); });
 }
 
 } // namespace program

@@ -1,5 +1,5 @@
 #pragma once
-// VTK's work, with progress, interrupts, and its messages as errors of this program.
+// VTK's work, with progress, and its messages as errors of this program.
 
 #include <functional>
 #include <string>
@@ -15,14 +15,11 @@ void keepVtkMessages();
 /// Warnings of the last run, each as one line without VTK's file and object names.
 const std::vector<std::string>& vtkWarnings();
 
-/// Updates a VTK algorithm under a progress bar; Ctrl-C aborts it.
+/// Updates a VTK algorithm, or does some other work with it, under a progress bar.
 ///
 /// @param what  the work in words, such as "reading a.vtu"
 /// @throws UserError    with what and VTK's first message, if VTK reports an error
-/// @throws Interrupted  if the user stopped it
-void run(vtkAlgorithm* algorithm, const std::string& what);
-
-/// Does some other work with the algorithm under the same conditions.
-void run(vtkAlgorithm* algorithm, const std::string& what, const std::function<void()>& work);
+void run(vtkAlgorithm* algorithm, const std::string& what,
+         const std::function<void()>& work = nullptr);
 
 } // namespace program

@@ -1,13 +1,19 @@
-// The vortex filter over all data sets of a flow solution.
+// The vortex filter over all data sets of a flow solution, and statistics of its fields.
 #include "flows/FlowAnalysis.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numeric>
 
 #include <vtkDataSetAttributes.h>
+#include <vtkFloatArray.h>
 #include <vtkNew.h>
 #include <vtkQELVortexFilter.h>
 
 #include "console/Messages.h"
+#include "console/Text.h"
 #include "console/VtkRun.h"
 
 namespace program {
@@ -102,15 +108,63 @@ FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const Fields
     return result;
 }
 
-vtkSmartPointer<vtkDataObject> withoutFields(vtkDataObject* data, int association,
-                                             const Fields& fields) {
-    return changeLeaves(data, [&](const Leaf& leaf) {
+vtkSmartPointer<vtkDataObject> dataWith(const Fields& wanted, const FlowAnalysis& analysis,
+                                        int association) {
+    return changeLeaves(analysis.data, [&](const Leaf& leaf) {
         auto copy = shallowCopy(leaf.data);
-        for (const Field field : fields) {
-            copy->GetAttributes(association)->RemoveArray(vtkQELVortex::info(field).array);
+        for (const auto& computed : analysis.statistics) {
+            if (wanted.count(computed.first) == 0) {
+                copy->GetAttributes(association)
+                    ->RemoveArray(vtkQELVortex::info(computed.first).array);
+            }
         }
         return copy;
     });
+}
+
+void Statistics::add(vtkDataArray* array) {
+    auto* floats = vtkFloatArray::FastDownCast(array);
+    const int components = floats == nullptr ? 0 : floats->GetNumberOfComponents();
+    for (vtkIdType i = 0; floats != nullptr && i < floats->GetNumberOfTuples(); ++i) {
+        const float* value = floats->GetPointer(i * components);
+        ++total;
+        if (!std::all_of(value, value + components, [](float x) {
+                return std::isfinite(x) && x != std::numeric_limits<float>::max();
+            })) {
+            continue;
+        }
+        const double squares = std::inner_product(value, value + components, value, 0.0,
+                                                  std::plus<>(), std::multiplies<double>());
+        const double measure = components == 1 ? double{value[0]} : std::sqrt(squares);
+        minimum = valid == 0 ? measure : std::min(minimum, measure);
+        maximum = valid == 0 ? measure : std::max(maximum, measure);
+        sum += measure;
+        ++valid;
+    }
+}
+
+std::string asTable(const std::vector<Statistics>& all) {
+    std::string text = formatted("%-26s %-6s %14s %14s %14s %12s %12s\n", "field", "unit",
+                                 "minimum", "maximum", "mean", "valid", "undefined");
+    for (const Statistics& one : all) {
+        text += formatted("%-26s %-6s ", one.name.c_str(), one.unit.c_str());
+        text += one.valid == 0
+                    ? formatted("%14s %14s %14s", "-", "-", "-")
+                    : formatted("%14.6g %14.6g %14.6g", one.minimum, one.maximum, one.mean());
+        text += formatted(" %12lld %12lld\n", one.valid, one.total - one.valid);
+    }
+    return text;
+}
+
+std::string asCsv(const std::vector<Statistics>& all) {
+    std::string text = "field,unit,minimum,maximum,mean,valid,undefined\n";
+    for (const Statistics& one : all) {
+        text += one.name + "," + one.unit + ",";
+        text += one.valid == 0 ? ",,"
+                               : formatted("%.9g,%.9g,%.9g", one.minimum, one.maximum, one.mean());
+        text += formatted(",%lld,%lld\n", one.valid, one.total - one.valid);
+    }
+    return text;
 }
 
 } // namespace program

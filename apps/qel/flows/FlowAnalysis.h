@@ -1,15 +1,39 @@
 #pragma once
-// The vortex filter over all data sets of a flow solution.
+// The vortex filter over all data sets of a flow solution, and statistics of its fields.
 
 #include <map>
 #include <set>
+#include <string>
+#include <vector>
 
 #include <vtkQELVortexFields.h>
 
-#include "flows/Statistics.h"
 #include "flows/VelocityFinder.h"
 
 namespace program {
+
+/// Of the values of a field that are finite and not the undefined marker; of the magnitudes of
+/// vectors.
+struct Statistics {
+    std::string name;
+    std::string unit;
+    double minimum = 0.0;
+    double maximum = 0.0;
+    double sum = 0.0;
+    long long valid = 0;
+    long long total = 0;
+
+    double mean() const { return sum / static_cast<double>(valid); }
+
+    /// Adds the values of a float array.
+    void add(vtkDataArray* array);
+};
+
+/// For people, in columns.
+std::string asTable(const std::vector<Statistics>& all);
+/// For programs: a header and one line for each field, in full precision; nothing between the
+/// commas where a field has no valid value.
+std::string asCsv(const std::vector<Statistics>& all);
 
 using Fields = std::set<vtkQELVortex::Field>;
 
@@ -25,8 +49,8 @@ struct FlowAnalysis {
 /// @throws UserError  if no data set can be analysed
 FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const Fields& fields);
 
-/// The data without some fields of the filter.
-vtkSmartPointer<vtkDataObject> withoutFields(vtkDataObject* data, int association,
-                                             const Fields& fields);
+/// The data with no more than some of the fields that were added.
+vtkSmartPointer<vtkDataObject> dataWith(const Fields& wanted, const FlowAnalysis& analysis,
+                                        int association);
 
 } // namespace program

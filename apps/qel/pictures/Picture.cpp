@@ -1,17 +1,34 @@
-// A picture of surfaces and lines with axes, a colour bar and a title.
+// A picture that VTK draws off screen: surfaces and lines with axes and a colour bar, or a chart.
 #include "pictures/Picture.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <X11/Xlib.h>
 #include <vtkCamera.h>
+#include <vtkContext2D.h>
+#include <vtkContextActor.h>
 #include <vtkCubeAxesActor.h>
+#include <vtkPNGWriter.h>
 #include <vtkPolyDataMapper.h>
 #include <vtkProperty.h>
+#include <vtkSVGContextDevice2D.h>
 #include <vtkScalarBarActor.h>
 #include <vtkTextActor.h>
 #include <vtkTextProperty.h>
+#include <vtkUnsignedCharArray.h>
+#include <vtkWindowToImageFilter.h>
+#include <vtkXMLDataElement.h>
 
-#include "pictures/Rendering.h"
+#include "console/Messages.h"
+#include "console/Text.h"
+#include "console/VtkRun.h"
+#include "writing/StagedOutput.h"
 
 namespace program {
 namespace {
@@ -25,10 +42,40 @@ void setStyle(vtkTextProperty* style, int size) {
     style->ShadowOff();
 }
 
+bool displayAnswers() {
+    Display* display = XOpenDisplay(nullptr);
+    if (display != nullptr) {
+        XCloseDisplay(display);
+    }
+    return display != nullptr;
+}
+
+// Has xvfb-run start a display around a command that tells which one it is, and then waits until
+// the other end of a pipe is closed. That is with the end of this program, however it comes.
+bool startDisplay() {
+    int lifeline[2] = {-1, -1};
+    const int result = pipe2(lifeline, O_CLOEXEC);
+    const std::string command =
+        "exec setsid xvfb-run -a -s '-screen 0 1920x1200x24 -noreset' sh -c '"
+        "echo $DISPLAY $XAUTHORITY; read end </dev/fd/" +
+        std::to_string(dup(lifeline[0])) + "' 2>/dev/null"; // the copy is inherited
+    static FILE* answer = popen(command.c_str(), "re");
+    std::array<char, 64> display{};
+    std::array<char, 256> authority{};
+    if (result != 0 || answer == nullptr ||
+        std::fscanf(answer, "%63s %255s", display.data(), authority.data()) != 2) {
+        return false;
+    }
+    setenv("DISPLAY", display.data(), 1);
+    setenv("XAUTHORITY", authority.data(), 1);
+    return displayAnswers();
+}
+
 } // namespace
 
-Picture::Picture(const vtkBoundingBox& bounds) : bounds_(bounds) {
+Picture::Picture() {
     renderer_->SetBackground(1.0, 1.0, 1.0);
+    window_->SetSize(kPictureWidth, kPictureHeight);
     window_->SetMultiSamples(8);
     window_->AddRenderer(renderer_);
 }
@@ -96,11 +143,19 @@ void Picture::addTitle(const std::string& text) {
     renderer_->AddActor2D(title);
 }
 
-void Picture::addAxes(int flatAxis) {
-    double bounds[6];
-    bounds_.GetBounds(bounds);
+void Picture::addChart(vtkChartXY* chart) {
+    vtkNew<vtkContextActor> actor;
+    scene_->AddItem(chart);
+    actor->SetScene(scene_);
+    renderer_->AddActor(actor);
+    window_->SetMultiSamples(0); // they blur letters
+}
+
+void Picture::addAxes(const vtkBoundingBox& bounds, int flatAxis) {
+    double sides[6];
+    bounds.GetBounds(sides);
     vtkNew<vtkCubeAxesActor> axes;
-    axes->SetBounds(bounds);
+    axes->SetBounds(sides);
     axes->SetCamera(renderer_->GetActiveCamera());
     axes->SetXTitle("x");
     axes->SetYTitle("y");
@@ -124,50 +179,89 @@ void Picture::addAxes(int flatAxis) {
 
 // -- The view of it ----
 
-void Picture::lookFrom(const double direction[3]) {
+void Picture::lookFrom(const double direction[3], const vtkBoundingBox& bounds) {
     double middle[3];
-    double bounds[6];
-    bounds_.GetCenter(middle);
-    bounds_.GetBounds(bounds);
+    double sides[6];
+    bounds.GetCenter(middle);
+    bounds.GetBounds(sides);
     vtkCamera* camera = renderer_->GetActiveCamera();
     camera->SetFocalPoint(middle);
     camera->SetPosition(middle[0] + direction[0], middle[1] + direction[1],
                         middle[2] + direction[2]);
-    renderer_->ResetCamera(bounds);
+    camera->SetWindowCenter(0.1, 0.0); // the colour bar stands on the right
+    renderer_->ResetCamera(sides);
 }
 
-void Picture::drawSpace(const fs::path& target) {
-    const double size = bounds_.GetDiagonalLength();
+void Picture::viewSpace(const vtkBoundingBox& bounds) {
+    const double size = bounds.GetDiagonalLength();
     const double direction[3] = {0.55 * size, -1.0 * size, 0.6 * size};
     renderer_->GetActiveCamera()->SetViewUp(0.0, 0.0, 1.0);
-    lookFrom(direction);
+    lookFrom(direction, bounds);
     renderer_->GetActiveCamera()->Zoom(0.95);
-    addAxes(-1);
-    draw(target);
+    addAxes(bounds, -1);
 }
 
-void Picture::drawPlane(const fs::path& target) {
+void Picture::viewPlane(const vtkBoundingBox& bounds) {
     double extents[3];
-    bounds_.GetLengths(extents);
+    bounds.GetLengths(extents);
     const auto normal = static_cast<int>(std::min_element(extents, extents + 3) - extents);
     const int across = normal == 0 ? 1 : 0;
     const int up = normal == 2 ? 1 : 2;
     double direction[3] = {0.0, 0.0, 0.0};
-    direction[normal] = (normal == 1 ? -1.0 : 1.0) * bounds_.GetDiagonalLength();
+    direction[normal] = (normal == 1 ? -1.0 : 1.0) * bounds.GetDiagonalLength();
     vtkCamera* camera = renderer_->GetActiveCamera();
     camera->SetViewUp(0.0, up == 1 ? 1.0 : 0.0, up == 2 ? 1.0 : 0.0);
     camera->ParallelProjectionOn();
-    lookFrom(direction);
+    lookFrom(direction, bounds);
     const double aspect = 0.68 * kPictureWidth / kPictureHeight; // room for bar and labels
     camera->SetParallelScale(0.5 * std::max(1.3 * extents[up], extents[across] / aspect));
-    addAxes(normal);
-    draw(target);
+    addAxes(bounds, normal);
 }
 
-void Picture::draw(const fs::path& target) {
-    renderer_->GetActiveCamera()->SetWindowCenter(0.1, 0.0); // the colour bar stands on the right
+// -- Files ----
+
+void Picture::drawPng(const fs::path& target) {
+    refuseIf(!displayAnswers() && !startDisplay(),
+             "no picture can be drawn: there is no X display, and xvfb-run, which would start one, "
+             "is missing or fails (install the package xvfb)");
+    window_->SetOffScreenRendering(1);
     renderer_->ResetCameraClippingRange();
-    renderToPng(window_, target);
+    vtkNew<vtkWindowToImageFilter> image;
+    image->SetInput(window_);
+    image->ReadFrontBufferOff();
+    StagedOutput staged(target);
+    vtkNew<vtkPNGWriter> writer;
+    writer->SetInputConnection(image->GetOutputPort());
+    writer->SetFileName(staged.path().c_str());
+    run(writer, "drawing " + target.string(), [&] { writer->Write(); });
+    staged.commit();
+}
+
+void Picture::drawSvg(const fs::path& target, const std::string& description) {
+    vtkNew<vtkXMLDataElement> definitions;
+    definitions->SetName("defs");
+    vtkNew<vtkXMLDataElement> drawing;
+    drawing->SetName("g");
+    drawing->SetAttribute("fill", "none");
+    drawing->SetAttribute("stroke-linejoin", "round");
+    vtkNew<vtkSVGContextDevice2D> device; // letters become outlines, the same everywhere
+    device->SetSVGContext(drawing, definitions);
+    vtkNew<vtkContext2D> painter;
+    device->Begin(renderer_);
+    painter->Begin(device);
+    scene_->SetGeometry(window_->GetSize());
+    scene_->Paint(painter);
+    painter->End();
+    device->GenerateDefinitions();
+    std::ostringstream file;
+    file << R"(<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" )"
+         << formatted(R"(width="%d" height="%d">)", kPictureWidth, kPictureHeight) << "\n<desc>"
+         << description << "</desc>\n"
+         << R"(<rect width="100%" height="100%" fill="white"/>)"
+         << "\n";
+    definitions->PrintXML(file, vtkIndent());
+    drawing->PrintXML(file, vtkIndent());
+    writeText(target, file.str() + "</svg>\n");
 }
 
 } // namespace program

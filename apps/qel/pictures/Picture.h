@@ -1,11 +1,13 @@
 #pragma once
-// A picture of surfaces and lines with axes, a colour bar and a title.
+// A picture that VTK draws off screen: surfaces and lines with axes and a colour bar, or a chart.
 
 #include <filesystem>
 #include <string>
 
 #include <vtkActor.h>
 #include <vtkBoundingBox.h>
+#include <vtkChartXY.h>
+#include <vtkContextScene.h>
 #include <vtkNew.h>
 #include <vtkPolyData.h>
 #include <vtkRenderWindow.h>
@@ -15,11 +17,13 @@
 namespace program {
 namespace fs = std::filesystem;
 
-/// Things are added, then all is drawn once: in space, seen from aslant, or as the plane that the
-/// bounds are flat in, seen from the front.
+constexpr int kPictureWidth = 1400;
+constexpr int kPictureHeight = 900;
+
+/// Things are added, the view of things in space is chosen, then all is drawn once.
 class Picture {
 public:
-    explicit Picture(const vtkBoundingBox& bounds);
+    Picture();
 
     void addLines(vtkPolyData* lines);
     /// Grey, and seen through.
@@ -30,18 +34,30 @@ public:
                      bool lit);
     void addColourBar(vtkScalarsToColors* colours, const std::string& title);
     void addTitle(const std::string& text);
+    void addChart(vtkChartXY* chart);
 
-    void drawSpace(const fs::path& target);
-    void drawPlane(const fs::path& target);
+    /// Adds axes about the bounds, and looks at them from aslant.
+    void viewSpace(const vtkBoundingBox& bounds);
+    /// Adds axes, and looks from the front at the plane that the bounds are flat in.
+    void viewPlane(const vtkBoundingBox& bounds);
+
+    /// Draws all into a PNG file.
+    ///
+    /// VTK of the distributions draws through X alone, and ends the program where there is no
+    /// display. Without one, xvfb-run starts one that lasts until the program ends.
+    /// @throws UserError  if it cannot be drawn or written
+    void drawPng(const fs::path& target);
+    /// Draws charts alone into an SVG file, which takes no display.
+    /// @throws UserError  if it cannot be written
+    void drawSvg(const fs::path& target, const std::string& description);
 
 private:
     vtkActor* add(vtkPolyData* data, double grey);
     /// @param flatAxis  the one that is not drawn in a plane; -1 in space
-    void addAxes(int flatAxis);
-    void lookFrom(const double direction[3]);
-    void draw(const fs::path& target);
+    void addAxes(const vtkBoundingBox& bounds, int flatAxis);
+    void lookFrom(const double direction[3], const vtkBoundingBox& bounds);
 
-    vtkBoundingBox bounds_;
+    vtkNew<vtkContextScene> scene_; // of charts
     vtkNew<vtkRenderer> renderer_;
     vtkNew<vtkRenderWindow> window_;
 };

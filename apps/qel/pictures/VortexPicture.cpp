@@ -1,5 +1,5 @@
 // The picture of the vortices in a flow.
-#include "pictures/VortexPicture.h"
+#include "pictures/Pictures.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,7 +11,6 @@
 #include <vtkDiscretizableColorTransferFunction.h>
 #include <vtkFeatureEdges.h>
 #include <vtkFloatArray.h>
-#include <vtkOutlineFilter.h>
 #include <vtkPointData.h>
 #include <vtkStructuredGridOutlineFilter.h>
 #include <vtkThreshold.h>
@@ -41,8 +40,8 @@ std::string number(double value) {
     return formatted("%.4g", value + 0.0); // no minus before a zero
 }
 
-std::string nameWithUnit(Field field) {
-    return joined(vtkQELVortex::info(field).array, " [", vtkQELVortex::info(field).unit, "]");
+std::string nameWithUnit(const FieldInfo& field) {
+    return joined(field.array, " [", field.unit, "]");
 }
 
 // -- Shapes ----
@@ -59,13 +58,10 @@ vtkSmartPointer<vtkPolyData> surfaceOf(vtkDataSet* data) {
     return outputOf(vtkNew<vtkDataSetSurfaceFilter>().Get(), data, "surface");
 }
 
-// The edges of a block if the data are structured, otherwise the open and the sharp edges.
+// The edges of a block if the data are curvilinear, otherwise the open and the sharp edges.
 vtkSmartPointer<vtkPolyData> outlineOf(vtkDataSet* data) {
     if (data->IsA("vtkStructuredGrid") != 0) {
         return outputOf(vtkNew<vtkStructuredGridOutlineFilter>().Get(), data, "outline");
-    }
-    if (data->IsA("vtkImageData") != 0 || data->IsA("vtkRectilinearGrid") != 0) {
-        return outputOf(vtkNew<vtkOutlineFilter>().Get(), data, "outline");
     }
     vtkNew<vtkFeatureEdges> edges;
     edges->SetFeatureAngle(kSharpAngle);
@@ -217,7 +213,7 @@ void addSurfaces(const Scene& scene, const PictureChoice& choice, Picture& pictu
     for (const Leaf& leaf : scene.others) {
         picture.addWall(surfaceOf(leaf.data));
     }
-    picture.addColourBar(colours, nameWithUnit(choice.colour));
+    picture.addColourBar(colours, nameWithUnit(vtkQELVortex::info(choice.colour)));
     picture.addTitle(joined("Iso-surface ", field.array, " = ", number(value), " ", field.unit,
                             ", coloured by ", colour));
 }
@@ -241,7 +237,7 @@ void addContours(const Scene& scene, const PictureChoice& choice, Picture& pictu
     for (const Leaf& leaf : scene.others) {
         picture.addLines(surfaceOf(leaf.data));
     }
-    picture.addColourBar(colours, nameWithUnit(choice.field));
+    picture.addColourBar(colours, nameWithUnit(field));
     picture.addTitle(joined("Contours of ", field.array, ", ", field.formula));
 }
 
@@ -270,13 +266,14 @@ void drawVortices(vtkDataObject* flow, int association, const PictureChoice& cho
                   const fs::path& target) {
     const Scene scene = sceneOf(flow, association, choice);
     refuseIf(scene.pieces.empty(), "there is nothing to draw");
-    Picture picture(scene.bounds);
+    Picture picture;
     const bool space = scene.dimension == 3;
     space ? addSurfaces(scene, choice, picture) : addContours(scene, choice, picture);
     for (const Leaf& leaf : scene.analysed) {
         picture.addLines(outlineOf(leaf.data)); // over the contours
     }
-    space ? picture.drawSpace(target) : picture.drawPlane(target);
+    space ? picture.viewSpace(scene.bounds) : picture.viewPlane(scene.bounds);
+    picture.drawPng(target);
 }
 
 } // namespace program

@@ -4,8 +4,9 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <map>
 #include <numeric>
-#include <set>
+#include <optional>
 
 #include <vtkDataSetSurfaceFilter.h>
 #include <vtkDoubleArray.h>
@@ -27,27 +28,30 @@ namespace {
 using Words = std::vector<std::string>;
 using Columns = std::vector<std::size_t>;
 
-constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-
 // -- Columns of text files ----
 
-std::size_t columnOf(const TextTable& table, const std::string& name) {
-    const auto found =
-        std::find_if(table.header.begin(), table.header.end(),
-                     [&](const std::string& word) { return lower(word) == lower(name); });
-    return found == table.header.end() ? kNone
-                                       : static_cast<std::size_t>(found - table.header.begin());
+// Those of the names that are there.
+Columns columnsOf(const TextTable& table, const Words& names) {
+    Columns columns;
+    for (const std::string& name : names) {
+        const auto found = std::find_if(table.header.begin(), table.header.end(),
+                                        [&](const auto& word) { return lower(word) == name; });
+        if (found != table.header.end()) {
+            columns.push_back(static_cast<std::size_t>(found - table.header.begin()));
+        }
+    }
+    return columns;
 }
 
+// By its name or by its place, from 1 on.
 std::size_t wantedColumn(const TextTable& table, const std::string& wanted,
                          const std::string& path) {
-    std::size_t column = columnOf(table, wanted);
-    if (column == kNone && !wanted.empty() && wanted.size() < 6 &&
-        wanted.find_first_not_of("0123456789") == std::string::npos) {
-        column = std::stoul(wanted) - 1; // column 0 becomes none
-    }
-    refuseIf(column >= table.rows.front().size(), path, " has no column ", wanted);
-    return column;
+    const Columns named = columnsOf(table, {lower(wanted)});
+    const double place = asNumber(wanted).value_or(0.0);
+    const bool isPlace = place >= 1.0 && place == std::floor(place) &&
+                         place <= static_cast<double>(table.rows.front().size());
+    refuseIf(named.empty() && !isPlace, path, " has no column ", wanted);
+    return named.empty() ? static_cast<std::size_t>(place) - 1 : named.front();
 }
 
 // The columns of x, y and z: those asked for, those with such names, or the first ones.
@@ -57,24 +61,16 @@ Columns coordinateColumns(const TextTable& table, const Words& wanted, const std
     for (const std::string& name : wanted) {
         columns.push_back(wantedColumn(table, name, path));
     }
-    if (!columns.empty()) {
-        return columns;
+    for (const Words& names :
+         {Words{"x", "y", "z"}, Words{"lon", "lat"}, Words{"longitude", "latitude"},
+          Words{"points:0", "points:1", "points:2"}}) {
+        const Columns named = columnsOf(table, names);
+        columns = columns.empty() && named.size() >= 2 ? named : columns;
     }
-    static const std::array<Words, 4> kNames{Words{"x", "y", "z"}, Words{"lon", "lat"},
-                                             Words{"longitude", "latitude"},
-                                             Words{"points:0", "points:1", "points:2"}};
-    for (const Words& names : kNames) {
-        for (const std::string& name : names) {
-            columns.push_back(columnOf(table, name));
-        }
-        columns.erase(std::find(columns.begin(), columns.end(), kNone), columns.end());
-        if (columns.size() >= 2) {
-            return columns;
-        }
-        columns.clear();
+    if (columns.empty()) {
+        columns.resize(std::min<std::size_t>(table.rows.front().size(), 3));
+        std::iota(columns.begin(), columns.end(), 0);
     }
-    columns.resize(std::min<std::size_t>(table.rows.front().size(), 3));
-    std::iota(columns.begin(), columns.end(), 0);
     return columns;
 }
 
@@ -83,24 +79,27 @@ Columns coordinateColumns(const TextTable& table, const Words& wanted, const std
 std::vector<Polyline> polylinesOf(const TextTable& table, const Words& wanted,
                                   const std::string& path) {
     const Columns coordinates = coordinateColumns(table, wanted, path);
-    const std::size_t number = columnOf(table, "curve");
+    const Columns numbers = columnsOf(table, {"curve"});
+    Columns known = columnsOf(table, {"curve", "s"});
+    known.insert(known.end(), coordinates.begin(), coordinates.end());
     Polyline empty;
     empty.name = table.title;
     empty.planar = coordinates.size() < 3;
     Columns others;
     for (std::size_t i = 0; i < table.rows.front().size(); ++i) {
-        if (std::count(coordinates.begin(), coordinates.end(), i) == 0 && i != number &&
-            i != columnOf(table, "s")) {
+        if (std::count(known.begin(), known.end(), i) == 0) {
             others.push_back(i);
             empty.columns.push_back(
                 {table.header.empty() ? "column " + std::to_string(i + 1) : table.header[i], {}});
         }
     }
-    std::vector<Polyline> polylines{empty};
-    const std::vector<double>* before = nullptr;
+    std::vector<Polyline> polylines;
+    std::optional<double> number;
     for (const std::vector<double>& row : table.rows) {
-        if (number != kNone && before != nullptr && (*before)[number] != row[number]) {
+        const double own = numbers.empty() ? 0.0 : row[numbers.front()];
+        if (number != own) {
             polylines.push_back(empty);
+            number = own;
         }
         Point point;
         for (std::size_t i = 0; i < coordinates.size(); ++i) {
@@ -110,7 +109,6 @@ std::vector<Polyline> polylinesOf(const TextTable& table, const Words& wanted,
         for (std::size_t i = 0; i < others.size(); ++i) {
             polylines.back().columns[i].second.push_back(row[others[i]]);
         }
-        before = &row;
     }
     return polylines;
 }
@@ -165,25 +163,27 @@ void addCurves(const Leaf& leaf, Curves& curves) {
     }
 }
 
+void addCurves(const std::vector<Polyline>& polylines, const std::string& path, Curves& curves) {
+    for (const Polyline& polyline : polylines) {
+        if (polyline.points.size() >= 2) {
+            curves.push_back(curveOf(polyline));
+        }
+    }
+    if (curves.size() < polylines.size()) {
+        warn(path, ": ", polylines.size() - curves.size(),
+             " lines of fewer than two points are left out");
+    }
+}
+
 Curves allCurves(const InputFile& file, const Words& columns) {
     Curves curves;
-    std::size_t tooShort = 0;
     if (file.isVtk()) {
         const auto data = readFlow(file, std::nullopt);
         for (const Leaf& leaf : leavesOf(data)) {
             addCurves(leaf, curves);
         }
     } else {
-        for (const Polyline& polyline : readPolylines(file, columns)) {
-            if (polyline.points.size() >= 2) {
-                curves.push_back(curveOf(polyline));
-            } else {
-                ++tooShort;
-            }
-        }
-    }
-    if (tooShort > 0) {
-        warn(file.path, ": ", tooShort, " lines of fewer than two points are left out");
+        addCurves(readPolylines(file, columns), file.path, curves);
     }
     refuseIf(curves.empty(), file.path, " has no curve of at least two points");
     for (std::size_t i = 0; i < curves.size(); ++i) {
@@ -204,27 +204,23 @@ void checkFinite(const Points& points, const std::string& of) {
 }
 
 // Writers need the same point data on all curves.
-void keepCommonData(Curves& curves, const std::string& path) {
-    std::set<std::string> dropped;
+void keepCommonData(const Curves& curves, const std::string& path) {
+    std::map<std::pair<std::string, int>, std::size_t> counts; // by name and components
     for (const NamedCurve& curve : curves) {
         for (int i = 0; i < curve.data->GetNumberOfArrays(); ++i) {
             vtkDataArray* array = curve.data->GetArray(i);
-            const bool common =
-                array == nullptr || array->GetName() == nullptr ||
-                std::all_of(curves.begin(), curves.end(), [&](const NamedCurve& other) {
-                    vtkDataArray* its = other.data->GetArray(array->GetName());
-                    return its != nullptr &&
-                           its->GetNumberOfComponents() == array->GetNumberOfComponents();
-                });
-            if (!common) {
-                dropped.insert(array->GetName());
+            if (array != nullptr && array->GetName() != nullptr) {
+                ++counts[{array->GetName(), array->GetNumberOfComponents()}];
             }
         }
     }
-    for (const std::string& name : dropped) {
-        warn(path, ": the point data ", name, " are not on all curves and are left out");
-        for (const NamedCurve& curve : curves) {
-            curve.data->RemoveArray(name.c_str());
+    for (const auto& [array, count] : counts) {
+        const std::string& name = array.first;
+        if (count < curves.size()) {
+            warn(path, ": the point data ", name, " are not on all curves and are left out");
+            for (const NamedCurve& curve : curves) {
+                curve.data->RemoveArray(name.c_str());
+            }
         }
     }
 }

@@ -65,24 +65,18 @@ std::array<vtkIdType, 256> minimumPoints() {
 
 // The faces of a polyhedron stand in one list: how many, and for each how many points, and which.
 bool hasFaces(vtkIdTypeArray* list, vtkIdType at, vtkIdType points) {
-    const vtkIdType size = list->GetNumberOfTuples();
-    const auto valueBelow = [&](vtkIdType limit) {
-        return at >= 0 && at < size && list->GetValue(at) >= 0 && list->GetValue(at) < limit;
+    bool whole = true;
+    const auto next = [&](vtkIdType limit) {
+        whole = whole && at >= 0 && at < list->GetNumberOfTuples() && list->GetValue(at) >= 0 &&
+                list->GetValue(at) < limit;
+        return whole ? list->GetValue(at++) : 0;
     };
-    if (!valueBelow(size)) {
-        return false;
-    }
-    for (vtkIdType faces = list->GetValue(at++); faces > 0; --faces) {
-        if (!valueBelow(size - at)) {
-            return false;
-        }
-        for (vtkIdType corners = list->GetValue(at++); corners > 0; --corners, ++at) {
-            if (!valueBelow(points)) {
-                return false;
-            }
+    for (vtkIdType faces = next(VTK_ID_MAX); whole && faces > 0; --faces) {
+        for (vtkIdType corners = next(VTK_ID_MAX); whole && corners > 0; --corners) {
+            next(points);
         }
     }
-    return true;
+    return whole;
 }
 
 bool hasCells(vtkUnstructuredGrid* grid) {

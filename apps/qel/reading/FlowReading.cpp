@@ -1,16 +1,38 @@
-// Reading of flow solutions.
+// Reading of flow solutions, each kind by VTK's reader for it.
 #include "reading/FlowReading.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
+#include <map>
 #include <utility>
 
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <netcdf.h>
+#include <netcdf_mem.h>
+#include <vtkCGNSReader.h>
 #include <vtkCompositeDataSet.h>
+#include <vtkExodusIIReader.h>
+#include <vtkGenericDataObjectReader.h>
+#include <vtkGenericEnSightReader.h>
 #include <vtkInformation.h>
 #include <vtkMultiBlockDataSet.h>
+#include <vtkNew.h>
+#include <vtkPDataSetReader.h>
+#include <vtkPOpenFOAMReader.h>
 #include <vtkStreamingDemandDrivenPipeline.h>
+#include <vtkXMLGenericDataObjectReader.h>
+#include <vtkXMLUniformGridAMRReader.h>
+#include <vtk_cgns.h>
 #include <vtk_pugixml.h>
+
+// clang-format off
+#include VTK_CGNS(cgnslib.h)
+// clang-format on
 
 #include "console/ChildProcess.h"
 #include "console/Messages.h"
@@ -18,13 +40,158 @@
 #include "console/VtkRun.h"
 #include "flows/Leaves.h"
 #include "reading/DataCheck.h"
-#include "reading/FlowReaders.h"
+#include "reading/Plot3d.h"
 
 namespace program {
 namespace fs = std::filesystem;
 namespace {
 
 using Data = vtkSmartPointer<vtkDataObject>;
+using Reader = vtkSmartPointer<vtkAlgorithm>;
+
+// -- Readers that are set up to read everything in a file ----
+
+template <typename VtkReader>
+vtkSmartPointer<VtkReader> readerOf(const std::string& path) {
+    auto reader = vtkSmartPointer<VtkReader>::New();
+    reader->SetFileName(path.c_str());
+    return reader;
+}
+
+Reader xmlReader(const std::string& path) {
+    bool parallel = false;
+    const int type =
+        vtkNew<vtkXMLGenericDataObjectReader>()->ReadOutputType(path.c_str(), parallel);
+    auto reader = vtkXMLGenericDataObjectReader::CreateReader(type, parallel);
+    refuseIf(reader == nullptr, path, ": VTK files of this type are not read");
+    if (auto* levels = vtkXMLUniformGridAMRReader::SafeDownCast(reader)) {
+        levels->SetMaximumLevelsToReadByDefault(0); // all
+    }
+    reader->SetFileName(path.c_str());
+    return reader;
+}
+
+Reader legacyReader(const std::string& path) {
+    const auto reader = readerOf<vtkGenericDataObjectReader>(path);
+    reader->ReadAllScalarsOn();
+    reader->ReadAllVectorsOn();
+    reader->ReadAllNormalsOn();
+    reader->ReadAllTensorsOn();
+    reader->ReadAllFieldsOn();
+    return reader;
+}
+
+Reader piecesReader(const std::string& path) {
+    return readerOf<vtkPDataSetReader>(path);
+}
+
+Reader ensightReader(const std::string& path) {
+    auto reader = vtkSmartPointer<vtkGenericEnSightReader>::New();
+    reader->SetCaseFileName(path.c_str());
+    reader->ReadAllVariablesOn();
+    return reader;
+}
+
+Reader foamReader(const std::string& path) {
+    const bool isFolder = fs::is_directory(path);
+    const fs::path folder = isFolder ? fs::path(path) : fs::path(path).parent_path();
+    const auto reader =
+        readerOf<vtkPOpenFOAMReader>(isFolder ? (folder / "case.foam").string() : path);
+    reader->SetCaseType(fs::is_directory(folder / "processor0")
+                            ? vtkPOpenFOAMReader::DECOMPOSED_CASE
+                            : vtkPOpenFOAMReader::RECONSTRUCTED_CASE);
+    reader->SkipZeroTimeOff();
+    reader->UpdateInformation();
+    reader->EnableAllCellArrays();
+    reader->EnableAllPointArrays();
+    return reader;
+}
+
+Reader exodusReader(const std::string& path) {
+    const auto reader = readerOf<vtkExodusIIReader>(path);
+    refuseIf(reader->CanReadFile(path.c_str()) == 0, path, " is damaged or no Exodus file");
+    reader->UpdateInformation();
+    reader->SetAllArrayStatus(vtkExodusIIReader::NODAL, 1);
+    reader->SetAllArrayStatus(vtkExodusIIReader::ELEM_BLOCK, 1);
+    return reader;
+}
+
+bool hasLastValue(int file, int variable) {
+    int axes = 0;
+    std::array<int, NC_MAX_VAR_DIMS> dimensions{};
+    nc_inq_var(file, variable, nullptr, nullptr, &axes, dimensions.data(), nullptr);
+    std::vector<std::size_t> last(static_cast<std::size_t>(axes));
+    for (std::size_t axis = 0; axis < last.size(); ++axis) {
+        nc_inq_dimlen(file, dimensions[axis], &last[axis]);
+        if (last[axis]-- == 0) {
+            return true; // there is no value
+        }
+    }
+    double value = 0.0; // as large as the largest type
+    return nc_get_var1(file, variable, last.data(), &value) == NC_NOERR;
+}
+
+// Whether a file in a classic format of netCDF is as long as its header says. From one on disk the
+// library reads zeros beyond the end, but not from one in memory, where the file is mapped.
+bool isWholeNetcdf(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const auto size = static_cast<std::size_t>(fs::file_size(path));
+    void* bytes = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, descriptor, 0);
+    close(descriptor);
+    int file = 0;
+    int count = 0;
+    bool whole = bytes != MAP_FAILED &&
+                 nc_open_mem(path.c_str(), NC_NOWRITE, size, bytes, &file) == NC_NOERR;
+    if (whole) {
+        nc_inq_nvars(file, &count);
+        for (int variable = 0; whole && variable < count; ++variable) {
+            whole = hasLastValue(file, variable);
+        }
+        nc_close(file);
+    }
+    munmap(bytes, size);
+    return whole;
+}
+
+Reader classicExodusReader(const std::string& path) {
+    refuseIf(!isWholeNetcdf(path), path, " is damaged: it ends too early");
+    return exodusReader(path);
+}
+
+Reader cgnsReader(const std::string& path) {
+    int file = 0;
+    // VTK's reader ends the program where a file cannot be opened.
+    const bool opened = cg_open(path.c_str(), CG_MODE_READ, &file) == CG_OK;
+    refuseIf(!opened, path, " is damaged or no CGNS file: ", cg_get_error());
+    cg_close(file);
+    const auto reader = readerOf<vtkCGNSReader>(path);
+    reader->UpdateInformation();
+    reader->EnableAllBases();
+    reader->EnableAllFamilies();
+    reader->EnableAllPointArrays();
+    reader->EnableAllCellArrays();
+    return reader;
+}
+
+Reader makeReader(const InputFile& file) {
+    static const std::map<FileKind, Reader (*)(const std::string&)> kMakers{
+        {FileKind::xmlVtk, xmlReader},
+        {FileKind::legacyVtk, legacyReader},
+        {FileKind::partitionedLegacyVtk, piecesReader},
+        {FileKind::ensight, ensightReader},
+        {FileKind::openFoam, foamReader},
+        {FileKind::exodus, exodusReader},
+        {FileKind::classicExodus, classicExodusReader},
+        {FileKind::cgns, cgnsReader},
+    };
+    const auto maker = kMakers.find(file.kind);
+    refuseIf(maker == kMakers.end(), file.path,
+             " is no flow solution that can be read, or is damaged (to a PLOT3D grid, name its "
+             "solution file as well)");
+    return maker->second(file.path);
+}
+
+// -- Reading by them ----
 
 // Picks the time step on a reader that has some; the one it would take otherwise may be the first.
 void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
@@ -50,9 +217,8 @@ void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
     information->Set(vtkStreamingDemandDrivenPipeline::UPDATE_TIME_STEP(), *chosen);
 }
 
-using Make = std::function<vtkSmartPointer<vtkAlgorithm>()>;
-
-Data readBy(const Make& make, const std::string& path, std::optional<double> time) {
+Data readBy(const std::function<Reader()>& make, const std::string& path,
+            std::optional<double> time) {
     Data data;
     whileReading(path, [&] {
         const auto reader = make();

@@ -2,9 +2,11 @@
 #include "reading/InputFile.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "console/Messages.h"
 
@@ -43,21 +45,17 @@ FileKind kindOf(const std::string& path, const std::string& head) {
     if (hdf5 || starts("CDF")) {
         return hdf5 ? FileKind::exodus : FileKind::classicExodus;
     }
-    // VTK's files may hold binary data behind a first part of text.
-    if (starts("# vtk DataFile")) {
-        return FileKind::legacyVtk;
-    }
-    if (has("<VTKFile")) {
-        return FileKind::xmlVtk;
-    }
-    if (has("pvtk-")) {
-        return FileKind::partitionedLegacyVtk;
-    }
-    if (has("FORMAT") && has("ensight")) {
-        return FileKind::ensight;
-    }
-    if (has("<gpx")) {
-        return FileKind::gpx;
+    // These may hold binary data behind a first part of text.
+    const std::array<std::pair<bool, FileKind>, 5> marked{
+        {{starts("# vtk DataFile"), FileKind::legacyVtk},
+         {has("<VTKFile"), FileKind::xmlVtk},
+         {has("pvtk-"), FileKind::partitionedLegacyVtk},
+         {has("FORMAT") && has("ensight"), FileKind::ensight},
+         {has("<gpx"), FileKind::gpx}}};
+    for (const auto& [isOfKind, kind] : marked) {
+        if (isOfKind) {
+            return kind;
+        }
     }
     const auto isNoText = [](unsigned char c) { return c < 0x20 && std::isspace(c) == 0; };
     if (std::any_of(head.begin(), head.end(), isNoText)) {

@@ -3,7 +3,7 @@
 // A grid in text starts with the number of blocks (if it can hold several) and the dimensions of
 // each; the count of all numbers is then fixed by the layout. So each layout is tried, and the one
 // that gives the count is taken.
-#include "reading/FlowReaders.h"
+#include "reading/Plot3d.h"
 
 #include <cctype>
 #include <fstream>

@@ -81,17 +81,17 @@ void writeLegacy(const Curves& curves, const fs::path& target) {
 }
 
 void writeExport(const Curves& curves, const fs::path& target) {
-    StagedOutput part(target);
+    StagedOutput staged(target);
     std::ostringstream all;
     for (const NamedCurve& curve : curves) {
         try {
-            curve.curve.exportToFile(part.path());
+            curve.curve.exportToFile(staged.path());
         } catch (const qel::Error&) {
             refuse("cannot write ", target.string(), ": the disk may be full");
         }
-        all << (&curve == &curves.front() ? "" : "\n") << std::ifstream(part.path()).rdbuf();
+        all << (&curve == &curves.front() ? "" : "\n") << std::ifstream(staged.path()).rdbuf();
     }
-    writeText(target, all.str());
+    staged.commit(all.str());
 }
 
 using Writer = void (*)(const Curves&, const fs::path&);

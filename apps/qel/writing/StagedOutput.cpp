@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "console/ChildProcess.h"
 #include "console/Messages.h"
 
 namespace program {
@@ -55,11 +56,13 @@ StagedOutput::StagedOutput(const fs::path& target) : target_(withoutLinks(target
     const bool made = mkdtemp(name.data()) != nullptr;
     failIf(!made, target_, std::strerror(errno));
     folder_ = name;
+    removeAtKill(fs::absolute(folder_).string());
 }
 
 StagedOutput::~StagedOutput() {
     std::error_code ignored;
     fs::remove_all(folder_, ignored);
+    removeAtKill("");
 }
 
 void StagedOutput::commit() {
@@ -69,9 +72,11 @@ void StagedOutput::commit() {
         // The named file last: it refers to the others.
         std::partition(files.begin(), files.end(),
                        [this](const fs::path& file) { return file != path(); });
-        for (const fs::path& file : files) {
-            moveOver(file, folderOf(target_) / file.filename());
-        }
+        withoutInterrupt([&] {
+            for (const fs::path& file : files) {
+                moveOver(file, folderOf(target_) / file.filename());
+            }
+        });
     } catch (const fs::filesystem_error& error) {
         failIf(true, target_, error.code().message());
     }
@@ -103,13 +108,16 @@ void checkPieceFolder(const fs::path& folder) {
              ": there is something else of that name");
 }
 
-void writeText(const fs::path& target, const std::string& text) {
-    StagedOutput staged(target);
-    std::ofstream file(staged.path(), std::ios::binary);
+void StagedOutput::commit(const std::string& text) {
+    std::ofstream file(path(), std::ios::binary);
     file << text << std::flush;
-    failIf(!file, target, std::strerror(errno));
+    failIf(!file, target_, std::strerror(errno));
     file.close();
-    staged.commit();
+    commit();
+}
+
+void writeText(const fs::path& target, const std::string& text) {
+    StagedOutput(target).commit(text);
 }
 
 } // namespace program

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 ///
 /// Without commit() nothing is left, and a file that was there before stays as it is. A writer that
 /// makes more files beside path(), or a folder of pieces, has them moved as well. A link is written
-/// through.
+/// through. One at a time is removed where the program is interrupted.
 class StagedOutput {
 public:
     /// @throws UserError  if the folder is not there or cannot be written
@@ -29,6 +29,8 @@ public:
 
     /// @throws UserError  if there is no file to move or it cannot be moved
     void commit();
+    /// Writes the file itself, as a text.
+    void commit(const std::string& text);
 
 private:
     fs::path target_;

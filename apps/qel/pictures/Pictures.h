@@ -1,5 +1,5 @@
 #pragma once
-// The picture of the vortices in a flow.
+// The pictures of curves and of flows.
 
 #include <filesystem>
 #include <optional>
@@ -9,10 +9,20 @@
 
 #include <vtkQELVortexFields.h>
 
+#include "curves/Curves.h"
+
 namespace program {
 namespace fs = std::filesystem;
 
-/// What the picture shows.
+/// Draws the curves in the plane of their two longest extents, both in the same scale, into a PNG
+/// or SVG file.
+/// @throws UserError  if they are too large to draw, or there is nothing to draw on
+void drawCurves(const Curves& before, const Curves& after, const fs::path& target);
+
+/// @throws UserError  if the ending is neither .png nor .svg, or the file cannot be made
+void checkCurvePicture(const fs::path& target);
+
+/// What the picture of a flow shows.
 struct PictureChoice {
     vtkQELVortex::Field field = vtkQELVortex::Lambda2;
     vtkQELVortex::Field colour = vtkQELVortex::SwirlStrength;
