@@ -201,8 +201,45 @@ TEST_F(CurveCommand, SimplifyPrintsTheKeptIndices) {
     const auto run = qel("curve in.csv --simplify 3 -o result.csv");
     EXPECT_NE(run.out.find("in: kept 3 of 5 points: 0 2 4"), std::string::npos) << run.out;
     EXPECT_EQ(rows(text("result.csv")).size(), 3U);
-    // The point that brings the rest within the tolerance is kept as well.
-    EXPECT_NE(qel("curve in.csv --simplify 5,0.5").out.find("kept 4 of 5"), std::string::npos);
+}
+
+TEST_F(CurveCommand, SimplifyKeepsToTheTolerance) {
+    // Off the line from (0,0) to (2,1), (1,0.1) stands by 0.36.
+    write("in.csv", "x,y\n0,0\n1,0.1\n2,1\n3,0.1\n4,0\n");
+    for (const std::string step : {"--simplify 5,0.4", "--simplify 3,0.4", "--simplify-to 0.4"}) {
+        EXPECT_NE(qel("curve in.csv " + step).out.find("kept 3 of 5 points: 0 2 4"),
+                  std::string::npos)
+            << step;
+    }
+    EXPECT_NE(qel("curve in.csv --simplify-to 0.3").out.find("kept 5 of 5"), std::string::npos);
+    const auto few = qel("curve in.csv --simplify 3,0.3");
+    EXPECT_EQ(few.status, 0);
+    EXPECT_NE(few.out.find("kept 3 of 5"), std::string::npos) << few.out;
+    EXPECT_NE(few.err.find("warning: in: 3 points leave an error of 0.3577"), std::string::npos)
+        << few.err;
+    expectRefused("curve in.csv --simplify-to -1", "the tolerance -1 is below zero");
+    expectRefused("curve in.csv --simplify 3,-1", "the tolerance -1 is below zero");
+}
+
+TEST_F(CurveCommand, SimplifyLeavesClosedLinesClosed) {
+    write("in.csv", "x,y,t\n0,0,1\n1,0,2\n2,0,3\n2,2,4\n0,2,5\n0,0,6\n");
+    EXPECT_NE(qel("curve in.csv --simplify-to 0.1 -o out.csv").out.find("6 points: 0 2 3 4 5"),
+              std::string::npos);
+    const Rows kept = rows(text("out.csv"));
+    ASSERT_EQ(kept.size(), 5U);
+    EXPECT_EQ(kept[1][firstData], 3.0);
+    EXPECT_NE(qel("curve in.csv --simplify-to 1e9").out.find("kept 4 of 6"), std::string::npos);
+    EXPECT_NE(qel("curve in.csv --simplify 4").out.find("kept 4 of 6"), std::string::npos);
+    expectRefused("curve in.csv --simplify 3", "in, --simplify: ");
+}
+
+// The nearest vertex of the duct is the tip of its upper wall, the nearest place is on the lower.
+TEST_F(CurveCommand, ProjectsToTheNearestPlaceOfAllEdges) {
+    write("duct.csv", "x,y\n0,0\n10,0\n10,2\n6,2\n5,1\n4,2\n0,2\n");
+    write("probe.csv", "x,y\n5,0.4\n");
+    const auto run = qel("curve duct.csv --project probe.csv");
+    EXPECT_NE(run.out.find("\n5,0.4,0,5,0,0,0.2"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find(",0.4\n"), std::string::npos) << run.out;
 }
 
 TEST_F(CurveCommand, ProjectsIntersectsAndPrints) {

@@ -24,7 +24,7 @@ operation that changes the points. Point data are carried along by s.
 
 Examples:
   qel curve naca0012.dat --unique --resample 200 -o fine.csv --image fine.svg
-  qel curve coastline.json --simplify 100,0.1 -o coarse.vtp
+  qel curve coastline.json --simplify-to 0.1 -o coarse.vtp
   qel curve slice.vtp --curve 1 --cut 0.25 0.75 --reverse -o piece.vtp
   qel curve blade.csv --columns z,r,theta --rotate 0,0,0 0,0,1 30 --print
   qel curve section.dat --project probes.csv

@@ -8,6 +8,10 @@
 #include <iostream>
 #include <memory>
 #include <numeric>
+#include <optional>
+
+#include <qel/CurveLocator.h>
+#include <qel/CurveSimplification.h>
 
 #include "console/Messages.h"
 #include "console/Progress.h"
@@ -153,24 +157,60 @@ Step extend(const Words& words) {
     return moving([fraction](Curve& curve) { curve.expandCurveBothEnds(fraction); });
 }
 
+// Keeps the points that an index list names, and prints it.
+Step keeping(const std::function<std::vector<std::size_t>(const NamedCurve&)>& choose) {
+    return [choose](NamedCurve& curve) {
+        const Points before = curve.curve.getCurve();
+        Points after;
+        Ids ids;
+        for (const std::size_t id : choose(curve)) {
+            after.push_back(before[id]);
+            ids.push_back(static_cast<vtkIdType>(id));
+        }
+        out() << curve.name << ": kept " << ids.size() << " of " << before.size() << " points:";
+        for (const vtkIdType id : ids) {
+            std::cout << " " << id;
+        }
+        std::cout << std::endl;
+        curve.curve.setPoints(after, curve.curve.getDimension());
+        select(curve, ids);
+    };
+}
+
+double toleranceOf(const std::string& word) {
+    const double tolerance = numberOf(word);
+    refuseIf(tolerance < 0.0, "the tolerance ", word, " is below zero");
+    return tolerance;
+}
+
 Step simplify(const Words& words) {
     const Words parts = splitAt(',', words[0]);
     refuseIf(parts.size() > 2, "\"", words[0],
              "\" is no number of points, nor one with a tolerance");
-    const int count = countOf(parts[0]);
-    const double tolerance = parts.size() == 2 ? numberOf(parts[1]) : 0.0;
-    refuseIf(count < 2, "--simplify keeps at least two points, not ", parts[0]);
-    return [count, tolerance](NamedCurve& curve) {
-        const std::size_t before = curve.curve.getSize();
-        std::vector<int> kept;
-        curve.curve.optimizeByNormalDistance(count, kept, tolerance);
-        out() << curve.name << ": kept " << kept.size() << " of " << before << " points:";
-        for (const int id : kept) {
-            std::cout << " " << id;
+    refuseIf(countOf(parts[0]) < 2, "--simplify keeps at least two points, not ", parts[0]);
+    const auto most = static_cast<std::size_t>(countOf(parts[0]));
+    const auto tolerance = parts.size() == 2 ? std::optional(toleranceOf(parts[1])) : std::nullopt;
+    return keeping([most, tolerance](const NamedCurve& curve) {
+        if (tolerance.has_value()) {
+            const auto kept = qel::simplifyToError(curve.curve, *tolerance);
+            if (kept.size() <= most) {
+                return kept;
+            }
         }
-        std::cout << std::endl;
-        select(curve, Ids(kept.begin(), kept.end()));
-    };
+        double error = 0.0;
+        auto kept = qel::simplifyToCount(curve.curve, most, error);
+        if (tolerance.has_value()) {
+            warn(curve.name, ": ", most, " points leave an error of ", error, ", more than ",
+                 *tolerance);
+        }
+        return kept;
+    });
+}
+
+Step simplifyTo(const Words& words) {
+    return keeping([tolerance = toleranceOf(words[0])](const NamedCurve& curve) {
+        return qel::simplifyToError(curve.curve, tolerance);
+    });
 }
 
 Step rotate(const Words& words) {
@@ -194,11 +234,11 @@ Step project(const Words& words) {
     const auto probes = std::make_shared<Points>(readPoints(words[0], {}));
     return [probes](NamedCurve& curve) {
         out() << "# " << curve.name << "\nx,y,z,foot_x,foot_y,foot_z,s,distance\n";
+        const qel::CurveLocator locator(curve.curve);
         for (const Point& probe : *probes) {
-            double s = 0.0;
-            const Point foot = curve.curve.projectPoint(probe, s);
-            std::cout << text(probe) << "," << text(foot)
-                      << formatted(",%.12g,%.12g\n", s, (probe - foot).length());
+            const qel::CurveLocation place = locator.locate(probe);
+            std::cout << text(probe) << "," << text(place.foot)
+                      << formatted(",%.12g,%.12g\n", place.s, place.distance);
         }
         std::cout << std::flush;
     };
@@ -241,8 +281,13 @@ const std::vector<CurveOperation>& curveOperations() {
         {"--cut", 2, "S0 S1", "Keep the piece between two values of s", cut},
         {"--extend", 1, "F", "Move both ends outward by F times the length", extend},
         {"--simplify", 1, "N[,TOL]",
-         "Keep at most N points, fewer where all lie within TOL; prints the kept indices",
+         "Keep at most N points, fewer if that leaves none farther off than TOL; prints the kept "
+         "indices",
          simplify},
+        {"--simplify-to", 1, "TOL",
+         "Drop points as long as none lies farther than TOL from the lines that remain; prints the "
+         "kept indices",
+         simplifyTo},
         {"--rotate", 3, "CENTRE AXIS DEG",
          "Turn by DEG degrees about the axis (x,y,z) through a point (x,y,z)", rotate},
         {"--art", 2, "POINT DIRECTION",
