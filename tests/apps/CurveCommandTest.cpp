@@ -133,6 +133,26 @@ TEST_F(CurveCommand, ReadsGpxWithElevations) {
     EXPECT_EQ(rows[1][firstData], 750.0);
 }
 
+TEST_F(CurveCommand, TakesTheColumnsOfMapsAskedFor) {
+    write("in.gpx", R"(<gpx><trk><trkseg><trkpt lat="45" lon="14"><ele>700</ele></trkpt>
+        <trkpt lat="46" lon="15"><ele>800</ele></trkpt></trkseg></trk></gpx>)");
+    const Rows track = result("in.gpx --columns x,y,ele");
+    ASSERT_EQ(track.size(), 2U);
+    EXPECT_EQ(track[1][x], 15.0);
+    EXPECT_EQ(track[1][z], 800.0);
+    EXPECT_EQ(result("in.gpx --columns ele,2")[1][x], 800.0);
+    expectRefused("curve in.gpx --columns x,height",
+                  "in.gpx has no column height; its columns are x, y, z, ele");
+    write("in.json", R"({"type": "LineString", "coordinates": [[1, 2, 3], [4, 5, 6]]})");
+    EXPECT_EQ(result("in.json --columns z,x")[1][x], 6.0);
+    EXPECT_EQ(result("in.json --columns z,x")[1][y], 4.0);
+    EXPECT_NE(qel("nearest in.json in.json --columns z,y").out.find("\n6,5,1,6,5,0\n"),
+              std::string::npos);
+    ASSERT_EQ(qel("curve in.json -o in.vtp").status, 0);
+    expectRefused("curve in.vtp --columns z,x", "in.vtp is a VTK file: --columns is for tables");
+    expectRefused("nearest in.vtp in.json --columns z,x", "in.vtp is a VTK file");
+}
+
 TEST_F(CurveCommand, JoinsUnorderedSegments) {
     vtkNew<vtkPolyData> slice;
     vtkNew<vtkPoints> points;

@@ -120,8 +120,10 @@ void addCurveCommand(CLI::App& program) {
                         "Picture of the curve before and after: .svg or .png");
     addList("--curve", options->selection.curves,
             "Names or numbers from 1 on of the curves to take (default: all)");
-    addList("--columns", options->selection.columns,
-            "Names or numbers of the columns to take as coordinates");
+    addList(
+        "--columns", options->selection.columns,
+        "Names or numbers of the columns to take as coordinates; in GeoJSON and GPX x, y, z and "
+        "the point data");
     for (const CurveOperation& operation : curveOperations()) {
         addOperation(command, operation, options);
     }

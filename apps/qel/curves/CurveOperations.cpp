@@ -192,7 +192,7 @@ Step simplify(const Words& words) {
     const auto tolerance = parts.size() == 2 ? std::optional(toleranceOf(parts[1])) : std::nullopt;
     return keeping([most, tolerance](const NamedCurve& curve) {
         if (tolerance.has_value()) {
-            const auto kept = qel::simplifyToError(curve.curve, *tolerance);
+            auto kept = qel::simplifyToError(curve.curve, *tolerance);
             if (kept.size() <= most) {
                 return kept;
             }

@@ -50,7 +50,11 @@ std::size_t wantedColumn(const TextTable& table, const std::string& wanted,
     const double place = asNumber(wanted).value_or(0.0);
     const bool isPlace = place >= 1.0 && place == std::floor(place) &&
                          place <= static_cast<double>(table.rows.front().size());
-    refuseIf(named.empty() && !isPlace, path, " has no column ", wanted);
+    std::string names;
+    for (const std::string& name : table.header) {
+        names += (names.empty() ? "; its columns are " : ", ") + name;
+    }
+    refuseIf(named.empty() && !isPlace, path, " has no column ", wanted, names);
     return named.empty() ? static_cast<std::size_t>(place) - 1 : named.front();
 }
 
@@ -115,12 +119,38 @@ std::vector<Polyline> polylinesOf(const TextTable& table, const Words& wanted,
 
 // -- All kinds ----
 
+TextTable tableOf(const Polyline& polyline) {
+    TextTable table{polyline.name, {"x", "y", "z"}, {}};
+    for (const auto& column : polyline.columns) {
+        table.header.push_back(column.first);
+    }
+    for (std::size_t i = 0; i < polyline.points.size(); ++i) {
+        const Point& p = polyline.points[i];
+        table.rows.push_back({p.x, p.y, p.z});
+        for (const auto& column : polyline.columns) {
+            table.rows.back().push_back(column.second[i]);
+        }
+    }
+    return table;
+}
+
+// Takes other columns for coordinates, if they are asked for.
+std::vector<Polyline> withColumns(std::vector<Polyline> polylines, const Words& wanted,
+                                  const std::string& path) {
+    for (Polyline& polyline : polylines) {
+        if (!wanted.empty() && !polyline.points.empty()) {
+            polyline = polylinesOf(tableOf(polyline), wanted, path).front();
+        }
+    }
+    return polylines;
+}
+
 std::vector<Polyline> readPolylines(const InputFile& file, const Words& columns) {
     if (file.kind == FileKind::json) {
-        return readGeoJson(file.path).polylines;
+        return withColumns(readGeoJson(file.path).polylines, columns, file.path);
     }
     if (file.kind == FileKind::gpx) {
-        return readGpx(file.path);
+        return withColumns(readGpx(file.path), columns, file.path);
     }
     refuseIf(file.kind != FileKind::text, file.path, " is no file of curves that can be read");
     std::vector<Polyline> polylines;
@@ -129,6 +159,15 @@ std::vector<Polyline> readPolylines(const InputFile& file, const Words& columns)
         polylines.insert(polylines.end(), more.begin(), more.end());
     }
     return polylines;
+}
+
+// The leaves of VTK's data, which have no columns.
+std::vector<Leaf> readLeaves(const InputFile& file, const Words& columns,
+                             vtkSmartPointer<vtkDataObject>& data) {
+    refuseIf(!columns.empty(), file.path,
+             " is a VTK file: --columns is for tables, GeoJSON and GPX");
+    data = readFlow(file, std::nullopt);
+    return leavesOf(data);
 }
 
 NamedCurve curveOf(const Polyline& polyline) {
@@ -178,8 +217,8 @@ void addCurves(const std::vector<Polyline>& polylines, const std::string& path, 
 Curves allCurves(const InputFile& file, const Words& columns) {
     Curves curves;
     if (file.isVtk()) {
-        const auto data = readFlow(file, std::nullopt);
-        for (const Leaf& leaf : leavesOf(data)) {
+        vtkSmartPointer<vtkDataObject> data;
+        for (const Leaf& leaf : readLeaves(file, columns, data)) {
             addCurves(leaf, curves);
         }
     } else {
@@ -251,17 +290,20 @@ Points readPoints(const std::string& path, const std::vector<std::string>& colum
     const InputFile file = recognise(path);
     Points points;
     if (file.isVtk()) {
-        const auto data = readFlow(file, std::nullopt);
-        for (const Leaf& leaf : leavesOf(data)) {
+        vtkSmartPointer<vtkDataObject> data;
+        for (const Leaf& leaf : readLeaves(file, columns, data)) {
             for (vtkIdType i = 0; i < leaf.data->GetNumberOfPoints(); ++i) {
                 const double* p = leaf.data->GetPoint(i);
                 points.emplace_back(p[0], p[1], p[2]);
             }
         }
-    } else if (file.kind == FileKind::json) {
-        points = readGeoJson(path).points;
     } else {
-        for (const Polyline& polyline : readPolylines(file, columns)) {
+        Polyline all;
+        if (file.kind == FileKind::json) {
+            all.points = readGeoJson(path).points;
+        }
+        for (const Polyline& polyline : all.points.empty() ? readPolylines(file, columns)
+                                                           : withColumns({all}, columns, path)) {
             points.insert(points.end(), polyline.points.begin(), polyline.points.end());
         }
     }

@@ -7,7 +7,8 @@ namespace program {
 
 /// What to take from a file of curves.
 struct CurveSelection {
-    /// Names or numbers of the columns that are coordinates, of a text file.
+    /// Names or numbers of the columns that are coordinates. Those of GeoJSON and GPX are x, y, z
+    /// and the point data; VTK data have none.
     std::vector<std::string> columns;
     /// Names or numbers, from 1 on, of the curves; all if empty.
     std::vector<std::string> curves;
