@@ -24,18 +24,29 @@
 namespace qel_benchmark {
 namespace {
 
-// The distance of the nearest place, all edges one after the other.
-double distanceByLoop(const Points& points, const Point& q) {
+// The nearest place, all edges one after the other.
+qel::CurveLocation locateByLoop(const Points& points, const Values& svalues, const Point& q) {
+    qel::CurveLocation place;
     double least = HUGE_VAL;
+    double along = 0.0;
     for (std::size_t i = 0; i + 1 < points.size(); ++i) {
         const Point e = points[i + 1] - points[i];
         const double length2 = e.dot(e);
         const double t = length2 > 0.0 ? (q - points[i]).dot(e) / length2 : 0.0;
         const Point foot = t > 0.0 ? (t >= 1.0 ? points[i + 1] : points[i] + e * t) : points[i];
         const Point d = q - foot;
-        least = std::fmin(least, d.dot(d));
+        const double d2 = d.dot(d);
+        if (d2 < least) {
+            least = d2;
+            along = std::fmax(0.0, std::fmin(t, 1.0));
+            place.foot = foot;
+            place.edge = static_cast<std::int64_t>(i);
+        }
     }
-    return std::sqrt(least);
+    const auto edge = static_cast<std::size_t>(place.edge);
+    place.s = svalues[edge] + (svalues[edge + 1] - svalues[edge]) * along;
+    place.distance = std::sqrt(least);
+    return place;
 }
 
 #if defined(QEL_BENCHMARK_HAS_CGAL)
@@ -128,8 +139,12 @@ void locateMany(Row& row, const CurveInput& in) {
     out.distance = distances;
     row.add(kLibrary, [&] { locator.locate(probes, out); });
     row.add(kPlain, [&] {
-        for (const Point& q : probes) {
-            keep(distanceByLoop(in.points, q));
+        for (std::size_t i = 0; i < probes.size(); ++i) {
+            const qel::CurveLocation place = locateByLoop(in.points, in.svalues(), probes[i]);
+            feet[i] = place.foot;
+            svalues[i] = place.s;
+            edges[i] = place.edge;
+            distances[i] = place.distance;
         }
     });
 #if defined(QEL_BENCHMARK_HAS_CGAL)
@@ -158,7 +173,7 @@ void locateOne(Row& row, const CurveInput& in) {
     const qel::CurveLocator locator(in.points);
     std::size_t i = 0, j = 0;
     row.add(kLibrary, [&] { keep(locator.locate(probes[i++ % kProbes])); });
-    row.add(kPlain, [&] { keep(distanceByLoop(in.points, probes[j++ % kProbes])); });
+    row.add(kPlain, [&] { keep(locateByLoop(in.points, in.svalues(), probes[j++ % kProbes])); });
     row.setItems(1);
     row.measure();
 }

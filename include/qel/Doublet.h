@@ -19,7 +19,7 @@ namespace qel {
 /// Mixed precision, which results elsewhere depend on to the last bit: sums and products of
 /// components are formed in float and widened only when they are returned; a scaled component is
 /// formed in double and rounded. Nothing here throws: degenerate input gives what IEEE arithmetic
-/// gives.
+/// gives. Const members may be called on one object from many threads.
 class QEL_API Doublet {
 public:
     float x = 0.0f;

@@ -21,8 +21,11 @@ namespace qel {
 ///
 /// A value that equals the largest finite float is undefined: it prints as UNDEF and does not
 /// count in the statistics. A NaN counts. Statistics are computed when asked for, from the start
-/// each time, and kept until they expire: what expires them is stated with each kind. Not safe for
-/// concurrent use of one object, not even of the const statistics.
+/// each time, and kept until they expire: what expires them is stated with each kind.
+///
+/// Threads: getMin(), getMax(), getSum() and getNvalid() write what they compute and may not be
+/// called concurrently, unless one of them has been called since the statistics expired. The kinds
+/// say which of the others may.
 class QEL_API FloatQELVector {
 public:
     /// Walks over the values with a stride counted in floats.

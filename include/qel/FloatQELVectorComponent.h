@@ -21,6 +21,9 @@ namespace qel {
 /// Access by index, for reading too, and resizing expire the statistics of the triplet array and
 /// leave the view's own in force, on purpose: after writing through the view, call
 /// invalidateCache() before asking it for statistics.
+///
+/// Threads: of the const members size() and empty() alone may be called on one view, or on several
+/// of one triplet array, from many threads.
 class QEL_API FloatQELVectorComponent : public FloatQELVector {
 public:
     /// @param component  0 is x, 1 is y, 2 is z; any other is refused when the first element is
@@ -37,6 +40,9 @@ public:
     bool empty() const { return triplets_.empty(); }
     Iterator Begin() override;
     Iterator End() override;
+    /// The same, for range-based loops.
+    Iterator begin() { return Begin(); }
+    Iterator end() { return End(); }
 
     using FloatQELVector::dbprint;
     void dbprint() const override;

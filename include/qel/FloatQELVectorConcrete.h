@@ -5,6 +5,7 @@
 /// The array that owns its floats.
 
 #include <cstddef>
+#include <initializer_list>
 #include <vector>
 
 #include <qel/Export.h>
@@ -19,7 +20,9 @@ namespace qel {
 ///     float mean = pressure.getSum() / static_cast<float>(pressure.getNvalid());
 ///
 /// Every operation that changes it or gives write access by index expires the statistics before it
-/// acts, except redefine() from a QELVector. Copies take values and statistics.
+/// acts, except redefine() from a QELVector. Copies and moves take values and statistics.
+///
+/// Threads: the const members but the statistics may be called on one array from many threads.
 class QEL_API FloatQELVectorConcrete : public FloatQELVector {
 public:
     using iterator = std::vector<float>::iterator;
@@ -30,6 +33,10 @@ public:
     FloatQELVectorConcrete();
     FloatQELVectorConcrete(const FloatQELVectorConcrete&);
     FloatQELVectorConcrete& operator=(const FloatQELVectorConcrete&);
+    /// The source is left empty, its statistics expired.
+    FloatQELVectorConcrete(FloatQELVectorConcrete&& other) noexcept;
+    FloatQELVectorConcrete& operator=(FloatQELVectorConcrete&& other) noexcept;
+    FloatQELVectorConcrete(std::initializer_list<float> values);
     /// @throws data::invalid  if p_list is null
     FloatQELVectorConcrete(const float* p_list, std::size_t n);
     /// Not explicit: a plain array of floats is one of these.

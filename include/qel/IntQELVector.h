@@ -19,7 +19,8 @@ namespace qel {
 #pragma GCC diagnostic ignored "-Woverloaded-virtual"
 #endif
 
-/// A QELVector<int> whose length can be changed through virtual operations.
+/// A QELVector<int> whose length can be changed through virtual operations. Const members may be
+/// called on one array from many threads.
 class QEL_API IntQELVector : public QELVector<int> {
 public:
     IntQELVector();
@@ -27,6 +28,9 @@ public:
     explicit IntQELVector(std::size_t n);
     IntQELVector(const IntQELVector&);
     IntQELVector& operator=(const IntQELVector&);
+    /// The source is left empty.
+    IntQELVector(IntQELVector&&) noexcept;
+    IntQELVector& operator=(IntQELVector&&) noexcept;
     ~IntQELVector() override;
 
     /// New elements are 0.

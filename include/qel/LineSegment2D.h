@@ -18,7 +18,8 @@ namespace qel {
 ///     across.intersectWithLimits(LineSegment2D(Doublet(1, -1), Doublet(1, 1)), t); // t = 0.5
 ///
 /// The parameter t is 0 at the start and 1 at the end; beyond them it runs on along the carrying
-/// line. Nothing here throws: degenerate input gives what IEEE arithmetic gives, or false.
+/// line. Nothing here throws: degenerate input gives what IEEE arithmetic gives, or false. Const
+/// members may be called on one object from many threads.
 class QEL_API LineSegment2D {
 public:
     /// How far beyond either end, in lengths of the segment, intersectWithLimits accepts.

@@ -8,7 +8,7 @@
 
 namespace qel {
 
-/// Numerical helpers; static functions only.
+/// Numerical helpers: static functions without state, which many threads may call.
 class QEL_API NumericalUtils {
 public:
     // -- Machine spacing ----

@@ -5,7 +5,10 @@
 /// Polylines with a parameter along them.
 
 #include <cstddef>
+#include <initializer_list>
+#include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -25,8 +28,11 @@ namespace qel {
 ///     auto foot = curve.projectPoint(probe, s); // nearest place, and its s
 ///
 /// A value type; coordinates are in the caller's unit. Float triplets are widened on the way in
-/// and results narrowed on the way out; all work is done in double. Not safe for concurrent use of
-/// one object: also the const axis conversions store their axis.
+/// and results narrowed on the way out; all work is done in double.
+///
+/// Threads: const members may be called on one curve from many threads, but for convertToART0() and
+/// convertToART(), which store their axis. What printing and reports of intersections need is
+/// global.
 ///
 /// Errors are internal::error with class "ParametricCurve" and kind 4 unless a member says
 /// otherwise. A member that throws leaves the curve as it was unless it says otherwise.
@@ -69,6 +75,12 @@ public:
     ParametricCurve(const Points& points, dim dimension);
     ParametricCurve(Points&& points, dim dimension);
     ParametricCurve(const FloatPoints& points, dim dimension);
+    /// From braces: ParametricCurve curve({{0, 0, 0}, {3, 4, 0}}, ParametricCurve::dim2D);
+    ParametricCurve(std::initializer_list<Point> points, dim dimension)
+        : ParametricCurve(Points(points), dimension) {}
+    ParametricCurve(std::initializer_list<Point> points, std::initializer_list<double> svalues,
+                    dim dimension)
+        : ParametricCurve(Points(points), std::vector<double>(svalues), dimension) {}
     ParametricCurve(const FloatPoints& points, normalization norm, dim dimension);
     ParametricCurve(const Points& points, const std::vector<double>& svalues, dim dimension);
     ParametricCurve(Points&& points, std::vector<double>&& svalues, dim dimension);
@@ -91,6 +103,9 @@ public:
     void setPoints(const Points& points, dim dimension);
     void setPoints(Points&& points, dim dimension);
     void setPoints(const FloatPoints& points, dim dimension);
+    void setPoints(std::initializer_list<Point> points, dim dimension) {
+        setPoints(Points(points), dimension);
+    }
 
     /// Sets the points, with s computed from one component or from arc length and recorded as
     /// supplied. The length is not computed. O(n).
@@ -114,10 +129,19 @@ public:
     /// @throws internal::error  (method "Constructor") for fewer than two values
     void setPointsX(const std::vector<double>& values);
     void setPointsX(const std::vector<float>& values);
+    void setPointsX(std::initializer_list<double> values) {
+        setPointsX(std::vector<double>(values));
+    }
     void setPointsY(const std::vector<double>& values);
     void setPointsY(const std::vector<float>& values);
+    void setPointsY(std::initializer_list<double> values) {
+        setPointsY(std::vector<double>(values));
+    }
     void setPointsZ(const std::vector<double>& values);
     void setPointsZ(const std::vector<float>& values);
+    void setPointsZ(std::initializer_list<double> values) {
+        setPointsZ(std::vector<double>(values));
+    }
 
     /// The same with s-values kept as given; the length keeps its value.
     /// @throws internal::error  also (method "setPoints") if the counts differ or s decreases
@@ -148,6 +172,9 @@ public:
     const Point& getAxisDirection() const;
 
     const Points& getCurve() const;
+    /// The points, for range-based loops and algorithms.
+    Points::const_iterator begin() const { return getCurve().begin(); }
+    Points::const_iterator end() const { return getCurve().end(); }
     void getCurve(Points& points) const;
     const std::vector<double>& getSvalues() const;
     void getSvalues(std::vector<double>& svalues) const;
@@ -211,10 +238,18 @@ public:
     FloatPoint projectPoint(const FloatPoint& q, float& s) const;
     FloatPoint projectPoint(const FloatPoint& q, double& s) const;
     FloatPoint projectPoint(const FloatPoint& q) const;
+    /// From braces, three numbers: projectPoint({5, 4, 6}, s).
+    Point projectPoint(const double (&q)[3], double& s) const {
+        return projectPoint(Point(q[0], q[1], q[2]), s);
+    }
+    Point projectPoint(const double (&q)[3]) const { return projectPoint(Point(q[0], q[1], q[2])); }
 
     /// Index of the vertex nearest to q, the first of equally near ones. O(n), no allocation.
     int getClosestPoint(const Point& q) const;
     int getClosestPoint(const FloatPoint& q) const;
+    int getClosestPoint(const double (&q)[3]) const {
+        return getClosestPoint(Point(q[0], q[1], q[2]));
+    }
 
     /// The s-values of other points, by projection onto this curve.
     ///
@@ -273,6 +308,15 @@ public:
     ///     greater than second
     void getCurve(std::size_t first, std::size_t second, Points& points) const;
     void getCurve(std::size_t first, std::size_t second, FloatPoints& points) const;
+    /// The same for any integers; a negative one is not a point's index.
+    template <typename Index, typename = std::enable_if_t<std::is_integral<Index>::value>>
+    void getCurve(Index first, Index second, Points& points) const {
+        getCurve(static_cast<std::size_t>(first), static_cast<std::size_t>(second), points);
+    }
+    template <typename Index, typename = std::enable_if_t<std::is_integral<Index>::value>>
+    void getCurve(Index first, Index second, FloatPoints& points) const {
+        getCurve(static_cast<std::size_t>(first), static_cast<std::size_t>(second), points);
+    }
 
     /// Trims a caller's points and s-values at both ends: drops leading and trailing runs in which
     /// s does not increase, seen from the s-value nearest the middle of the range; then widens the
@@ -311,6 +355,11 @@ public:
     /// @throws internal::error  as getCurveBySvalues
     ParametricCurve* createNewCurveBySvalues(const std::vector<double>& svalues,
                                              bool keepEnds) const;
+    /// The same, owned by the pointer.
+    std::unique_ptr<ParametricCurve> makeCurveBySvalues(const std::vector<double>& svalues,
+                                                        bool keepEnds) const {
+        return std::unique_ptr<ParametricCurve>(createNewCurveBySvalues(svalues, keepEnds));
+    }
 
     /// The curve's points, with points inserted so that no step of s is longer than
     /// 1 / (count - 1); a copy of the curve for count < 2. The first s-value is 0, always. O(n)

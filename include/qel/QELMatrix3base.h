@@ -4,6 +4,7 @@
 /// @file
 /// The 3x3 matrix template.
 
+#include <ostream>
 #include <string>
 
 #include <qel/QELException.h>
@@ -14,6 +15,8 @@ namespace qel {
 ///
 ///     QELMatrix3base<float> m;
 ///     m[0][0] = m[1][1] = m[2][2] = 1.0f;
+///
+/// Const members may be called on one object from many threads.
 template <typename T>
 class QELMatrix3base {
 public:
@@ -35,6 +38,16 @@ public:
         const T* const c = values_ + 6;
         return a[0] * (b[1] * c[2] - b[2] * c[1]) - a[1] * (b[0] * c[2] - b[2] * c[0]) +
                a[2] * (b[0] * c[1] - b[1] * c[0]);
+    }
+
+    /// Writes the rows as ((a, b, c), (d, e, f), (g, h, i)) with the stream's formatting.
+    friend std::ostream& operator<<(std::ostream& os, const QELMatrix3base& m) {
+        os << "(";
+        for (int i = 0; i < 3; ++i) {
+            const T* const row = m[i];
+            os << (i == 0 ? "(" : ", (") << row[0] << ", " << row[1] << ", " << row[2] << ")";
+        }
+        return os << ")";
     }
 
 private:

@@ -4,6 +4,8 @@
 /// @file
 /// The 4x4 matrix of homogeneous transformations.
 
+#include <iosfwd>
+
 #include <qel/Export.h>
 #include <qel/QELMatrix3base.h>
 #include <qel/TripletBase.h>
@@ -18,7 +20,8 @@ namespace qel {
 ///
 /// Points are columns (x, y, z, 1): a translation stands in the fourth column. Element (3, 3) is
 /// the homogeneous weight; the matrix is homogeneous when that is exactly 1. A zero weight is not
-/// refused: it gives infinities and NaNs.
+/// refused: it gives infinities and NaNs. Const members may be called on one object from many
+/// threads.
 class QEL_API QELMatrix4 {
 public:
     // -- Building ----
@@ -79,6 +82,9 @@ QEL_API TripletBase<float> operator*(const QELMatrix4& m, const TripletBase<floa
 
 /// The product a x b.
 QEL_API QELMatrix4 operator*(const QELMatrix4& a, const QELMatrix4& b);
+
+/// Writes the rows as ((a, b, c, d), ...) with the stream's formatting.
+QEL_API std::ostream& operator<<(std::ostream& os, const QELMatrix4& m);
 
 } // namespace qel
 

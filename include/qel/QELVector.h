@@ -4,7 +4,9 @@
 /// @file
 /// The storage of every array of the library.
 
+#include <initializer_list>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 /// The standard growable array made polymorphic: it may be deleted through a base pointer, and
@@ -14,7 +16,8 @@
 ///     pressures.push_back(101325.0f);
 ///
 /// An index at or beyond the size ends the process (std::vector's assertions, which stay on in
-/// every build type); it is not an exception.
+/// every build type); it is not an exception. Const members may be called on one array from many
+/// threads.
 template <typename T>
 class QELVector : public std::vector<T> {
 public:
@@ -24,6 +27,13 @@ public:
     QELVector() = default;
     QELVector(const QELVector&) = default;
     QELVector& operator=(const QELVector&) = default;
+    /// The source is left empty.
+    QELVector(QELVector&& other) noexcept : Base(std::move(other)) {}
+    QELVector& operator=(QELVector&& other) noexcept {
+        Base::operator=(std::move(other));
+        return *this;
+    }
+    QELVector(std::initializer_list<T> values) : Base(values) {}
     virtual ~QELVector() = default;
 
     /// Appends a copy. Amortised O(1).

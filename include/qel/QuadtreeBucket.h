@@ -30,8 +30,8 @@ class NearestIndex;
 /// and within a leaf the point that comes first in the list. The limits decide nothing else: the
 /// search does not slow down where leaves are over-full.
 ///
-/// Can be moved, not copied. A query writes the state of the bucket: one bucket serves one thread
-/// at a time.
+/// Can be moved, not copied. A query is not const, as it writes what was found: one bucket serves
+/// one thread at a time. The const members may be called from many threads between queries.
 class QEL_API QuadtreeBucket {
 public:
     // -- Building ----

@@ -11,7 +11,8 @@
 
 namespace qel {
 
-/// A point and its position in the list that the tree was built from; zero when built.
+/// A point and its position in the list that the tree was built from; zero when built. May be
+/// read from many threads.
 class QEL_API QuadtreeObject {
 public:
     TripletBase<float> point;

@@ -15,7 +15,8 @@ namespace qel {
 /// A node of a bucket quadtree: a rectangle that is a leaf with points, or is cut in two halves.
 ///
 /// For those who keep or draw the tree: QuadtreeBucket finds the same points without building it.
-/// Links and points are not owned; a copy shares them. An empty leaf without links when built.
+/// Links and points are not owned; a copy shares them. An empty leaf without links when built. May
+/// be read from many threads.
 class QEL_API QuadtreeQuad {
 public:
     /// Values of splitType.

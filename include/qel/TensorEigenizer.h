@@ -35,6 +35,10 @@ namespace qel {
 /// eigen-analysis compare a quantity of the fourth power of T with 1e-36: a tensor whose entries
 /// are all below about 1e-9 counts as a multiple of the identity, or as one that leaves the
 /// direction undetermined. Where gradients are that small, scale them first.
+///
+/// Threads: all members are const and may be called on one object from many threads, each with
+/// arrays of its own for what it writes, and of its own for velocity, swirl strength and real
+/// eigenvalue, whose statistics expire.
 class QEL_API TensorEigenizer {
 public:
     TensorEigenizer(std::size_t n, const TripletQELVector& row1, const TripletQELVector& row2,

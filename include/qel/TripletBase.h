@@ -24,6 +24,8 @@ namespace qel {
 /// A component that equals the largest finite value of T is undefined, and so is a triplet that
 /// has one. A NaN is an ordinary value. Scalars are double: a float triplet is scaled in double
 /// and rounded, which for a float factor is the float product or quotient.
+///
+/// Const members may be called on one triplet from many threads.
 template <typename T>
 class TripletBase {
     static_assert(std::is_same<T, float>::value || std::is_same<T, double>::value,
@@ -48,21 +50,10 @@ public:
 
     /// Component i: 0 is x, 1 is y, 2 is z.
     /// @throws data::invalid  for any other i
-    T& getRef(int i) { return const_cast<T&>(static_cast<const TripletBase&>(*this).getRef(i)); }
-    const T& getRef(int i) const {
-        switch (i) {
-        case 0:
-            return x;
-        case 1:
-            return y;
-        case 2:
-            return z;
-        default:
-            throw data::invalid("Triplet", "getRef",
-                                "Index (" + std::to_string(i) + ") out of range 0..2",
-                                argumentError);
-        }
-    }
+    T& getRef(int i) { return const_cast<T&>(component(i, "getRef")); }
+    const T& getRef(int i) const { return component(i, "getRef"); }
+    T& operator[](int i) { return const_cast<T&>(component(i, "operator[]")); }
+    const T& operator[](int i) const { return component(i, "operator[]"); }
 
     /// True if any component is the undefined marker.
     constexpr bool isUndefined() const {
@@ -162,6 +153,21 @@ public:
 private:
     static constexpr T undefinedMarker() { return std::numeric_limits<T>::max(); }
     static constexpr T undefinedLength() { return std::numeric_limits<float>::max(); }
+
+    const T& component(int i, const char* methodName) const {
+        switch (i) {
+        case 0:
+            return x;
+        case 1:
+            return y;
+        case 2:
+            return z;
+        default:
+            throw data::invalid("Triplet", methodName,
+                                "Index (" + std::to_string(i) + ") out of range 0..2",
+                                argumentError);
+        }
+    }
 
     constexpr TripletBase dividedBy(double divisor) const {
         return {static_cast<T>(x / divisor), static_cast<T>(y / divisor),

@@ -5,6 +5,7 @@
 /// The array of float triplets: a vector field, point by point.
 
 #include <cstddef>
+#include <initializer_list>
 #include <iosfwd>
 #include <limits>
 #include <string>
@@ -25,8 +26,11 @@ namespace qel {
 /// The statistics are computed when asked for and kept until an operation marked "expires the
 /// statistics". A new computation starts from the values of the one before: it widens minimum,
 /// maximum and extents, and adds to sum and count. The sum starts at the undefined marker.
-/// Copies take elements and statistics. Not safe for concurrent use of one object, not even of the
-/// const statistics.
+/// Copies and moves take elements and statistics.
+///
+/// Threads: the const members that read elements, toString() and getInternals() may be called on
+/// one array from many threads. The statistics write what they compute and may not, unless one of
+/// them has been called since they expired; write() and dbprint() may not, as they expire them.
 class QEL_API TripletQELVector {
 public:
     using value_type = TripletBase<float>;
@@ -38,6 +42,10 @@ public:
     TripletQELVector();
     TripletQELVector(const TripletQELVector&);
     TripletQELVector& operator=(const TripletQELVector&);
+    /// The source is left empty, with the statistics of a new array.
+    TripletQELVector(TripletQELVector&& other) noexcept;
+    TripletQELVector& operator=(TripletQELVector&& other) noexcept;
+    TripletQELVector(std::initializer_list<TripletBase<float>> list);
     /// Not explicit: a plain array of triplets is one of these.
     TripletQELVector(const std::vector<TripletBase<float>>& list);
     /// From a flat list x, y, z, x, y, z, ... of n floats.

@@ -4,6 +4,8 @@
 /// @file
 /// A vector of space.
 
+#include <iosfwd>
+
 #include <qel/Export.h>
 
 namespace qel {
@@ -14,7 +16,8 @@ namespace qel {
 ///     v.normalize();                        // (1/3, 2/3, 2/3)
 ///     const Vector n = Vector::cross(v, Vector(0.0, 0.0, 1.0));
 ///
-/// Nothing here throws: degenerate input gives what IEEE arithmetic gives.
+/// Nothing here throws: degenerate input gives what IEEE arithmetic gives. Const members may be
+/// called on one object from many threads.
 class QEL_API Vector {
 public:
     double x = 0.0;
@@ -62,6 +65,9 @@ public:
     Vector& operator+=(const Vector& o);
     Vector& operator-=(const Vector& o);
 };
+
+/// Writes (x, y, z) with the stream's formatting.
+QEL_API std::ostream& operator<<(std::ostream& os, const Vector& v);
 
 } // namespace qel
 

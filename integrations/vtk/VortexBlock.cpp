@@ -74,14 +74,11 @@ void VortexBlock::readGradient(const T* tuples, int components, std::size_t coun
 
 void VortexBlock::loadVelocity(vtkDataArray* velocity, vtkIdType first) {
     velocity_.resize(finite_.size());
-    const int components = std::min(velocity->GetNumberOfComponents(), 3);
-    float u[3] = {0.0F, 0.0F, 0.0F};
+    double u[3] = {0.0, 0.0, 0.0};
     vtkIdType tuple = first;
     for (qel::TripletBase<float>& value : velocity_) {
-        for (int i = 0; i < components; ++i) {
-            u[i] = static_cast<float>(velocity->GetComponent(tuple, i));
-        }
-        value = {u[0], u[1], u[2]};
+        velocity->GetTuple(tuple, u); // safe on several threads, as GetComponent() is not always
+        value = {static_cast<float>(u[0]), static_cast<float>(u[1]), static_cast<float>(u[2])};
         ++tuple;
     }
 }

@@ -21,7 +21,7 @@
 namespace vtkQELVortex {
 
 /// Takes a block of gradients through TensorEigenizer and into the arrays of the chosen fields.
-/// One object serves all blocks, so that memory is asked for once.
+/// One object serves all blocks of a thread, so that memory is asked for once.
 class VortexBlock {
 public:
     /// Points in a block: rows and results stay in a second-level cache.

@@ -15,6 +15,8 @@
 #include <vtkInformation.h>
 #include <vtkInformationVector.h>
 #include <vtkObjectFactory.h>
+#include <vtkSMPThreadLocal.h>
+#include <vtkSMPTools.h>
 #include <vtkStreamingDemandDrivenPipeline.h>
 
 #include "GradientSlabs.h"
@@ -61,8 +63,103 @@ struct vtkQELVortexFilter::Job {
     std::vector<unsigned char> hidden;
     VortexBlock::Outputs outputs;
     std::optional<GradientSlabs> slabs;
-    std::optional<VortexBlock> block;
     std::vector<vtkIdType> nonFinite; // the first few
+
+    // A null pointer where nothing is hidden.
+    const unsigned char* hiddenFrom(vtkIdType first) const {
+        return hidden.empty() ? nullptr : hidden.data() + first;
+    }
+};
+
+// Analyses the blocks of a slab, on as many threads as VTK has been given. Blocks write apart from
+// each other, and no result depends on which thread takes which.
+class vtkQELVortexFilter::BlockAnalysis {
+public:
+    BlockAnalysis(vtkQELVortexFilter* filter, const Job& job, const GradientSlab& slab)
+        : filter_(filter), job_(job), slab_(slab) {}
+
+    vtkIdType blocks() const {
+        return (slab_.count + VortexBlock::kPoints - 1) / VortexBlock::kPoints;
+    }
+
+    // -- What vtkSMPTools::For calls ----
+
+    void Initialize() {
+        Findings& mine = findings_.Local();
+        mine.block.emplace(job_.outputs);
+        mine.block->setScaleExponent(filter_->ScaleExponent);
+    }
+
+    void operator()(vtkIdType begin, vtkIdType end) {
+        Findings& mine = findings_.Local();
+        for (vtkIdType i = begin; i < end && !filter_->GetAbortExecute(); ++i) {
+            analyse(i * VortexBlock::kPoints, mine);
+        }
+    }
+
+    void Reduce() {
+        for (const Findings& each : findings_) {
+            largest = std::max(largest, each.largest);
+            nonFinite.insert(nonFinite.end(), each.nonFinite.begin(), each.nonFinite.end());
+        }
+        std::sort(nonFinite.begin(), nonFinite.end());
+    }
+
+    // -- Found ----
+    double largest = 0.0;
+    std::vector<vtkIdType> nonFinite;
+
+private:
+    struct Findings { // of one thread
+        std::optional<VortexBlock> block;
+        double largest = 0.0;
+        std::vector<vtkIdType> nonFinite;
+    };
+
+    void analyse(vtkIdType done, Findings& mine) const {
+        const vtkIdType first = slab_.first + done;
+        const vtkIdType count = std::min(VortexBlock::kPoints, slab_.count - done);
+        VortexBlock& block = *mine.block;
+        block.loadGradient(slab_.gradient, slab_.offset + done, count);
+        if (job_.outputs[vtkQELVortex::Helicity] != nullptr) {
+            block.loadVelocity(job_.velocity, first);
+        }
+        block.store(first);
+        mine.largest = std::max(mine.largest, block.largest(job_.hiddenFrom(first)));
+        markUndefined(first, mine);
+    }
+
+    // Goes over the points of the block that was analysed last.
+    void markUndefined(vtkIdType first, Findings& mine) const {
+        const unsigned char* const hidden = job_.hiddenFrom(first);
+        vtkIdType point = first;
+        for (const unsigned char finite : mine.block->finite()) {
+            const bool isHidden = hidden != nullptr && hidden[point - first] != 0;
+            if (isHidden || finite == 0) {
+                writeUndefined(point);
+            }
+            if (!isHidden && finite == 0) {
+                mine.nonFinite.push_back(point);
+            }
+            ++point;
+        }
+    }
+
+    void writeUndefined(vtkIdType point) const {
+        const float value =
+            filter_->UndefinedIsNaN ? std::numeric_limits<float>::quiet_NaN() : GetUndefinedValue();
+        for (const auto& array : job_.outputs) {
+            if (array != nullptr) {
+                const int components = array->GetNumberOfComponents();
+                std::fill_n(array->GetPointer(point * components), components, value);
+            }
+        }
+    }
+
+    vtkQELVortexFilter* filter_;
+    const Job& job_;
+    const GradientSlab& slab_;
+    vtkSMPThreadLocal<Findings> findings_;
 };
 
 vtkQELVortexFilter::vtkQELVortexFilter() {
@@ -175,7 +272,6 @@ bool vtkQELVortexFilter::Prepare(Job& job, vtkInformationVector** inputVector) {
         std::count_if(job.hidden.begin(), job.hidden.end(), [](auto flag) { return flag != 0; });
     this->MakeOutputs(job);
     job.slabs.emplace(job.input, job.velocity, job.association, this->SlabSize);
-    job.block.emplace(job.outputs);
     return true;
 }
 
@@ -211,7 +307,6 @@ bool vtkQELVortexFilter::Analyse(Job& job) {
     // A second round is rare, and cheaper than to keep every gradient for it.
     if (this->LargestGradient > 0.0 && this->LargestGradient < kSmallGradient) {
         this->ScaleExponent = -std::ilogb(this->LargestGradient);
-        job.block->setScaleExponent(this->ScaleExponent);
         return allSlabs();
     }
     return true;
@@ -231,44 +326,15 @@ bool vtkQELVortexFilter::AnalyseSlab(Job& job, int slab) {
         return false;
     }
     const Timer timer(this->AnalysisTime);
-    for (vtkIdType done = 0; done < part.count && !this->GetAbortExecute();
-         done += VortexBlock::kPoints) {
-        const vtkIdType first = part.first + done;
-        const vtkIdType count = std::min(VortexBlock::kPoints, part.count - done);
-        const unsigned char* hidden = job.hidden.empty() ? nullptr : job.hidden.data() + first;
-        job.block->loadGradient(part.gradient, part.offset + done, count);
-        if (job.outputs[vtkQELVortex::Helicity] != nullptr) {
-            job.block->loadVelocity(job.velocity, first);
-        }
-        job.block->store(first);
-        this->LargestGradient = std::max(this->LargestGradient, job.block->largest(hidden));
-        this->MarkUndefined(job, first, hidden);
-    }
+    BlockAnalysis analysis(this, job, part);
+    vtkSMPTools::For(0, analysis.blocks(), analysis);
+    this->LargestGradient = std::max(this->LargestGradient, analysis.largest);
+    this->NumberOfNonFiniteGradients += static_cast<vtkIdType>(analysis.nonFinite.size());
+    const std::size_t named =
+        std::min(analysis.nonFinite.size(), kPointsNamed - job.nonFinite.size());
+    job.nonFinite.insert(job.nonFinite.end(), analysis.nonFinite.begin(),
+                         analysis.nonFinite.begin() + static_cast<std::ptrdiff_t>(named));
     return true;
-}
-
-// Goes over the points of the block that was analysed last.
-void vtkQELVortexFilter::MarkUndefined(Job& job, vtkIdType first, const unsigned char* hidden) {
-    vtkIdType point = first;
-    for (const unsigned char finite : job.block->finite()) {
-        const bool isHidden = hidden != nullptr && hidden[point - first] != 0;
-        if (isHidden || finite == 0) {
-            for (const auto& array : job.outputs) {
-                if (array != nullptr) {
-                    const int components = array->GetNumberOfComponents();
-                    std::fill_n(array->GetPointer(point * components), components,
-                                GetUndefinedValue());
-                }
-            }
-        }
-        if (!isHidden && finite == 0) {
-            ++this->NumberOfNonFiniteGradients;
-            if (job.nonFinite.size() < kPointsNamed) {
-                job.nonFinite.push_back(point);
-            }
-        }
-        ++point;
-    }
 }
 
 void vtkQELVortexFilter::Warn(const Job& job) {
@@ -298,6 +364,7 @@ void vtkQELVortexFilter::PrintSelf(ostream& os, vtkIndent indent) {
     os << "\n"
        << indent << "GradientArrayName: " << this->GradientArrayName << "\n"
        << indent << "SlabSize: " << this->SlabSize << "\n"
+       << indent << "UndefinedIsNaN: " << this->UndefinedIsNaN << "\n"
        << indent << "NumberOfHiddenTuples: " << this->NumberOfHiddenTuples << "\n"
        << indent << "NumberOfNonFiniteGradients: " << this->NumberOfNonFiniteGradients << "\n"
        << indent << "ScaleExponent: " << this->ScaleExponent << "\n"

@@ -29,10 +29,13 @@ class vtkDataArray;
 /// is replaced in the output. All fields are enabled at first.
 ///
 /// Hidden (blanked) and ghost points or cells, and those with a gradient that is not finite, get
-/// GetUndefinedValue(). A field whose gradients are all below 2^-20 is analysed scaled by a power
-/// of two, since absolute thresholds of the analysis act on fourth powers of the gradient.
+/// GetUndefinedValue(), or NaN where SetUndefinedIsNaN() asks for it. A field whose gradients are
+/// all below 2^-20 is analysed scaled by a power of two, since absolute thresholds of the analysis
+/// act on fourth powers of the gradient.
 ///
-/// Works on each piece of a composite input. A run that is aborted leaves no array.
+/// Works on each piece of a composite input. A run that is aborted leaves no array. Gradients and
+/// their analysis run on the threads of vtkSMPTools; the values do not depend on how many there
+/// are.
 class vtkQELVortexFilter : public vtkDataSetAlgorithm {
 public:
     static vtkQELVortexFilter* New();
@@ -59,6 +62,11 @@ public:
     vtkSetClampMacro(SlabSize, vtkIdType, 1, VTK_ID_MAX);
     vtkGetMacro(SlabSize, vtkIdType);
 
+    /// NaN in place of GetUndefinedValue(), which colour maps and ranges leave out. Off at first.
+    vtkSetMacro(UndefinedIsNaN, bool);
+    vtkGetMacro(UndefinedIsNaN, bool);
+    vtkBooleanMacro(UndefinedIsNaN, bool);
+
     // -- What the last run found ----
     /// Of a composite input, the last piece's.
     vtkGetMacro(NumberOfHiddenTuples, vtkIdType);
@@ -84,16 +92,17 @@ protected:
 
 private:
     struct Job;
+    class BlockAnalysis;
     bool Prepare(Job& job, vtkInformationVector** inputVector);
     void MakeOutputs(Job& job) const;
     bool Analyse(Job& job);
     bool AnalyseSlab(Job& job, int slab);
-    void MarkUndefined(Job& job, vtkIdType first, const unsigned char* hidden);
     void Warn(const Job& job);
 
     std::bitset<vtkQELVortex::kFieldCount> EnabledFields;
     std::string GradientArrayName;
     vtkIdType SlabSize = 1000000;
+    bool UndefinedIsNaN = false;
 
     vtkIdType NumberOfHiddenTuples = 0;
     vtkIdType NumberOfNonFiniteGradients = 0;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <utility>
 
 #include "foundation/MessageTokens.h"
 
@@ -32,6 +33,23 @@ FloatQELVectorConcrete& FloatQELVectorConcrete::operator=(const FloatQELVectorCo
     FloatQELVector::operator=(other);
     return *this;
 }
+
+FloatQELVectorConcrete::FloatQELVectorConcrete(FloatQELVectorConcrete&& other) noexcept
+    : FloatQELVector(other), storage_(std::move(other.storage_)) {
+    other.invalidateCache();
+}
+
+FloatQELVectorConcrete& FloatQELVectorConcrete::operator=(FloatQELVectorConcrete&& other) noexcept {
+    if (this != &other) {
+        FloatQELVector::operator=(other);
+        storage_ = std::move(other.storage_);
+        other.invalidateCache();
+    }
+    return *this;
+}
+
+FloatQELVectorConcrete::FloatQELVectorConcrete(std::initializer_list<float> values)
+    : storage_(values) {}
 
 FloatQELVectorConcrete::FloatQELVectorConcrete(const float* p_list, std::size_t n) {
     refuseNull(p_list, "constructor");

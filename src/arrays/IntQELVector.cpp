@@ -8,6 +8,8 @@ IntQELVector::IntQELVector(std::size_t n) {
 }
 IntQELVector::IntQELVector(const IntQELVector&) = default;
 IntQELVector& IntQELVector::operator=(const IntQELVector&) = default;
+IntQELVector::IntQELVector(IntQELVector&&) noexcept = default;
+IntQELVector& IntQELVector::operator=(IntQELVector&&) noexcept = default;
 IntQELVector::~IntQELVector() = default;
 
 void IntQELVector::resize(std::size_t n) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iostream>
 #include <sstream>
+#include <utility>
 
 #include "arrays/Statistics.h"
 #include "foundation/MessageTokens.h"
@@ -38,6 +39,20 @@ TripletQELVector& TripletQELVector::operator=(const TripletQELVector& other) {
     statistics_ = other.statistics_;
     return *this;
 }
+
+TripletQELVector::TripletQELVector(TripletQELVector&& other) noexcept
+    : statistics_(std::exchange(other.statistics_, {})), storage_(std::move(other.storage_)) {}
+
+TripletQELVector& TripletQELVector::operator=(TripletQELVector&& other) noexcept {
+    if (this != &other) {
+        statistics_ = std::exchange(other.statistics_, {});
+        storage_ = std::move(other.storage_);
+    }
+    return *this;
+}
+
+TripletQELVector::TripletQELVector(std::initializer_list<TripletBase<float>> list)
+    : storage_(list) {}
 
 TripletQELVector::TripletQELVector(const std::vector<TripletBase<float>>& list) {
     redefine(list);

@@ -2,6 +2,8 @@
 
 #include <qel/QELMatrix4.h>
 
+#include <ostream>
+
 #include "foundation/MessageTokens.h"
 
 namespace qel {
@@ -152,6 +154,18 @@ float QELMatrix4::determinant() const {
         return static_cast<double>(values_[0][j]) * subMatrix(0, j).determinant();
     };
     return static_cast<float>(((term(0) - term(1)) + term(2)) - term(3));
+}
+
+// -- Text ----
+
+std::ostream& operator<<(std::ostream& os, const QELMatrix4& m) {
+    os << "(";
+    for (int i = 0; i < kSize; ++i) {
+        const float* const row = m[i];
+        os << (i == 0 ? "(" : ", (") << row[0] << ", " << row[1] << ", " << row[2] << ", " << row[3]
+           << ")";
+    }
+    return os << ")";
 }
 
 } // namespace qel

@@ -3,6 +3,7 @@
 #include <qel/Vector.h>
 
 #include <cmath>
+#include <ostream>
 
 namespace qel {
 
@@ -72,6 +73,12 @@ Vector& Vector::operator+=(const Vector& o) {
 
 Vector& Vector::operator-=(const Vector& o) {
     return *this = *this - o;
+}
+
+// -- Text ----
+
+std::ostream& operator<<(std::ostream& os, const Vector& v) {
+    return os << "(" << v.x << ", " << v.y << ", " << v.z << ")";
 }
 
 } // namespace qel

@@ -26,9 +26,8 @@ constexpr int kMinExponent = -300;
 constexpr int kMaxExponent = 300;
 constexpr double kFar = 0x1p500;
 
-// Up to as many edges, one probe takes them one by one, and a block of probes all of them at once.
-constexpr std::size_t kFewEdges = 4;
-constexpr std::size_t kFewEdgesOfBlock = 24;
+// Up to as many edges, the probes of a block are compared with all of them, side by side.
+constexpr std::size_t kFewEdges = 24;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -183,16 +182,13 @@ CurveLocation CurveLocator::Index::locate(const TripletBase<double>& probe) cons
         return locateFar(probe);
     }
     const Probe q = {probe.x * scale_.factor, probe.y * scale_.factor, probe.z * scale_.factor};
-    if (vertices_.edges() <= kFewEdges) {
-        return placeOf(scanEdges(vertices_.pointers(), vertices_.edges(), q));
-    }
     return placeOf(findNearestEdge(vertices_, bvh_, q));
 }
 
 void CurveLocator::Index::locateBlock(const TripletBase<double>* probes, std::size_t count,
                                       CurveLocation* places) const {
     const auto isNearProbe = [this](const TripletBase<double>& q) { return isNear(q); };
-    if (count < kEdgeLanes || vertices_.edges() > kFewEdgesOfBlock ||
+    if (count < kEdgeLanes || vertices_.edges() > kFewEdges ||
         !std::all_of(probes, probes + count, isNearProbe)) {
         std::transform(probes, probes + count, places,
                        [this](const TripletBase<double>& q) { return locate(q); });

@@ -24,8 +24,9 @@
 namespace qel {
 namespace {
 
-// Up to this many edges are all measured, without the tree.
-constexpr std::size_t kFewEdges = 16;
+// Up to this many edges are measured one by one, and up to this many all of them, without the tree.
+constexpr std::size_t kOneByOne = 4;
+constexpr std::size_t kFewEdges = 24;
 
 constexpr std::int64_t kLaneBits = kEdgeLanes - 1;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -50,26 +51,25 @@ QEL_KERNEL double least(const double* values) {
     return lesser(two[0], two[1]);
 }
 
-constexpr NearestEdge kNone = {0, {0.0, 0.0, 0.0, 0.0, std::numeric_limits<double>::max()}};
+// The nearest edge so far. Its foot is computed again at the end, which gives the same.
+struct Best {
+    std::size_t edge = 0;
+    double d2 = std::numeric_limits<double>::max();
+};
 
-QEL_KERNEL void takeRun(const VertexPointers& v, std::size_t first, const Probe& q,
-                        NearestEdge& best) {
-    alignas(64) double t[kEdgeLanes], x[kEdgeLanes], y[kEdgeLanes], z[kEdgeLanes], d2[kEdgeLanes];
+QEL_KERNEL void takeRun(const VertexPointers& v, std::size_t first, const Probe& q, Best& best) {
+    alignas(64) double d2[kEdgeLanes];
     for (std::size_t k = 0; k < kEdgeLanes; ++k) {
-        const EdgeFoot foot = footOnEdge(v, first + k, q);
-        t[k] = foot.t;
-        x[k] = foot.x;
-        y[k] = foot.y;
-        z[k] = foot.z;
-        d2[k] = foot.d2 == foot.d2 ? foot.d2 : kInfinity; // behind the last edge
+        const double found = footOnEdge(v, first + k, q).d2;
+        d2[k] = found == found ? found : kInfinity; // behind the last edge
     }
     const double nearest = least(d2);
-    if (nearest > best.foot.d2) {
+    if (nearest > best.d2) {
         return;
     }
     const auto k = static_cast<std::size_t>(lowestBit(lanesUpTo(nearest, d2)));
-    if (nearest < best.foot.d2 || first + k < best.edge) {
-        best = {first + k, {t[k], x[k], y[k], z[k], nearest}};
+    if (nearest < best.d2 || first + k < best.edge) {
+        best = {first + k, nearest};
     }
 }
 
@@ -100,12 +100,12 @@ QEL_KERNEL void open(Frame& frame, const EdgeBvhNode<3>& node, std::size_t index
 }
 
 QEL_KERNEL void searchTree(const VertexPointers& v, const EdgeBvh<3>& bvh, const Probe& q,
-                           NearestEdge& best) {
+                           Best& best) {
     Frame frames[EdgeBvh<3>::kMaxLevels];
     const int top = bvh.levels() - 1;
     int level = top;
     open(frames[level], bvh.root(), 0, q);
-    std::int64_t bestKey = keyOf(best.foot.d2) | kLaneBits;
+    std::int64_t bestKey = keyOf(best.d2) | kLaneBits;
     while (level <= top) {
         Frame& frame = frames[level];
         const std::int64_t key = frame.keys[frame.taken];
@@ -117,7 +117,7 @@ QEL_KERNEL void searchTree(const VertexPointers& v, const EdgeBvh<3>& bvh, const
         const auto lane = static_cast<std::size_t>(key & kLaneBits);
         if (level == 0) {
             takeRun(v, bvh.firstEdge(frame.node, lane), q, best);
-            bestKey = keyOf(best.foot.d2) | kLaneBits;
+            bestKey = keyOf(best.d2) | kLaneBits;
         } else {
             const std::size_t child = frame.node * kEdgeLanes + lane;
             --level;
@@ -127,17 +127,17 @@ QEL_KERNEL void searchTree(const VertexPointers& v, const EdgeBvh<3>& bvh, const
 }
 
 struct NearestEdgeKernel {
-    QEL_KERNEL static NearestEdge run(VertexPointers v, std::size_t edges, const EdgeBvh<3>* bvh,
+    QEL_KERNEL static std::size_t run(VertexPointers v, std::size_t edges, const EdgeBvh<3>* bvh,
                                       Probe q) {
-        NearestEdge best = kNone;
+        Best best;
         if (edges > kFewEdges) {
             searchTree(v, *bvh, q, best);
-            return best;
+            return best.edge;
         }
         for (std::size_t i = 0; i < edges; i += kEdgeLanes) {
             takeRun(v, i, q, best);
         }
-        return best;
+        return best.edge;
     }
 };
 
@@ -176,7 +176,12 @@ void findNearestOfFew(const VertexArrays<3>& vertices, const Probe* probes, Near
 
 NearestEdge findNearestEdge(const VertexArrays<3>& vertices, const EdgeBvh<3>& bvh,
                             const Probe& q) {
-    return onVectorUnit<NearestEdgeKernel>(vertices.pointers(), vertices.edges(), &bvh, q);
+    const VertexPointers v = vertices.pointers();
+    if (vertices.edges() <= kOneByOne) {
+        return scanEdges(v, vertices.edges(), q);
+    }
+    const std::size_t edge = onVectorUnit<NearestEdgeKernel>(v, vertices.edges(), &bvh, q);
+    return {edge, footOnEdge(v, edge, q)};
 }
 
 } // namespace qel

@@ -4,6 +4,8 @@
 
 #include <functional>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 
@@ -431,6 +433,53 @@ TEST(FloatQELVector, WorksOnACallersOwnKind) {
     EXPECT_EQ(v.getSum(), 2.0f);
     EXPECT_EQ(v.getNvalid(), 2);
     EXPECT_EQ(v.toString(1), "3.0e+00, -1.0e+00, UNDEF");
+}
+
+// -- Moving, braces and loops ----
+
+static_assert(std::is_nothrow_move_constructible<FloatQELVectorConcrete>::value, "cheap to return");
+static_assert(std::is_nothrow_move_assignable<FloatQELVectorConcrete>::value, "cheap to replace");
+
+TEST(FloatQELVectorConcrete, IsBuiltFromBraces) {
+    const FloatQELVectorConcrete v = {1.0f, kUndef, 3.0f};
+    EXPECT_THAT(v.getInternals(), ElementsAre(1.0f, kUndef, 3.0f));
+    EXPECT_EQ(v.getNvalid(), 2);
+    EXPECT_TRUE(FloatQELVectorConcrete{}.empty());
+}
+
+TEST(FloatQELVectorConcrete, IsMovedWithItsStatistics) {
+    FloatQELVectorConcrete source = {1.0f, 4.0f};
+    EXPECT_EQ(source.getSum(), 5.0f);
+    const float* const storage = source.getInternals().data();
+    FloatQELVectorConcrete moved(std::move(source));
+    EXPECT_EQ(moved.getInternals().data(), storage);
+    EXPECT_EQ(moved.getSum(), 5.0f);
+    EXPECT_TRUE(source.empty());
+    EXPECT_EQ(source.getNvalid(), 0);
+    EXPECT_EQ(source.getMax(), kUndef);
+
+    FloatQELVectorConcrete assigned = {7.0f};
+    EXPECT_EQ(assigned.getMax(), 7.0f);
+    assigned = std::move(moved);
+    EXPECT_EQ(assigned.getInternals().data(), storage);
+    EXPECT_EQ(assigned.getMax(), 4.0f);
+    EXPECT_TRUE(moved.empty());
+    EXPECT_EQ(moved.getNvalid(), 0);
+    FloatQELVectorConcrete& itself = assigned;
+    assigned = std::move(itself);
+    EXPECT_EQ(assigned.size(), 2U);
+}
+
+TEST(FloatQELVectorComponent, LoopsGoOverTheComponent) {
+    TripletQELVector triplets = {{1, 2, 3}, {4, 5, 6}};
+    FloatQELVectorComponent y(triplets, 1);
+    std::vector<float> seen;
+    for (float& value : y) {
+        seen.push_back(value);
+        value = -value;
+    }
+    EXPECT_THAT(seen, ElementsAre(2.0f, 5.0f));
+    EXPECT_EQ(triplets[1], Triplet(4, -5, 6));
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include <qel/IntQELVector.h>
 
 #include <gmock/gmock.h>
+#include <type_traits>
+#include <utility>
 
 #include "arrays/LengthErrors.h"
 #include "support/Slots.h"
@@ -99,6 +101,19 @@ TEST(IntQELVector, TooManyElementsAreTheLengthError) {
 TEST(IntQELVectorDeathTest, PopBackOfAnEmptyArrayIsFatal) {
     qel::IntQELVector v;
     EXPECT_DEATH(v.pop_back(), "");
+}
+
+TEST(IntQELVector, IsMovedWithItsStorage) {
+    static_assert(std::is_nothrow_move_constructible<qel::IntQELVector>::value, "cheap to return");
+    static_assert(std::is_nothrow_move_assignable<qel::IntQELVector>::value, "cheap to replace");
+    qel::IntQELVector source(3);
+    const int* const storage = source.data();
+    qel::IntQELVector moved(std::move(source));
+    EXPECT_EQ(moved.data(), storage);
+    EXPECT_THAT(source, IsEmpty());
+    source = std::move(moved);
+    EXPECT_EQ(source.data(), storage);
+    EXPECT_THAT(source, SizeIs(3));
 }
 
 } // namespace

@@ -147,4 +147,24 @@ TEST(QELVectorDeathTest, EndsOfAnEmptyArrayAreFatal) {
     EXPECT_DEATH(v.pop_back(), "");
 }
 
+// -- Moving, and braces ----
+
+static_assert(std::is_nothrow_move_constructible<QELVector<int>>::value, "cheap to return");
+static_assert(std::is_nothrow_move_assignable<QELVector<int>>::value, "cheap to replace");
+
+TEST(QELVector, IsMovedWithItsStorage) {
+    QELVector<int> source{4, 5, 6};
+    const int* const storage = source.data();
+    QELVector<int> moved(std::move(source));
+    EXPECT_EQ(moved.data(), storage);
+    EXPECT_THAT(moved, ElementsAre(4, 5, 6));
+    EXPECT_THAT(source, IsEmpty());
+    QELVector<int> assigned{1};
+    assigned = std::move(moved);
+    EXPECT_EQ(assigned.data(), storage);
+    EXPECT_THAT(moved, IsEmpty());
+    moved.push_back(7);
+    EXPECT_THAT(moved, ElementsAre(7));
+}
+
 } // namespace

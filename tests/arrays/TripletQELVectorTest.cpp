@@ -304,4 +304,37 @@ TEST(TripletQELVector, DbprintOfARangeExtendsTheSign) {
     EXPECT_EQ(standardOutputOf([&] { v.dbprint(-2, 1); }), "size=3\n1<18446744073709551614\n");
 }
 
+// -- Moving, and braces ----
+
+static_assert(std::is_nothrow_move_constructible<TripletQELVector>::value, "cheap to return");
+static_assert(std::is_nothrow_move_assignable<TripletQELVector>::value, "cheap to replace");
+
+TEST(TripletQELVector, IsBuiltFromBraces) {
+    const TripletQELVector v = {{1, 2, 3}, {4, 5, 6}};
+    EXPECT_EQ(v.getInternals(), Triplets({{1, 2, 3}, {4, 5, 6}}));
+    EXPECT_TRUE(TripletQELVector{}.empty());
+}
+
+TEST(TripletQELVector, IsMovedWithItsStatistics) {
+    TripletQELVector source = {{3, 4, 0}, {0, 0, 2}};
+    EXPECT_EQ(source.getMax(), 5.0f);
+    const Triplet* const storage = source.getInternals().data();
+    TripletQELVector moved(std::move(source));
+    EXPECT_EQ(moved.getInternals().data(), storage);
+    EXPECT_EQ(moved.getNvalid(), 2); // not counted again
+    EXPECT_TRUE(source.empty());
+    EXPECT_EQ(source.getNvalid(), 0);
+    EXPECT_EQ(source.getMax(), kUndef);
+
+    TripletQELVector assigned = {{1, 0, 0}};
+    assigned = std::move(moved);
+    EXPECT_EQ(assigned.getInternals().data(), storage);
+    EXPECT_EQ(assigned.getNvalid(), 2);
+    EXPECT_TRUE(moved.empty());
+    TripletQELVector& itself = assigned;
+    assigned = std::move(itself);
+    EXPECT_EQ(assigned.size(), 2U);
+    EXPECT_EQ(assigned.getMax(), 5.0f);
+}
+
 } // namespace

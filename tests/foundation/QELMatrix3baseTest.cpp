@@ -1,6 +1,7 @@
 #include <qel/QELMatrix3base.h>
 
 #include <climits>
+#include <sstream>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,6 +56,15 @@ TYPED_TEST(QELMatrix3baseTest, DeterminantExpandsAlongTheFirstRow) {
         }
     }
     EXPECT_EQ(m.determinant(), TypeParam(72)); // 2*19 + 1*10 + 3*8
+}
+
+TYPED_TEST(QELMatrix3baseTest, IsWrittenRowByRow) {
+    qel::QELMatrix3base<TypeParam> m;
+    m[0][1] = TypeParam(1.5);
+    m[2][2] = TypeParam(-4);
+    std::ostringstream os;
+    os << m;
+    EXPECT_EQ(os.str(), "((0, 1.5, 0), (0, 0, 0), (0, 0, -4))");
 }
 
 } // namespace

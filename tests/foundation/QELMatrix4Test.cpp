@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <sstream>
 #include <type_traits>
 #include <vector>
 
@@ -362,4 +363,12 @@ TEST(QELMatrix4, OperationsFollowTheStatedOrder) {
         const double det = ((terms[0] - terms[1]) + terms[2]) - terms[3];
         ASSERT_TRUE(sameBits(a.determinant(), static_cast<float>(det)));
     }
+}
+
+TEST(QELMatrix4, IsWrittenRowByRow) {
+    std::ostringstream os;
+    QELMatrix4 shift;
+    shift.setTranslationMatrix(Point(0.5f, -2.0f, 3.0f));
+    os << shift;
+    EXPECT_EQ(os.str(), "((1, 0, 0, 0.5), (0, 1, 0, -2), (0, 0, 1, 3), (0, 0, 0, 1))");
 }

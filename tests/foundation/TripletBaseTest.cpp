@@ -71,6 +71,20 @@ TYPED_TEST(TripletBaseTest, RefusesAnIndexOutsideZeroToTwo) {
     EXPECT_EQ(t, (TripletBase<TypeParam>(1, 2, 3)));
 }
 
+TYPED_TEST(TripletBaseTest, ComponentsAreReachedByIndex) {
+    TripletBase<TypeParam> t(1, 2, 3);
+    const auto& constant = t;
+    t[1] = TypeParam(9);
+    EXPECT_EQ(t, (TripletBase<TypeParam>(1, 9, 3)));
+    EXPECT_EQ(&constant[0], &t.x);
+    EXPECT_EQ(&constant[2], &t.z);
+    EXPECT_THAT([&] { t[3] = 0; },
+                throwsInvalid("Triplet", "operator[]", "Index (3) out of range 0..2"));
+    EXPECT_THAT([&] { static_cast<void>(constant[-1]); },
+                throwsInvalid("Triplet", "operator[]", "Index (-1) out of range 0..2"));
+    EXPECT_EQ(t, (TripletBase<TypeParam>(1, 9, 3)));
+}
+
 TYPED_TEST(TripletBaseTest, ArraysAreOneRunOfNumbers) {
     EXPECT_EQ(sizeof(TripletBase<TypeParam>[4]), 12 * sizeof(TypeParam));
     EXPECT_TRUE(std::is_trivially_copyable<TripletBase<TypeParam>>::value);

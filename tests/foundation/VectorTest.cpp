@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <sstream>
 #include <type_traits>
 
 #include <gtest/gtest.h>
@@ -139,4 +140,10 @@ TEST(Vector, OperationsFollowTheStatedOrder) {
             ASSERT_TRUE(sameVector(c, a.x / len, a.y / len, a.z / len));
         }
     }
+}
+
+TEST(Vector, IsWrittenWithTheStreamsFormatting) {
+    std::ostringstream os;
+    os << std::fixed << Vector(1.0, -0.25, 3.0);
+    EXPECT_EQ(os.str(), "(1.000000, -0.250000, 3.000000)");
 }

@@ -21,6 +21,7 @@
 #include <vtkMultiBlockDataSet.h>
 #include <vtkNew.h>
 #include <vtkPointData.h>
+#include <vtkSMPTools.h>
 #include <vtkUnsignedCharArray.h>
 
 #include <qel/FloatQELVectorConcrete.h>
@@ -231,6 +232,87 @@ TEST(VortexFilter, GradientsThatAreNotFiniteAreCountedAndNamed) {
         << warnings.text;
     EXPECT_EQ(field(filter->GetOutput(), "Lambda2")->GetValue(99), kUndefined);
     EXPECT_NE(field(filter->GetOutput(), "Lambda2")->GetValue(100), kUndefined);
+}
+
+TEST(VortexFilter, UndefinedPointsAreNaNWhereThatIsAskedFor) {
+    Image image = makeImage(6, 6, 6);
+    addRandomArray<vtkDoubleArray>(image, kPoints, "u", 3);
+    image->AllocatePointGhostArray();
+    image->GetPointGhostArray()->SetValue(17, vtkDataSetAttributes::HIDDENPOINT);
+    auto filter = filterOn(image);
+    filter->UndefinedIsNaNOn();
+    filter->Update();
+    EXPECT_TRUE(std::isnan(field(filter->GetOutput(), "Q")->GetValue(17)));
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_TRUE(std::isnan(field(filter->GetOutput(), "Vorticity")->GetComponent(17, c)));
+    }
+    EXPECT_FALSE(std::isnan(field(filter->GetOutput(), "Q")->GetValue(18)));
+}
+
+// -- Threads ----
+
+// Restores VTK's own choice at its end.
+class Threads {
+public:
+    explicit Threads(int count) {
+        vtkSMPTools::SetBackend(count == 1 ? "Sequential" : "STDThread");
+        vtkSMPTools::Initialize(count);
+    }
+    ~Threads() {
+        vtkSMPTools::Initialize(0);
+        vtkSMPTools::SetBackend(before_.c_str());
+    }
+    Threads(const Threads&) = delete;
+    Threads& operator=(const Threads&) = delete;
+
+private:
+    std::string before_ = vtkSMPTools::GetBackend();
+};
+
+TEST(VortexFilter, GivesTheSameBitsOnAnyNumberOfThreads) {
+    Image image = makeImage(31, 30, 29); // more than a few blocks
+    addRandomArray<vtkDoubleArray>(image, kPoints, "u", 3);
+    vtkDataArray* u = image->GetPointData()->GetArray("u");
+    for (vtkIdType i = 100; i < u->GetNumberOfTuples(); i += 5000) {
+        u->SetComponent(i, 1, std::numeric_limits<double>::quiet_NaN());
+    }
+    vtkObject::GlobalWarningDisplayOff();
+    const auto run = [&](int threads) {
+        const Threads guard(threads);
+        auto filter = filterOn(image);
+        filter->Update();
+        return filter;
+    };
+    const auto alone = run(1);
+    for (const int threads : {2, 3, 8}) {
+        SCOPED_TRACE(threads);
+        const auto shared = run(threads);
+        expectSameFields(alone->GetOutput(), shared->GetOutput(), kPoints);
+        EXPECT_EQ(alone->GetLargestGradient(), shared->GetLargestGradient());
+        EXPECT_EQ(alone->GetNumberOfNonFiniteGradients(), shared->GetNumberOfNonFiniteGradients());
+    }
+    vtkObject::GlobalWarningDisplayOn();
+}
+
+TEST(VortexFilter, NamesTheFirstPointsThatAreNotFiniteOnAnyNumberOfThreads) {
+    Image image = makeImage(40, 40, 40);
+    addRandomArray<vtkDoubleArray>(image, kPoints, "gradient", 9);
+    addRandomArray<vtkDoubleArray>(image, kPoints, "u", 3);
+    vtkDataArray* gradient = image->GetPointData()->GetArray("gradient");
+    for (vtkIdType i = 7; i < gradient->GetNumberOfTuples(); i += 9000) {
+        gradient->SetComponent(i, 4, std::numeric_limits<double>::infinity());
+    }
+    for (const int threads : {1, 4}) {
+        const Threads guard(threads);
+        auto filter = filterOn(image);
+        filter->SetGradientArrayName("gradient");
+        Listener warnings(filter, vtkCommand::WarningEvent);
+        filter->Update();
+        EXPECT_NE(warnings.text.find("8 gradients are not finite"), std::string::npos);
+        EXPECT_NE(warnings.text.find("points undefined: 7 9007 18007 27007 36007 ..."),
+                  std::string::npos)
+            << warnings.text;
+    }
 }
 
 // -- Scale ----
