@@ -22,6 +22,7 @@
 #include "foundation/Deinterleave.h"
 #include "platform/VectorUnit.h"
 #include "tensor/FieldMemory.h"
+#include "tensor/GradientBlock.h"
 #include "tensor/PointFormulas.h"
 #include "tensor/RootEnclosures.h"
 
@@ -64,39 +65,6 @@ struct GroupKernel {
 
 // -- Blocks ----
 
-constexpr std::size_t kBlock = 256;
-
-/// One number of each point of a block. No vector of it lies across cache lines.
-template <typename Number>
-struct alignas(64) Column {
-    Number values[kBlock];
-
-    QEL_KERNEL Number& operator[](std::size_t k) { return values[k]; }
-    QEL_KERNEL const Number& operator[](std::size_t k) const { return values[k]; }
-};
-
-/// The tensor at the points of a block.
-struct GradientBlock {
-    Column<float> t11, t12, t13, t21, t22, t23, t31, t32, t33;
-
-    QEL_KERNEL Gradient at(std::size_t k) const {
-        return {t11[k], t12[k], t13[k], t21[k], t22[k], t23[k], t31[k], t32[k], t33[k]};
-    }
-
-    QEL_KERNEL void set(std::size_t k, const Gradient& t) {
-        t11[k] = t.t11, t12[k] = t.t12, t13[k] = t.t13;
-        t21[k] = t.t21, t22[k] = t.t22, t23[k] = t.t23;
-        t31[k] = t.t31, t32[k] = t.t32, t33[k] = t.t33;
-    }
-
-    template <std::size_t width>
-    QEL_KERNEL void load(const GradientRows& rows, std::size_t count) {
-        deinterleave<width>(rows.row1.first, count, t11.values, t12.values, t13.values);
-        deinterleave<width>(rows.row2.first, count, t21.values, t22.values, t23.values);
-        deinterleave<width>(rows.row3.first, count, t31.values, t32.values, t33.values);
-    }
-};
-
 /// A formula of the tensor, enclosed in lanes: where the enclosure leaves the result open, the lane
 /// is unresolved and its point recomputed.
 template <typename Operation, std::size_t width>
@@ -104,34 +72,31 @@ struct EnclosureKernel {
     template <typename Output>
     QEL_KERNEL static std::size_t run(std::size_t n, Output out, GradientRows rows) {
         GradientBlock t;
-        Column<std::int32_t> unresolved;
         for (std::size_t from = 0; from < n; from += kBlock) {
             const std::size_t count = std::min(kBlock, n - from);
-            t.load<width>(rows.after(from), count);
-            const Output values = out.after(from);
-            std::int32_t any = 0;
-            for (std::size_t k = 0; k < count; ++k) {
-                const auto enclosure = Operation::enclose(t.at(k));
-                values.set(k, enclosure.low);
-                unresolved[k] = isUnresolved(enclosure.low, enclosure.high);
-                any |= unresolved[k];
-            }
-            if (any != 0) {
-                recompute(t, unresolved, count, values);
-            }
+            load<width>(rows.after(from), count, t);
+            run(count, out.after(from), BlockPoints{&t});
         }
         return n;
     }
 
-private:
+    /// @param n  up to kBlock
     template <typename Output>
-    static void recompute(const GradientBlock& t, const Column<std::int32_t>& unresolved,
-                          std::size_t count, const Output& values) {
-        for (std::size_t k = 0; k < count; ++k) {
+    QEL_KERNEL static std::size_t run(std::size_t n, Output out, BlockPoints points) {
+        Column<std::int32_t> unresolved;
+        std::int32_t any = 0;
+        for (std::size_t k = 0; k < n; ++k) {
+            const auto enclosure = Operation::enclose(points.at(k));
+            out.set(k, enclosure.low);
+            unresolved[k] = isUnresolved(enclosure.low, enclosure.high);
+            any |= unresolved[k];
+        }
+        for (std::size_t k = 0; any != 0 && k < n; ++k) {
             if (unresolved[k] != 0) {
-                values.set(k, Operation::at(t.at(k)));
+                out.set(k, Operation::at(points.at(k)));
             }
         }
+        return n;
     }
 };
 
@@ -166,7 +131,7 @@ struct SwirlKernel {
             }
             Element* const results = out.first + from;
             if (2 * count >= size) {
-                t.load<width>(rows.after(from), size);
+                load<width>(rows.after(from), size, t);
                 for (std::size_t k = 0; k < size; ++k) {
                     results[k] =
                         zeroUnless(strength[k] > 0.0f,

@@ -5,6 +5,9 @@
 /// The formulas of the tensor analysis at one point, as they are defined: every operation in the
 /// order and precision in which it stands. Kernels compute these same functions in vector lanes, so
 /// none of them branches but middleRoot() and swirlOf(), which need acos, cos or pow.
+///
+/// What is a template of Number takes gradients of floats, of which it computes in the precision
+/// that TensorEigenizer states, or of doubles, all in double.
 
 #include <cmath>
 
@@ -44,7 +47,11 @@ QEL_KERNEL WideGradient widened(const Gradient& t) {
             static_cast<double>(t.t31), static_cast<double>(t.t32), static_cast<double>(t.t33)};
 }
 
-// -- Single precision, also of several points at once: Number is float, or Lanes of them ----
+QEL_KERNEL WideGradient widened(const WideGradient& t) {
+    return t;
+}
+
+// -- In the precision of the gradient. Number may be Lanes of floats, for several points at once --
 
 struct InvariantQ {
     template <typename Number>
@@ -77,7 +84,8 @@ struct Helicity {
     }
 };
 
-QEL_KERNEL Triple scaled(const Triple& t, float factor) {
+template <typename Number>
+QEL_KERNEL BasicTriple<Number> scaled(const BasicTriple<Number>& t, Number factor) {
     return {t.x * factor, t.y * factor, t.z * factor};
 }
 
@@ -92,8 +100,8 @@ struct Cubic {
 };
 
 /// @tparam Divisor  double, or ConstantDivisor with the same quotients
-template <typename Divisor>
-QEL_KERNEL Cubic characteristicCubic(const Gradient& gradient) {
+template <typename Divisor, typename Number>
+QEL_KERNEL Cubic characteristicCubic(const BasicGradient<Number>& gradient) {
     const WideGradient t = widened(gradient);
     const double minor1 = t.t32 * t.t23 - t.t33 * t.t22;
     const double a = -t.t11 - t.t22 - t.t33;
@@ -106,6 +114,36 @@ QEL_KERNEL Cubic characteristicCubic(const Gradient& gradient) {
 }
 
 // -- lambda-2: the middle eigenvalue of M = (T T + (T T)^t) / 2 ----
+
+struct SymmetricMatrix {
+    double m11, m22, m33, m12, m23, m13;
+
+    /// Half the squared distance of the eigenvalues from each other, over all pairs.
+    QEL_KERNEL double spread() const {
+        return 0.5 * ((m11 - m22) * (m11 - m22) + (m22 - m33) * (m22 - m33) +
+                      (m33 - m11) * (m33 - m11)) +
+               3.0 * (m12 * m12 + m23 * m23 + m13 * m13);
+    }
+    QEL_KERNEL double determinant() const {
+        return (m23 * m12 - m13 * m22) * m13 + (m33 * m22 - m23 * m23) * m11 +
+               (m13 * m23 - m12 * m33) * m12;
+    }
+};
+
+/// M itself.
+template <typename Number>
+QEL_KERNEL SymmetricMatrix symmetricSquare(const BasicGradient<Number>& gradient) {
+    const WideGradient t = widened(gradient);
+    return {t.t11 * t.t11 + t.t21 * t.t12 + t.t31 * t.t13,
+            t.t22 * t.t22 + t.t21 * t.t12 + t.t32 * t.t23,
+            t.t33 * t.t33 + t.t32 * t.t23 + t.t31 * t.t13,
+            0.5 * (t.t22 * t.t12 + t.t12 * t.t11 + t.t32 * t.t13 + t.t21 * t.t11 + t.t22 * t.t21 +
+                   t.t31 * t.t23),
+            0.5 * (t.t23 * t.t22 + t.t21 * t.t13 + t.t33 * t.t23 + t.t31 * t.t12 + t.t32 * t.t22 +
+                   t.t33 * t.t32),
+            0.5 * (t.t23 * t.t12 + t.t13 * t.t11 + t.t33 * t.t13 + t.t31 * t.t11 + t.t32 * t.t21 +
+                   t.t33 * t.t31)};
+}
 
 /// The characteristic cubic of M, solved by trigonometry (Smith, "Eigenvalues of a symmetric 3x3
 /// matrix", Communications of the ACM 4, 1961): the eigenvalues are mean + cos(angle) * scale,
@@ -132,28 +170,15 @@ QEL_KERNEL double median(double a, double b, double c) {
 /// @tparam Divisor  double, or ConstantDivisor with the same quotients
 template <typename Divisor>
 QEL_KERNEL SymmetricCubic symmetricCubic(const Gradient& gradient) {
-    const WideGradient t = widened(gradient);
-    const double m11 = t.t11 * t.t11 + t.t21 * t.t12 + t.t31 * t.t13;
-    const double m22 = t.t22 * t.t22 + t.t21 * t.t12 + t.t32 * t.t23;
-    const double m33 = t.t33 * t.t33 + t.t32 * t.t23 + t.t31 * t.t13;
-    const double m12 = 0.5 * (t.t22 * t.t12 + t.t12 * t.t11 + t.t32 * t.t13 + t.t21 * t.t11 +
-                              t.t22 * t.t21 + t.t31 * t.t23);
-    const double m23 = 0.5 * (t.t23 * t.t22 + t.t21 * t.t13 + t.t33 * t.t23 + t.t31 * t.t12 +
-                              t.t32 * t.t22 + t.t33 * t.t32);
-    const double m13 = 0.5 * (t.t23 * t.t12 + t.t13 * t.t11 + t.t33 * t.t13 + t.t31 * t.t11 +
-                              t.t32 * t.t21 + t.t33 * t.t31);
-    const double d =
-        0.5 * ((m11 - m22) * (m11 - m22) + (m22 - m33) * (m22 - m33) + (m33 - m11) * (m33 - m11)) +
-        3.0 * (m12 * m12 + m23 * m23 + m13 * m13);
+    const SymmetricMatrix matrix = symmetricSquare(gradient);
+    const double d = matrix.spread();
     const double s = std::sqrt(d);
-    const double m = (m22 + m11 + m33) / Divisor(3.0);
-    const double determinant = (m23 * m12 - m13 * m22) * m13 + (m33 * m22 - m23 * m23) * m11 +
-                               (m13 * m23 - m12 * m33) * m12;
+    const double m = (matrix.m22 + matrix.m11 + matrix.m33) / Divisor(3.0);
     const double scale = s / Divisor(1.5);
-    const double r = (determinant + (d / Divisor(3.0) - m * m) * m) * 9.0 / (scale * d);
+    const double r = (matrix.determinant() + (d / Divisor(3.0) - m * m) * m) * 9.0 / (scale * d);
     // Not at or above the threshold is a NaN either, which infinite or NaN entries give.
     const bool isSpread = d >= kMinSpread;
-    return {r, isSpread ? scale : 0.0, isSpread ? m : median(m11, m22, m33)};
+    return {r, isSpread ? scale : 0.0, isSpread ? m : median(matrix.m11, matrix.m22, matrix.m33)};
 }
 
 inline float middleRoot(const SymmetricCubic& cubic) {
@@ -211,8 +236,9 @@ QEL_KERNEL WideTriple selected(bool first, const WideTriple& a, const WideTriple
 
 /// The longest of three candidates, the earliest among equals, as a unit vector that does not point
 /// against the vorticity; zero if it is too short.
-QEL_KERNEL Triple directionOfLongest(const WideTriple& c1, const WideTriple& c2,
-                                     const WideTriple& c3, const WideGradient& t) {
+template <typename Number>
+QEL_KERNEL BasicTriple<Number> directionOfLongest(const WideTriple& c1, const WideTriple& c2,
+                                                  const WideTriple& c3, const WideGradient& t) {
     const double x1 = square(c1);
     const double x2 = square(c2);
     const double x3 = square(c3);
@@ -228,27 +254,29 @@ QEL_KERNEL Triple directionOfLongest(const WideTriple& c1, const WideTriple& c2,
 
     const double along = (t.t32 - t.t23) * e.x + (t.t13 - t.t31) * e.y + (t.t21 - t.t12) * e.z;
     const WideTriple oriented = selected(along < 0.0, {-e.x, -e.y, -e.z}, e);
-    return {static_cast<float>(oriented.x), static_cast<float>(oriented.y),
-            static_cast<float>(oriented.z)};
+    return {static_cast<Number>(oriented.x), static_cast<Number>(oriented.y),
+            static_cast<Number>(oriented.z)};
 }
 
 /// Unit eigenvector for the real eigenvalue: the rows of A = T - l I are normal to it, so the cross
 /// product of two of them is along it.
-QEL_KERNEL Triple realEigenvector(const Gradient& t, float eigenvalue) {
-    const Gradient shifted = {t.t11 - eigenvalue, t.t12, t.t13, t.t21,
-                              t.t22 - eigenvalue, t.t23, t.t31, t.t32,
-                              t.t33 - eigenvalue};
+template <typename Number>
+QEL_KERNEL BasicTriple<Number> realEigenvector(const BasicGradient<Number>& t, Number eigenvalue) {
+    const BasicGradient<Number> shifted = {t.t11 - eigenvalue, t.t12, t.t13, t.t21,
+                                           t.t22 - eigenvalue, t.t23, t.t31, t.t32,
+                                           t.t33 - eigenvalue};
     const WideGradient a = widened(shifted);
     const WideTriple a1 = {a.t11, a.t12, a.t13};
     const WideTriple a2 = {a.t21, a.t22, a.t23};
     const WideTriple a3 = {a.t31, a.t32, a.t33};
-    return directionOfLongest(cross(a1, a2), cross(a1, a3), cross(a2, a3), widened(t));
+    return directionOfLongest<Number>(cross(a1, a2), cross(a1, a3), cross(a2, a3), widened(t));
 }
 
 /// Unit normal of the swirl plane: that plane is the null space of
 /// B = T T - 2 lcr T + (lci^2 + lcr^2) I, so every row of B is along the normal.
-QEL_KERNEL Triple swirlPlaneNormal(const Gradient& gradient, float realEigenvalue,
-                                   float swirlStrength) {
+template <typename Number>
+QEL_KERNEL BasicTriple<Number> swirlPlaneNormal(const BasicGradient<Number>& gradient,
+                                                Number realEigenvalue, Number swirlStrength) {
     const WideGradient t = widened(gradient);
     const double realPart = (t.t22 + t.t11 + t.t33 - static_cast<double>(realEigenvalue)) * 0.5;
     const double twice = 2.0 * realPart;
@@ -262,7 +290,7 @@ QEL_KERNEL Triple swirlPlaneNormal(const Gradient& gradient, float realEigenvalu
     const WideTriple b3 = {t.t31 * t.t11 + t.t32 * t.t21 + t.t33 * t.t31 - twice * t.t31,
                            t.t31 * t.t12 + t.t32 * t.t22 + t.t33 * t.t32 - twice * t.t32,
                            t.t31 * t.t13 + t.t32 * t.t23 + t.t33 * t.t33 - twice * t.t33 + m};
-    return directionOfLongest(b1, b2, b3, t);
+    return directionOfLongest<Number>(b1, b2, b3, t);
 }
 
 // -- What is built on them, where the swirl strength is positive ----
@@ -283,10 +311,17 @@ QEL_KERNEL float normalHelicity(const Gradient& t, float eigenvalue, float stren
     return Helicity::at(t, swirlPlaneNormal(t, eigenvalue, strength));
 }
 
-QEL_KERNEL float stretchRate(const Gradient& t, float eigenvalue, float strength) {
-    const Triple e = realEigenvector(t, eigenvalue);
-    const Triple n = swirlPlaneNormal(t, eigenvalue, strength);
+/// @param e  the real eigenvector
+/// @param n  the normal of the swirl plane
+template <typename Number>
+QEL_KERNEL Number stretchRate(const BasicTriple<Number>& e, const BasicTriple<Number>& n,
+                              Number strength) {
     return (e.x * n.x + e.y * n.y + e.z * n.z) * strength;
+}
+
+QEL_KERNEL float swirlStretchRate(const Gradient& t, float eigenvalue, float strength) {
+    return stretchRate(realEigenvector(t, eigenvalue), swirlPlaneNormal(t, eigenvalue, strength),
+                       strength);
 }
 
 } // namespace qel

@@ -73,20 +73,24 @@ constexpr double kCubeRootBound = 1e-12;
 constexpr double kMinRadicand = 1e-290;
 constexpr double kMaxRadicand = 1e290;
 
-/// Cube root of x > 0 within the range, without its error interval; exact for 0. NaN or an infinity
-/// for those.
-///
-/// Minus a third of the exponent and leading digits, taken as one number, gives y within 4 % of the
-/// inverse root (the constant mends the exponent's bias). With e = x y^3 - 1, close enough to 0 for
-/// a Chebyshev fit of degree 9 on [-0.1022, 0.1019], the root is x y^2 (1 + e)^(-2/3).
-QEL_KERNEL double cubeRoot(double x) {
+/// Within 4 % of the inverse cube root of x > 0: minus a third of the exponent and leading digits,
+/// taken as one number (the constant mends the exponent's bias).
+QEL_KERNEL double inverseCubeRootGuess(double x) {
     constexpr std::uint64_t kTwoTo52Bits = 0x4330000000000000u;
     constexpr double kTwoTo52 = 4503599627370496.0;
     constexpr double kBias = 1430186264.0;
     const double head = doubleOf((bitsOf(x) >> 32) | kTwoTo52Bits) - kTwoTo52;
     const double inverseHead = head * (-1.0 / 3.0) + (kBias + kTwoTo52);
-    const double y = doubleOf(bitsOf(inverseHead) << 32);
+    return doubleOf(bitsOf(inverseHead) << 32);
+}
 
+/// Cube root of x > 0 within the range, without its error interval; exact for 0. NaN or an infinity
+/// for those.
+///
+/// Of a guess y of the inverse root, e = x y^3 - 1 is close enough to 0 for a Chebyshev fit of
+/// degree 9 on [-0.1022, 0.1019]; the root is x y^2 (1 + e)^(-2/3).
+QEL_KERNEL double cubeRoot(double x) {
+    const double y = inverseCubeRootGuess(x);
     const double xy2 = x * y * y;
     const double e = std::fma(xy2, y, -1.0);
     const double correction = polynomial(

@@ -14,9 +14,9 @@
 #include <typeinfo>
 #include <utility>
 
-#include "platform/VectorDispatch.h"
 #include "tensor/FieldKernels.h"
 #include "tensor/FieldMemory.h"
+#include "tensor/FieldOperations.h"
 #include "tensor/PointFormulas.h"
 
 namespace qel {
@@ -24,44 +24,7 @@ namespace {
 
 using Triplet = TripletBase<float>;
 
-// -- Operations: the formula at one point, and the kernel for many ----
-
-template <typename Formula>
-struct InGroups : Formula {
-    template <std::size_t width>
-    using Kernel = GroupKernel<Formula, width>;
-};
-
-struct Discriminant {
-    template <typename Divisor = double>
-    QEL_KERNEL static float at(const Gradient& t) {
-        return static_cast<float>(characteristicCubic<Divisor>(t).discriminant);
-    }
-    QEL_KERNEL static Enclosure<float> enclose(const Gradient& t) {
-        const float value = at<ConstantDivisor>(t);
-        return {value, value};
-    }
-    template <std::size_t width>
-    using Kernel = EnclosureKernel<Discriminant, width>;
-};
-
-struct SecondEigenvalue {
-    static float at(const Gradient& t) { return middleRoot(symmetricCubic<double>(t)); }
-    QEL_KERNEL static Enclosure<float> enclose(const Gradient& t) {
-        return encloseMiddleRoot(symmetricCubic<ConstantDivisor>(t));
-    }
-    template <std::size_t width>
-    using Kernel = EnclosureKernel<SecondEigenvalue, width>;
-};
-
-struct SwirlAnalysis {
-    static Swirl at(const Gradient& t) { return swirlOf(characteristicCubic<double>(t)); }
-    QEL_KERNEL static Enclosure<Swirl> enclose(const Gradient& t) {
-        return encloseSwirl(characteristicCubic<ConstantDivisor>(t));
-    }
-    template <std::size_t width>
-    using Kernel = EnclosureKernel<SwirlAnalysis, width>;
-};
+// -- Operations ----
 
 // A formula of the tensor, the real eigenvalue and the swirl strength; 0 where it does not swirl.
 template <auto formula>
@@ -77,15 +40,6 @@ struct OfSwirl {
     template <std::size_t width>
     using Kernel = SwirlKernel<OfSwirl, width>;
 };
-
-// out = the operation at each of n points.
-template <typename Operation, typename Output, typename... Inputs>
-void compute(std::size_t n, const Output& out, const Inputs&... inputs) {
-    std::size_t k = onFloatLanes<Operation::template Kernel>(n, out, inputs...);
-    for (; k < n; ++k) {
-        out.set(k, Operation::at(inputs.at(k)...));
-    }
-}
 
 // -- Arrays ----
 
@@ -290,7 +244,7 @@ void TensorEigenizer::getSwirlStrength(FloatQELVector& swirl,
 
 void TensorEigenizer::getSwirlStretchRate(FloatQELVector& swirl, FloatQELVector& realEigenvalue,
                                           FloatQELVector& out) const {
-    evaluate<OfSwirl<stretchRate>>({n_, *row1_, *row2_, *row3_}, out, swirl, realEigenvalue);
+    evaluate<OfSwirl<swirlStretchRate>>({n_, *row1_, *row2_, *row3_}, out, swirl, realEigenvalue);
 }
 
 void TensorEigenizer::getRealEigenHelicity(FloatQELVector& swirl, FloatQELVector& realEigenvalue,

@@ -1,6 +1,7 @@
 // Quantities of the velocity-gradient tensor.
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
+#include <qel/GradientAnalysis.h>
 #include <qel/TensorEigenizer.h>
 #include <qel/TripletQELVector.h>
 
@@ -196,11 +197,97 @@ void addEigenanalysis(Operations& operations) {
     operations.push_back({"TensorEigenizer.onePoint", exact, onePoint});
 }
 
+// -- The analysis of views ----
+
+// The gradients of a field, nine by nine.
+template <typename T>
+struct Gradients {
+    explicit Gradients(const Field& field) {
+        for (std::size_t i = 0; i < field.size(); ++i) {
+            for (const FloatPoint& t : {field.row1[i], field.row2[i], field.row3[i]}) {
+                nine.insert(nine.end(),
+                            {static_cast<T>(t.x), static_cast<T>(t.y), static_cast<T>(t.z)});
+            }
+            velocity.emplace_back(field.velocity[i]);
+        }
+    }
+    qel::TensorView<const T> view() const { return {nine.data(), velocity.size()}; }
+
+    std::vector<T> nine;
+    std::vector<qel::TripletBase<T>> velocity;
+};
+
+template <typename T>
+using Numbers = std::vector<T>;
+
+// Fields that need no function of the C library, also scaled.
+template <typename T>
+void analyzeSimpleFields(Checksum& sum) {
+    forFields([&](Field& field) {
+        const Gradients<T> gradients(field);
+        const std::size_t n = field.size();
+        Numbers<T> q(n), criterion(n), divergence(n), discriminant(n), spin(n), strain(n),
+            helicity(n);
+        std::vector<qel::TripletBase<T>> vorticity(n);
+        qel::GradientFields<T> out;
+        out.invariantQ = q;
+        out.qCriterion = criterion;
+        out.divergence = divergence;
+        out.discriminant = discriminant;
+        out.vorticityMagnitude = spin;
+        out.strainMagnitude = strain;
+        out.vorticity = vorticity;
+        out.helicity = helicity;
+        qel::GradientOptions options;
+        for (const bool isScaled : {false, true}) {
+            options.isScaled = isScaled;
+            qel::analyzeGradients(gradients.view(), gradients.velocity, out, options);
+            sum.add(q, criterion, divergence, discriminant, spin, strain, vorticity, helicity);
+        }
+    });
+}
+
+template <typename T>
+void analyzeRoots(Checksum& sum) {
+    forFields([&](Field& field) {
+        const Gradients<T> gradients(field);
+        const std::size_t n = field.size();
+        Numbers<T> lambda2(n), strength(n), eigenvalue(n), stretch(n), along(n), normal(n);
+        std::vector<qel::TripletBase<T>> vector(n), swirlNormal(n);
+        qel::GradientFields<T> out;
+        out.lambda2 = lambda2;
+        out.swirlStrength = strength;
+        out.realEigenvalue = eigenvalue;
+        out.swirlStretchRate = stretch;
+        out.realEigenHelicity = along;
+        out.normalEigenHelicity = normal;
+        out.realEigenvector = vector;
+        out.swirlNormal = swirlNormal;
+        qel::GradientOptions options;
+        for (const double floor : {0.0, 1e-3}) {
+            options.noiseFloor = floor;
+            options.isScaled = floor > 0.0;
+            qel::analyzeGradients(gradients.view(), out, options);
+            sum.add(lambda2, strength, eigenvalue, stretch, along, normal, vector, swirlNormal);
+        }
+    });
+}
+
+void addGradientAnalysis(Operations& operations) {
+    constexpr Arithmetic exact = Arithmetic::exact;
+    operations.push_back({"GradientAnalysis.simpleFields", exact, analyzeSimpleFields<float>});
+    operations.push_back(
+        {"GradientAnalysis.simpleFieldsOfDoubles", exact, analyzeSimpleFields<double>});
+    operations.push_back({"GradientAnalysis.roots", Arithmetic::libm, analyzeRoots<float>});
+    operations.push_back({"GradientAnalysis.rootsOfDoubles", exact, analyzeRoots<double>});
+}
+
 } // namespace
 
 void addTensorOperations(Operations& operations) {
     addInvariants(operations);
     addEigenanalysis(operations);
+    addGradientAnalysis(operations);
 }
 
 } // namespace qel_checksums

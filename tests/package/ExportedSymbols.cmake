@@ -17,7 +17,7 @@ set(polymorphic FloatQELVector FloatQELVectorConcrete FloatQELVectorComponent Tr
 # Batch interface: classes and free functions.
 set(batch_classes CurveView CurveLocator ScalarStatistics TripletStatistics)
 set(batch_functions
-    findCrossings findCrossingsWithSegment findCrossingsWithLine findCrossingsWithPlane
+    analyzeGradients findCrossings findCrossingsWithSegment findCrossingsWithLine findCrossingsWithPlane
     simplifyToError simplifyToCount computeCurveShape computeSignedArea computeOrientation
     resampleCurve)
 set(classes ${host_classes} ${batch_classes})
