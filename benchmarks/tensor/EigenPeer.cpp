@@ -138,14 +138,29 @@ bool isIterative(const Work& work) {
     return work.pass == realEigenvector || std::string(work.name) == "swirl";
 }
 
+// out[k] = function(T at k).
+template <typename Function>
+void perPoint(const DoubleGradients& in, double* out, const Function& function) {
+    for (std::size_t k = 0; k < in.n; ++k) {
+        const Eigen::Map<const Eigen::Matrix<double, 3, 3, Eigen::RowMajor>> t(in.nine + 9 * k);
+        out[k] = function(Eigen::Matrix3d(t));
+    }
+}
+
 } // namespace
 
+void addEigenOfDoubles(Row& row, const char* work, const DoubleGradients& in) {
+    const auto out = std::make_shared<std::vector<double>>(in.n);
+    if (std::string(work) == "lambda2") {
+        row.add("Eigen", [out, in] { perPoint(in, out->data(), lambda2Of); });
+    } else if (in.isFinite) {
+        row.add("Eigen", [out, in] { perPoint(in, out->data(), swirlOf); });
+    }
+}
+
 void addEigen(Row& row, const char* name, const GradientInput& in) {
-    const std::string shape = in.shape.name;
-    const bool isFinite =
-        shape.find("nan") == std::string::npos && shape != "huge" && shape != "undefined_among";
     for (const Work& work : kWorks) {
-        if (std::string(work.name) == name && (isFinite || !isIterative(work))) {
+        if (std::string(work.name) == name && (in.isFinite() || !isIterative(work))) {
             const auto out = std::make_shared<std::vector<float>>(in.n * work.floatsAtAPoint);
             row.add("Eigen", [out, &in, pass = work.pass] { pass(in, out->data()); });
         }

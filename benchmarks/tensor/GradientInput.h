@@ -5,6 +5,7 @@
 // library can take as it is.
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include <qel/FloatQELVectorComponent.h>
@@ -32,6 +33,11 @@ struct GradientInput {
     mutable qel::FloatQELVectorConcrete swirl, realEigenvalue;
     // The arrays' own memory, so that all find it in the same caches.
     const Triplet *r1, *r2, *r3, *u;
+
+    bool isFinite() const {
+        const std::string name = shape.name;
+        return name.find("nan") == std::string::npos && name != "huge" && name != "undefined_among";
+    }
 
     // A row as x, y, z of each point in turn.
     const float* at(int row) const { return &(row == 0 ? r1 : row == 1 ? r2 : r3)->x; }
@@ -62,6 +68,15 @@ private:
 using AddPeer = void (*)(Row& row, const char* work, const GradientInput& in);
 void addEigen(Row& row, const char* work, const GradientInput& in);
 void addGsl(Row& row, const char* work, const GradientInput& in);
+
+// Gradients of doubles, nine by nine.
+struct DoubleGradients {
+    const double* nine;
+    std::size_t n;
+    bool isFinite;
+};
+void addEigenOfDoubles(Row& row, const char* work, const DoubleGradients& in);
+void addGslOfDoubles(Row& row, const char* work, const DoubleGradients& in);
 
 } // namespace qel_benchmark
 

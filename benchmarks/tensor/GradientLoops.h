@@ -36,7 +36,9 @@ struct Cubic {
     double discriminant() const { return p * p * p / 27.0 + h * h; }
 };
 
-inline Cubic cubicOf(const Triplet& r1, const Triplet& r2, const Triplet& r3) {
+template <typename T>
+Cubic cubicOf(const qel::TripletBase<T>& r1, const qel::TripletBase<T>& r2,
+              const qel::TripletBase<T>& r3) {
     const double t11 = static_cast<double>(r1.x), t12 = static_cast<double>(r1.y),
                  t13 = static_cast<double>(r1.z), t21 = static_cast<double>(r2.x),
                  t22 = static_cast<double>(r2.y), t23 = static_cast<double>(r2.z),
@@ -54,16 +56,17 @@ inline double cubeRoot(double x) {
     return x >= 0.0 ? std::pow(x, kThird) : -std::pow(-x, kThird);
 }
 
-inline void swirlStrength(const Cubic& c, float& swirl, float& eigenvalue) {
+template <typename T>
+void swirlStrength(const Cubic& c, T& swirl, T& eigenvalue) {
     const double d = c.discriminant();
     if (d > 0.0) {
         const double s = std::sqrt(d);
         const double t = cubeRoot(s - c.h) - cubeRoot(s + c.h);
-        swirl = static_cast<float>(std::sqrt(0.75 * t * t + c.p));
-        eigenvalue = static_cast<float>(t - c.a / 3.0);
+        swirl = static_cast<T>(std::sqrt(0.75 * t * t + c.p));
+        eigenvalue = static_cast<T>(t - c.a / 3.0);
     } else {
-        swirl = 0.0f;
-        eigenvalue = static_cast<float>(-2.0 * cubeRoot(c.h) - c.a / 3.0);
+        swirl = 0;
+        eigenvalue = static_cast<T>(-2.0 * cubeRoot(c.h) - c.a / 3.0);
     }
 }
 
@@ -72,7 +75,9 @@ struct Symmetric {
     double m11, m22, m33, m12, m23, m13;
 };
 
-inline Symmetric strainAndSpin(const Triplet& r1, const Triplet& r2, const Triplet& r3) {
+template <typename T>
+Symmetric strainAndSpin(const qel::TripletBase<T>& r1, const qel::TripletBase<T>& r2,
+                        const qel::TripletBase<T>& r3) {
     const double t11 = static_cast<double>(r1.x), t12 = static_cast<double>(r1.y),
                  t13 = static_cast<double>(r1.z), t21 = static_cast<double>(r2.x),
                  t22 = static_cast<double>(r2.y), t23 = static_cast<double>(r2.z),

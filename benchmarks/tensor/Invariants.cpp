@@ -2,11 +2,11 @@
 //
 // The plain loop of the eigenvector works calls the library's two functions for one point.
 
-#include <cstring>
 #include <string>
 
 #include "support/Limit.h"
 #include "support/Program.h"
+#include "tensor/AnalysisWorks.h"
 #include "tensor/GradientInput.h"
 #include "tensor/GradientLoops.h"
 
@@ -16,17 +16,6 @@ namespace {
 using qel::FloatQELVector;
 using qel::FloatQELVectorConcrete;
 using qel::TripletQELVector;
-
-// A NaN equals any other.
-bool sameBits(const float* a, const float* b, std::size_t n) {
-    for (std::size_t i = 0; i < n; ++i) {
-        const bool bothNaN = a[i] != a[i] && b[i] != b[i];
-        if (!bothNaN && std::memcmp(a + i, b + i, sizeof(float)) != 0) {
-            return false;
-        }
-    }
-    return true;
-}
 
 void addPeers(Row& row, const char* work, const GradientInput& in) {
 #if defined(QEL_BENCHMARK_HAS_EIGEN)
@@ -250,7 +239,7 @@ void stretchRate(Row& row, const GradientInput& in) {
 int main(int argc, char** argv) {
     using namespace qel_benchmark;
     Program program(argc, argv, "tensor");
-    Works<qel_test::GradientShape, GradientInput> works;
+    GradientWorks works;
     works.add("q", invariantQ);
     works.add("divergence", divergence);
     works.add("vorticity", vorticity);
@@ -264,5 +253,6 @@ int main(int argc, char** argv) {
     works.add("eigenvector_helicity", eigenvectorHelicity);
     works.add("normal_helicity", normalHelicity);
     works.add("stretch_rate", stretchRate);
+    addAnalysisWorks(works);
     works.measure(program, qel_test::gradientShapes());
 }
