@@ -38,24 +38,14 @@ struct CumulateKernel {
         double lengths[kBlock];
         double sum = 0.0;
         distances[0] = sum;
-        std::size_t i = 1;
-        for (; i + kBlock <= count; i += kBlock) {
-            compute(steps, i - 1, kBlock, lengths);
-            for (std::size_t j = 0; j < kBlock; ++j) {
+        for (std::size_t i = 1; i < count; i += kBlock) {
+            const std::size_t n = std::min(kBlock, count - i);
+            for (std::size_t j = 0; j < n; ++j) {
+                lengths[j] = steps[i - 1 + j];
+            }
+            for (std::size_t j = 0; j < n; ++j) {
                 distances[i + j] = sum += lengths[j];
             }
-        }
-        compute(steps, i - 1, count - i, lengths);
-        for (std::size_t j = 0; i + j < count; ++j) {
-            distances[i + j] = sum += lengths[j];
-        }
-    }
-
-private:
-    QEL_KERNEL static void compute(Steps steps, std::size_t first, std::size_t count,
-                                   double* lengths) {
-        for (std::size_t j = 0; j < count; ++j) {
-            lengths[j] = steps[first + j];
         }
     }
 };

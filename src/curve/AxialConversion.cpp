@@ -86,12 +86,19 @@ struct Vectors {
     }
 };
 
-// A block of points in the coordinates of the axis, and the unit vectors from that to them, behind
-// the one to the point before the block.
+// A block of points in the coordinates of the axis; the unit vectors from that to them, behind the
+// one to the point before the block; and the turns, each from the radial before: its part across
+// that radial, and along it.
 struct Converted {
     double axial[kBlock];
     double radial[kBlock];
     Vectors radials;
+    double across[kBlock];
+    double along[kBlock];
+
+    double turn(std::size_t i) const {
+        return along[i] == 0.0 && across[i] == 0.0 ? 0.0 : std::atan2(across[i], along[i]);
+    }
 };
 
 // The length by which a vector is made one of unit length: its own, or one for a zero vector. A
@@ -121,28 +128,11 @@ struct ConvertKernel {
             converted->radial[i] = v.dot(radial);
             converted->radials.set(i + 1, radial);
         }
-    }
-};
-
-// The turns of a block, each from the radial before: y along the turn, x along that radial.
-struct Turns {
-    double y[kBlock];
-    double x[kBlock];
-
-    double angle(std::size_t i) const {
-        return x[i] == 0.0 && y[i] == 0.0 ? 0.0 : std::atan2(y[i], x[i]);
-    }
-};
-
-struct TurnsKernel {
-    QEL_KERNEL static void run(const Axis* axis, const Vectors* radials, std::size_t count,
-                               Turns* turns) {
-        const Point d = axis->direction;
         for (std::size_t i = 0; i < count; ++i) {
-            const Point from = (*radials)[i];
-            const Point to = (*radials)[i + 1];
-            turns->y[i] = to.dot(d.cross(from));
-            turns->x[i] = to.dot(from);
+            const Point from = converted->radials[i];
+            const Point to = converted->radials[i + 1];
+            converted->across[i] = to.dot(d.cross(from));
+            converted->along[i] = to.dot(from);
         }
     }
 };
@@ -153,15 +143,12 @@ template <typename Target>
 void followAngles(const Axis& axis, const Points& points, const Point& radial, double theta,
                   std::ptrdiff_t index, std::ptrdiff_t step, std::size_t count, Target* out) {
     Converted converted;
-    Turns turns;
     converted.radials.set(0, radial);
     while (count > 0) {
         const std::size_t n = std::min(count, kBlock);
         onVectorUnitFrom<ConvertKernel>(n, &axis, points.data() + index, step, n, &converted);
-        onVectorUnitFrom<TurnsKernel>(n, &axis, static_cast<const Vectors*>(&converted.radials), n,
-                                      &turns);
         for (std::size_t i = 0; i < n; ++i, index += step) {
-            theta += turns.angle(i);
+            theta += converted.turn(i);
             out[index] = Target(Point(converted.axial[i], converted.radial[i], theta));
         }
         converted.radials.set(0, converted.radials[n]);
@@ -174,6 +161,7 @@ void followAngles(const Axis& axis, const Points& points, const Point& radial, d
 template <typename Target>
 void setAxialRadial(const Axis& axis, const Points& points, Target* out) {
     Converted converted;
+    converted.radials.set(0, Point());
     for (std::size_t first = 0; first < points.size(); first += kBlock) {
         const std::size_t count = std::min(kBlock, points.size() - first);
         onVectorUnitFrom<ConvertKernel>(count, &axis, points.data() + first, kForwards, count,
@@ -192,6 +180,7 @@ template <typename Target>
 void setAxialRadialAngle(const Axis& axis, const Points& points, std::size_t reference,
                          double theta0, Target* out) {
     Converted converted;
+    converted.radials.set(0, Point());
     runPortable<ConvertKernel>(&axis, points.data() + reference, kForwards, std::size_t{1},
                                &converted);
     out[reference] = Target(Point(converted.axial[0], converted.radial[0], theta0));

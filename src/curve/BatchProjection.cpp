@@ -14,7 +14,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
+#include <memory>
 
 #include "curve/NearestVertex.h"
 #include "curve/Projection.h"
@@ -41,7 +41,8 @@ public:
     NearestVertexSearch(const Points& points, std::size_t probes)
         : points_(points), probesLeft_(probes) {
         if (points.size() >= kMinVertices && probes >= kMinProbes) {
-            bvh_.emplace(points.data(), points.size(), VertexBvh::Order::alongCurve);
+            bvh_ = std::make_unique<VertexBvh>(points.data(), points.size(),
+                                               VertexBvh::Order::alongCurve);
         }
     }
 
@@ -83,7 +84,8 @@ private:
         const double building = count * std::log2(count) * kVisitsOfHalving;
         if ((visits - needed) * static_cast<double>(probesLeft_) > building) {
             isAlongCurve_ = false;
-            bvh_.emplace(points_.data(), points_.size(), VertexBvh::Order::inSpace);
+            bvh_ = std::make_unique<VertexBvh>(points_.data(), points_.size(),
+                                               VertexBvh::Order::inSpace);
             search_ = {};
             pause_ = 0;
             pauseLeft_ = 0;
@@ -92,8 +94,8 @@ private:
 
     const Points& points_;
     std::size_t probesLeft_;
-    std::size_t probesDone_ = 0; // by the hierarchy
-    std::optional<VertexBvh> bvh_;
+    std::size_t probesDone_ = 0;     // by the hierarchy
+    std::unique_ptr<VertexBvh> bvh_; // none where all vertices are looked at
     bool isAlongCurve_ = true;
     VertexBvh::Search search_;
     // After searches that were given up, probes that are not tried with the hierarchy.

@@ -12,7 +12,6 @@
 
 #include "curve/ArcLength.h"
 #include "curve/Conversions.h"
-#include "curve/FillVector.h"
 #include "curve/Validation.h"
 
 namespace qel {

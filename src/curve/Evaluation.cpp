@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "curve/Bounds.h"
-#include "curve/FillVector.h"
 #include "curve/Validation.h"
 
 namespace qel {

@@ -86,11 +86,11 @@ private:
              bits != 0 && !isFound; bits &= bits - 1) {
             const std::size_t number = group * kFan + static_cast<std::size_t>(lowestBit(bits));
             takeAlong(walkedBvh_.box(level, number), otherLevel, goesDown, first, last);
-            isFound = level == 1
-                          ? meetsNear(number, last, crossing)
-                          : near_.size() > last &&
-                                findInGroup(level - 1, number,
-                                            goesDown ? otherLevel - 1 : otherLevel, last, crossing);
+            if (near_.size() > last) {
+                const std::size_t inner = goesDown ? otherLevel - 1 : otherLevel;
+                isFound = level == 1 ? meetsNear(number, last, crossing)
+                                     : findInGroup(level - 1, number, inner, last, crossing);
+            }
             near_.resize(last);
         }
         return isFound;

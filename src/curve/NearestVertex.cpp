@@ -53,62 +53,44 @@ public:
         group_ = isNearer ? Integers{} + static_cast<std::int64_t>(group) : group_;
     }
 
-    /// Of the points at the least distance of two sets of lanes, the first.
-    QEL_KERNEL std::size_t first(const NearestOfLanes& other) const {
+    /// Of the points at the least distance, the first.
+    QEL_KERNEL std::size_t first() const {
         double least = HUGE_VAL;
         for (std::size_t lane = 0; lane < width; ++lane) {
-            least = std::min({least, least_[lane], other.least_[lane]});
+            least = std::min(least, least_[lane]);
         }
-        return std::min(firstAt(least), other.firstAt(least));
+        std::int64_t first = std::numeric_limits<std::int64_t>::max();
+        for (std::size_t lane = 0; lane < width; ++lane) {
+            const std::int64_t index = group_[lane] + static_cast<std::int64_t>(lane);
+            first = least_[lane] == least ? std::min(first, index) : first;
+        }
+        return static_cast<std::size_t>(first);
     }
 
 private:
     using Numbers = typename Register<double, width>::Type;
     using Integers = decltype(Numbers{} < Numbers{});
 
-    QEL_KERNEL std::size_t firstAt(double d2) const {
-        std::int64_t first = std::numeric_limits<std::int64_t>::max();
-        for (std::size_t lane = 0; lane < width; ++lane) {
-            const std::int64_t index = group_[lane] + static_cast<std::int64_t>(lane);
-            first = least_[lane] == d2 ? std::min(first, index) : first;
-        }
-        return static_cast<std::size_t>(first);
-    }
-
     Numbers least_;
     Integers group_;
 };
 
-/// Several probes at once. A single one has two sets of lanes, so that one need not wait for the
-/// other.
+/// Several probes at once.
 template <std::size_t width, std::size_t probes>
 struct LanesKernel {
-    static constexpr std::size_t kSets = probes == 1 ? 2 : 1;
-
     QEL_KERNEL static void run(const Point* points, std::size_t count, const Point* q,
                                std::size_t* nearest) {
-        NearestOfLanes<width> lanes[probes][kSets];
-        std::size_t i = 0;
-        for (; i + kSets * width <= count; i += kSets * width) {
-            for (std::size_t set = 0; set < kSets; ++set) {
-                const std::size_t group = i + set * width;
-                const PointLanes<width> p = PointLanes<width>::read(points + group);
-                for (std::size_t k = 0; k < probes; ++k) {
-                    lanes[k][set].take(p, group, q[k]);
-                }
-            }
-        }
-        for (const std::size_t group : {i, count - width}) { // those seen again change nothing
-            if (group + width <= count) {
-                const PointLanes<width> p = PointLanes<width>::read(points + group);
-                for (std::size_t k = 0; k < probes; ++k) {
-                    lanes[k][0].take(p, group, q[k]);
-                }
+        NearestOfLanes<width> lanes[probes];
+        for (std::size_t i = 0; i < count; i += width) {
+            const std::size_t group = std::min(i, count - width); // those seen again change nothing
+            const PointLanes<width> p = PointLanes<width>::read(points + group);
+            for (std::size_t k = 0; k < probes; ++k) {
+                lanes[k].take(p, group, q[k]);
             }
         }
         for (std::size_t k = 0; k < probes; ++k) {
             nearest[k] = squaredDistance(points[0], q[k]) < HUGE_VAL
-                             ? lanes[k][0].first(lanes[k][kSets - 1])
+                             ? lanes[k].first()
                              : ReferenceKernel::run(points, count, q[k]);
         }
     }

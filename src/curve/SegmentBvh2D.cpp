@@ -93,7 +93,7 @@ QEL_KERNEL void widen(float* sides, std::size_t row) {
     }
 }
 
-// The lesser or the greater of each two numbers, any of which may be NaN.
+// The lesser or the greater of each two numbers; the first if the second is NaN.
 template <float (*choose)(float, float), std::size_t count>
 QEL_KERNEL void pairUp(const float* row, float* half) {
 #pragma GCC unroll 1

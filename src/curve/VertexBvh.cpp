@@ -65,7 +65,6 @@ QEL_KERNEL double larger(double a, double b) {
 #if defined(QEL_SHUFFLES)
 
 using Quad = typename Register<double, 4>::Type;
-using QuadBits = decltype(Quad{} < Quad{});
 
 QEL_KERNEL void read(const double* from, Quad& to) {
     std::memcpy(&to, from, sizeof to);
@@ -85,21 +84,7 @@ QEL_KERNEL double leastOf(const Quad& v) {
 #endif
 
 // A bit for each vertex of a leaf that is at a squared distance.
-template <bool isSimd>
 QEL_KERNEL std::uint64_t verticesAt(double d2, const double* d2OfLeaf) {
-#if defined(QEL_SHUFFLES)
-    if constexpr (isSimd) {
-        QuadBits vertices{};
-        QuadBits bits = {1, 2, 4, 8};
-        for (std::size_t i = 0; i < kLeaf; i += 4, bits <<= 4) {
-            Quad d;
-            read(d2OfLeaf + i, d);
-            vertices |= (d == d2) & bits;
-        }
-        vertices |= __builtin_shufflevector(vertices, vertices, 2, 3, 0, 1);
-        return static_cast<std::uint64_t>(vertices[0] | vertices[1]);
-    }
-#endif
     std::uint64_t vertices = 0;
     for (std::size_t i = 0; i < kLeaf; ++i) {
         vertices |= (d2OfLeaf[i] == d2 ? std::uint64_t{1} : std::uint64_t{0}) << i;
@@ -151,36 +136,12 @@ QEL_KERNEL void searchLeaf(const VertexBvh::View& view, std::size_t leaf, const 
     const double least = measureLeaf<isSimd>(view.points + first, q, d2);
     if (least <= best.d2 && least < kInfinity) { // else a leaf of NaN may have no vertex at it
         const auto index =
-            static_cast<double>(lowestIndex(verticesAt<isSimd>(least, d2), first, view.indices));
+            static_cast<double>(lowestIndex(verticesAt(least, d2), first, view.indices));
         if (mayPrecede(least, index, best)) {
             best = {least, index, leaf};
         }
     }
 }
-
-#if defined(QEL_SHUFFLES)
-
-QEL_KERNEL Lanes<double, 4> squaredGap(const double* low, const double* high, double at) {
-    Quad below;
-    Quad above;
-    read(low, below);
-    read(high, above);
-    below -= at;
-    above = at - above;
-    below = below > above ? below : above;
-    below = below > 0.0 ? below : Quad{};
-    return {below * below};
-}
-
-// Of q from four boxes.
-QEL_KERNEL Lanes<double, 4> squaredGaps(const VertexBvh::Node& node, std::size_t i,
-                                        const Point& q) {
-    return squaredGap(node.low[0] + i, node.high[0] + i, q.x) +
-           squaredGap(node.low[1] + i, node.high[1] + i, q.y) +
-           squaredGap(node.low[2] + i, node.high[2] + i, q.z);
-}
-
-#endif
 
 // -- Keys: a squared distance with the number of the box in its lowest bits ----
 
@@ -213,29 +174,9 @@ QEL_KERNEL double greatestKeyOf(double d2) {
 // themselves, and the keys of the boxes; infinite for boxes that do not matter. Those that are not
 // there are infinitely far away and never do: the best is nearer, or it is vertex 0. Sides may be
 // infinite but q is not, so no NaN arises.
-template <bool isSimd>
 QEL_KERNEL void measureBoxes(const VertexBvh::Node& node, const Point& q, const Best& best,
                              double* d2, double* keys) {
-#if defined(QEL_SHUFFLES)
-    if constexpr (isSimd) {
-        for (std::size_t i = 0; i < kFan; i += 4) {
-            const Quad d = squaredGaps(node, i, q).value;
-            write(d, d2 + i);
-            Quad first;
-            read(node.first + i, first);
-            const QuadBits matters = (d < best.d2) | ((d == best.d2) & (first < best.index));
-            Quad within = d > kMinKey ? d : Quad{} + kMinKey;
-            within = within < kMaxKey ? within : Quad{} + kMaxKey;
-            QuadBits bits;
-            std::memcpy(&bits, &within, sizeof bits);
-            bits = (bits & ~QuadBits{7, 7, 7, 7}) |
-                   (QuadBits{0, 1, 2, 3} + static_cast<std::int64_t>(i));
-            std::memcpy(&within, &bits, sizeof bits);
-            write(matters ? within : Quad{} + kInfinity, keys + i);
-        }
-        return;
-    }
-#endif
+#pragma GCC unroll 1 // so that it becomes one of lanes
     for (std::size_t i = 0; i < kFan; ++i) {
         const double x = larger(larger(node.low[0][i] - q.x, q.x - node.high[0][i]), 0.0);
         const double y = larger(larger(node.low[1][i] - q.y, q.y - node.high[1][i]), 0.0);
@@ -273,7 +214,7 @@ QEL_KERNEL void enter(const VertexBvh::View& view, std::size_t level, std::size_
                       const Point& q, const Best& best, Frame& frame) {
     frame.node = view.nodes + view.levelStart[level] + number;
     frame.number = number;
-    measureBoxes<isSimd>(*frame.node, q, best, frame.d2, frame.keys);
+    measureBoxes(*frame.node, q, best, frame.d2, frame.keys);
     frame.next = nextKey<isSimd>(frame.keys, 0.0);
 }
 

@@ -1,6 +1,6 @@
 // Vectors written from end to end: sizes, memory, and sources that are the vector itself.
 
-#include "curve/FillVector.h"
+#include "curve/Conversions.h"
 
 #include <new>
 
