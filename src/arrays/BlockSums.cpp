@@ -64,7 +64,7 @@ struct FiniteKernel {
             const Int isNotANumber = -static_cast<Int>(magnitude > infinity);
             const Int isInvalid = isUndefined | isNotANumber;
             const Int key = keyOf(bits);
-            r.least = lesser(r.least, key | (isInvalid & kMost));
+            r.least = lesser(r.least, (key & ~isInvalid) | (isInvalid & kMost));
             r.most = greater(r.most, (key & ~isInvalid) | (isInvalid & kLeast));
             r.undefined -= isUndefined;
             r.notANumber -= isNotANumber;

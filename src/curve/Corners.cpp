@@ -87,8 +87,9 @@ struct CosinesKernel {
         double y[kBlock + 1];
         double z[kBlock + 1];
         double length[kBlock + 1]; // infinite for an undefined step
+        const Point* const before = points - 1;
         for (std::size_t i = 0; i <= count; ++i) {
-            const Point step = points[i] - points[i - 1];
+            const Point step = points[i] - before[i];
             x[i] = step.x;
             y[i] = step.y;
             z[i] = step.z;

@@ -67,9 +67,21 @@ struct SwirlArrays {
     FloatQELVector& strength;
     FloatQELVector& eigenvalue;
 
+    // Both or, if memory runs out, none: what only shrinks goes last, what has grown shrinks again.
     void resize(std::size_t n) {
+        const std::size_t before = strength.size();
+        if (n < before) {
+            eigenvalue.resize(n);
+            strength.resize(n);
+            return;
+        }
         strength.resize(n);
-        eigenvalue.resize(n);
+        try {
+            eigenvalue.resize(n);
+        } catch (...) {
+            strength.resize(before);
+            throw;
+        }
     }
 };
 

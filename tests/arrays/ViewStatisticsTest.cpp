@@ -228,6 +228,22 @@ TYPED_TEST(ScalarStatisticsOf, UndefinedNumbersAndNaNAloneHaveNoExtremes) {
     checkStatistics(values);
 }
 
+// An undefined operation of the processor gives a NaN whose sign is set.
+TYPED_TEST(ScalarStatisticsOf, ANaNOfEitherSignIsNoExtreme) {
+    using T = TypeParam;
+    for (const T nan : {kNotANumberOf<T>, -kNotANumberOf<T>}) {
+        for (const T number : {T(3), T(-3), kInfinityOf<T>, std::numeric_limits<T>::denorm_min()}) {
+            const std::vector<T> values{nan, number, nan};
+            const ScalarStatistics<T> statistics{values};
+            EXPECT_EQ(statistics.getNotANumber(), 2u);
+            EXPECT_EQ(statistics.getMin(), number);
+            EXPECT_EQ(statistics.getMax(), number);
+            EXPECT_EQ(statistics.getMinIndex(), 1u);
+            EXPECT_EQ(statistics.getMaxIndex(), 1u);
+        }
+    }
+}
+
 TYPED_TEST(ScalarStatisticsOf, AnInfinityIsAnExtremeAndTheSum) {
     using T = TypeParam;
     const double inf = kInfinityOf<double>;
