@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "curve/BatchEvaluation.h"
 #include "curve/Conversions.h"
@@ -113,7 +114,7 @@ ParametricCurve* ParametricCurve::createNewCurveBySvalues(const std::vector<doub
                                                           bool keepEnds) const {
     Points points;
     getCurveBySvalues(points, svalues, keepEnds);
-    return new ParametricCurve(points, dimension_);
+    return new ParametricCurve(std::move(points), dimension_);
 }
 
 // -- With a largest step of s ----

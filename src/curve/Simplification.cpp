@@ -14,6 +14,7 @@
 
 #include <qel/QELVector.h>
 
+#include "curve/BracketSearch.h"
 #include "curve/Conversions.h"
 #include "curve/DeviationBounds.h"
 #include "curve/NormalDistance.h"
@@ -142,12 +143,22 @@ Points pointsAt(const Points& points, const std::vector<int>& ids) {
     return chosen;
 }
 
-// Sorted without repeats; NaN last, where they have no order among numbers.
-void sortAndRemoveRepeats(std::vector<double>& values) {
-    const auto firstNan = std::partition(values.begin(), values.end(),
-                                         [](double value) { return !std::isnan(value); });
-    std::sort(values.begin(), firstNan);
-    values.erase(std::unique(values.begin(), values.end()), values.end());
+// Both lists in one, sorted without repeats; NaN last, where they have no order among numbers. A
+// curve's own s-values are in order as a rule, and then need no sorting.
+std::vector<double> unionOf(const std::vector<double>& own, std::vector<double> given) {
+    const bool isOrdered = stepsOf(own.data(), own.size(), 0.0).areInOrder;
+    if (!isOrdered) {
+        given.insert(given.end(), own.begin(), own.end());
+    }
+    const auto firstNan =
+        std::partition(given.begin(), given.end(), [](double value) { return !std::isnan(value); });
+    std::sort(given.begin(), firstNan);
+    std::vector<double> all(given.size() + (isOrdered ? own.size() : 0));
+    const auto ownEnd = isOrdered ? own.end() : own.begin();
+    auto end = std::merge(own.begin(), ownEnd, given.begin(), firstNan, all.begin());
+    end = std::unique(all.begin(), end);
+    all.erase(std::copy(firstNan, given.end(), end), all.end());
+    return all;
 }
 
 } // namespace
@@ -196,12 +207,8 @@ double ParametricCurve::getMaximumNormalDistance(const std::vector<double>& sval
         throw internal::error("ParametricCurve", "createNewCurveBySvalues",
                               SystemMsg("Requested size less than 2."), argumentError);
     }
-    std::vector<double> allSvalues;
-    allSvalues.reserve(svalues_.size() + svalues.size());
-    allSvalues.insert(allSvalues.end(), svalues_.begin(), svalues_.end());
-    allSvalues.insert(allSvalues.end(), svalues.begin(), svalues.end());
-    sortAndRemoveRepeats(allSvalues);
-    const std::unique_ptr<ParametricCurve> refined(createNewCurveBySvalues(allSvalues, true));
+    const std::unique_ptr<ParametricCurve> refined(
+        createNewCurveBySvalues(unionOf(svalues_, svalues), true));
     double largest = 0.0;
     // In the order given, which need not be that of s.
     int previous = refined->getClosestToSvaluePoint(svalues[0]);
