@@ -4,6 +4,8 @@
 /// @file
 /// All crossings of polylines with each other, with lines and with planes. Part of the batch
 /// interface (docs/batch-interface.md).
+///
+/// The functions may be called from any number of threads at once, on outputs of their own.
 
 #include <cstdint>
 #include <vector>

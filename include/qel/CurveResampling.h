@@ -4,6 +4,8 @@
 /// @file
 /// Points along a polyline, and data that its vertices carry. Part of the batch interface
 /// (docs/batch-interface.md).
+///
+/// The functions may be called from any number of threads at once, on outputs of their own.
 
 #include <cstddef>
 #include <type_traits>

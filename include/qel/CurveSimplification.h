@@ -4,6 +4,8 @@
 /// @file
 /// Simplification of polylines to a promised error. Part of the batch interface
 /// (docs/batch-interface.md).
+///
+/// The functions may be called from any number of threads at once, on outputs of their own.
 
 #include <cstddef>
 #include <vector>

@@ -78,9 +78,8 @@ public:
     /// From braces: ParametricCurve curve({{0, 0, 0}, {3, 4, 0}}, ParametricCurve::dim2D);
     ParametricCurve(std::initializer_list<Point> points, dim dimension)
         : ParametricCurve(Points(points), dimension) {}
-    ParametricCurve(std::initializer_list<Point> points, std::initializer_list<double> svalues,
-                    dim dimension)
-        : ParametricCurve(Points(points), std::vector<double>(svalues), dimension) {}
+    ParametricCurve(std::initializer_list<Point> points, std::vector<double> svalues, dim dimension)
+        : ParametricCurve(Points(points), std::move(svalues), dimension) {}
     ParametricCurve(const FloatPoints& points, normalization norm, dim dimension);
     ParametricCurve(const Points& points, const std::vector<double>& svalues, dim dimension);
     ParametricCurve(Points&& points, std::vector<double>&& svalues, dim dimension);
@@ -114,6 +113,9 @@ public:
     ///     normalizeUniform and for anything that is none of the enumeration
     void setPoints(const Points& points, normalization norm, dim dimension);
     void setPoints(const FloatPoints& points, normalization norm, dim dimension);
+    void setPoints(std::initializer_list<Point> points, normalization norm, dim dimension) {
+        setPoints(Points(points), norm, dimension);
+    }
 
     /// Sets the points and s-values, which are kept as given. The length keeps its value. O(n).
     ///
@@ -123,6 +125,10 @@ public:
     void setPoints(const Points& points, const std::vector<double>& svalues, dim dimension);
     void setPoints(Points&& points, std::vector<double>&& svalues, dim dimension);
     void setPoints(const FloatPoints& points, const std::vector<double>& svalues, dim dimension);
+    void setPoints(std::initializer_list<Point> points, std::vector<double> svalues,
+                   dim dimension) {
+        setPoints(Points(points), std::move(svalues), dimension);
+    }
 
     /// Sets points (x, 0, 0), (0, y, 0) or (0, 0, z) with s as normalised arc length; the curve is
     /// three-dimensional whichever component it fills. O(n).

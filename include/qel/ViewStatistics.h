@@ -4,6 +4,8 @@
 /// @file
 /// Statistics of numbers and triplets where they lie, the same for any splitting into parts. Part
 /// of the batch interface (docs/batch-interface.md).
+///
+/// Const members may be called from any number of threads at once, and statistics of one view made.
 
 #include <cstddef>
 #include <cstdint>

@@ -118,4 +118,28 @@ TEST(CallForms, VectorsAreTakenAsBefore) {
     EXPECT_EQ(supplied.getClosestPoint(probe), 1);
 }
 
+TEST(CallForms, PointsInBracesGoWithSvaluesAndNormalizations) {
+    const std::vector<double> svalues = {0.5, 4};
+    const ParametricCurve built({{0, 1, 0}, {2, 3, 0}}, svalues, ParametricCurve::dim2D);
+    EXPECT_EQ(built.getSvalues(), svalues);
+    EXPECT_EQ(built.getCurve(), Points({{0, 1, 0}, {2, 3, 0}}));
+    ParametricCurve curve;
+    curve.setPoints({{0, 0.1, 0}, {2, 3, 0}}, svalues, ParametricCurve::dim2D);
+    EXPECT_EQ(curve.getSvalues(), svalues);
+    EXPECT_EQ(curve.getFirstPoint().y, 0.1) << "points in braces are double";
+    curve.setPoints({{0, 1, 0}, {2, 3, 0}}, {0.25, 3}, ParametricCurve::dim2D);
+    EXPECT_EQ(curve.getSvalues(), std::vector<double>({0.25, 3}));
+    curve.setPoints({{0, 1, 0}, {9, 2, 0}, {2, 3, 0}}, ParametricCurve::normalizeY,
+                    ParametricCurve::dim2D);
+    EXPECT_EQ(curve.getSvalues(), std::vector<double>({0, 0.5, 1}));
+}
+
+TEST(CallForms, IndicesOfTwoIntegerTypesAreIndices) {
+    const ParametricCurve curve({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}}, ParametricCurve::dim3D);
+    const std::size_t last = 2;
+    Points points;
+    curve.getCurve(1, last, points);
+    EXPECT_EQ(points, Points({{1, 0, 0}, {2, 0, 0}}));
+}
+
 } // namespace
