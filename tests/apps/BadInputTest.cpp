@@ -73,6 +73,15 @@ TEST_F(BadInput, NumbersThatAreNone) {
     expectRefused("curve curve.csv --columns 0", "has no column 0");
 }
 
+TEST_F(BadInput, OptionsThatWouldHaveNoEffect) {
+    expectRefused("vortex flow.vti --iso q=1", "--iso is about the picture");
+    for (const std::string ends : {"0.5 2", "-0.1 1"}) {
+        expectRefused("curve curve.csv --cut " + ends, "reaches beyond the ends of the curve");
+    }
+    EXPECT_NE(qel("curve curve.csv --extend -0.1").err.find("--extend -0.1 shortens the curve"),
+              std::string::npos);
+}
+
 // The library's own refusals come with the curve and the operation.
 TEST_F(BadInput, Operations) {
     expectRefused("curve curve.csv --cut 0.7 0.2 -o out.csv", "curve, --cut: ");

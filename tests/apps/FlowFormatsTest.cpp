@@ -344,6 +344,9 @@ TEST_F(FlowFormats, OpenFoamAtTheLastTime) {
                   run.out);
     }
     expectRefused("vortex case --velocity W", "there is no array W");
+    expectRefused("vortex case --time 99", "there is no time 99; the times are 0, 2");
+    expectRefused("vortex case --time -1", "there is no time -1; the times are 0, 2");
+    EXPECT_NE(qel("vortex case --time 1.5 --fields q").err.find("time 2.0"), std::string::npos);
     write("case/constant/polyMesh/faces", box.faces().substr(0, 500));
     expectRefused("vortex case", "reading case");
 }

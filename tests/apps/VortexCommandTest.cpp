@@ -59,8 +59,12 @@ TEST_F(VortexCommand, WritesOnlyTheFieldsAskedFor) {
 
 TEST_F(VortexCommand, DrawsPlaneFlowsAsContours) {
     writeXml("in.vti", qel_test::rotation(9, 9, 1));
-    ASSERT_EQ(qel("vortex in.vti --image p.png").status, 0);
+    const auto run = qel("vortex in.vti --image p.png");
+    ASSERT_EQ(run.status, 0);
+    EXPECT_EQ(run.err.find("warning"), std::string::npos) << run.err;
     qel_test::expectPicture((folder / "p.png").string());
+    EXPECT_NE(qel("vortex in.vti --image p.png --iso q=0.1").err.find("the value of --iso has no"),
+              std::string::npos);
 }
 
 TEST_F(VortexCommand, ReadsLegacyFilesInTextAndBinary) {

@@ -75,6 +75,8 @@ void checkOutputs(const VortexOptions& options) {
             checkWritable(target);
         }
     }
+    refuseIf(!options.iso.empty() && options.image.empty(),
+             "--iso is about the picture; name one with --image");
     const fs::path image = options.image;
     refuseIf(!image.empty() && image.extension() != ".png", "the picture ", options.image,
              " has to end in .png");

@@ -143,6 +143,8 @@ Step tessellate(const Words& words) {
 Step cut(const Words& words) {
     const double from = numberOf(words[0]);
     const double to = numberOf(words[1]);
+    refuseIf(std::min(from, to) < 0.0 || std::max(from, to) > 1.0, words[0], " to ", words[1],
+             " reaches beyond the ends of the curve, which are at 0 and 1");
     return [from, to](NamedCurve& curve) {
         Points points;
         std::vector<double> svalues;
@@ -154,6 +156,9 @@ Step cut(const Words& words) {
 
 Step extend(const Words& words) {
     const double fraction = numberOf(words[0]);
+    if (fraction < 0.0) {
+        warn("--extend ", words[0], " shortens the curve");
+    }
     return moving([fraction](Curve& curve) { curve.expandCurveBothEnds(fraction); });
 }
 

@@ -229,12 +229,13 @@ void Picture::drawPng(const fs::path& target) {
     vtkNew<vtkWindowToImageFilter> image;
     image->SetInput(window_);
     image->ReadFrontBufferOff();
-    StagedOutput staged(target);
     vtkNew<vtkPNGWriter> writer;
     writer->SetInputConnection(image->GetOutputPort());
-    writer->SetFileName(staged.path().c_str());
+    writer->WriteToMemoryOn(); // a file that is not whole would go unnoticed
     run(writer, "drawing " + target.string(), [&] { writer->Write(); });
-    staged.commit();
+    vtkUnsignedCharArray* bytes = writer->GetResult();
+    writeText(target, std::string(reinterpret_cast<const char*>(bytes->GetPointer(0)),
+                                  static_cast<std::size_t>(bytes->GetNumberOfValues())));
 }
 
 void Picture::drawSvg(const fs::path& target, const std::string& description) {

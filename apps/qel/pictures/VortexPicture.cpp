@@ -224,6 +224,9 @@ void addContours(const Scene& scene, const PictureChoice& choice, Picture& pictu
     const double most = std::max(std::abs(quantile(values, kColourShare)),
                                  std::abs(quantile(values, 1.0 - kColourShare)));
     const double high = most > 0.0 ? most : 1.0;
+    if (choice.value.has_value()) {
+        warn("the picture of a plane flow has contours; the value of --iso has no effect");
+    }
     vtkNew<vtkDiscretizableColorTransferFunction> colours;
     colours->SetColorSpaceToDiverging();
     colours->AddRGBPoint(-high, 0.16, 0.29, 0.72); // blue below zero

@@ -193,6 +193,18 @@ Reader makeReader(const InputFile& file) {
 
 // -- Reading by them ----
 
+constexpr double kTimeTolerance = 1e-6; // relative: some files hold times in single precision
+
+// The first few and the last of some times.
+std::string listed(const double* times, int count) {
+    constexpr int kShown = 10;
+    std::string text;
+    for (int i = 0; i < std::min(count, kShown); ++i) {
+        text += joined(i == 0 ? "" : ", ", times[i]);
+    }
+    return count <= kShown ? text : joined(text, " and so on to ", times[count - 1]);
+}
+
 // Picks the time step on a reader that has some; the one it would take otherwise may be the first.
 void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
     vtkInformation* information = reader->GetOutputInformation(0);
@@ -210,6 +222,10 @@ void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
         chosen = std::min_element(steps, steps + count, [&](double a, double b) {
             return std::abs(a - *time) < std::abs(b - *time);
         });
+        const auto [first, last] = std::minmax_element(steps, steps + count);
+        refuseIf((*time < *first || *time > *last) &&
+                     std::abs(*time - *chosen) > kTimeTolerance * std::abs(*time),
+                 "there is no time ", *time, "; the times are ", listed(steps, count));
     }
     if (count > 1 || time.has_value()) {
         note(formatted("time %f, one of %d steps", *chosen, count));
