@@ -3,7 +3,18 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/LargePages.h"
+
 namespace qel {
+namespace {
+
+Buffer<InPlaceStorage::CacheLine> makeLines(std::size_t count) {
+    Buffer<InPlaceStorage::CacheLine> lines(count);
+    adviseLargePages(lines.data(), count * sizeof(InPlaceStorage::CacheLine));
+    return lines;
+}
+
+} // namespace
 
 // Twice the source is room for all usual results, and some lines more for the smallest. What
 // remains of it ahead of the result is never touched, and systems give memory only to pages that
@@ -11,7 +22,7 @@ namespace qel {
 void* InPlaceStorage::makeSource(std::size_t bytes) {
     constexpr std::size_t kLineBytes = sizeof(CacheLine), kMinResult = 13;
     const std::size_t lines = (bytes + kLineBytes - 1) / kLineBytes;
-    lines_ = Buffer<CacheLine>(std::max(2 * lines, lines + kMinResult));
+    lines_ = makeLines(std::max(2 * lines, lines + kMinResult));
     return reinterpret_cast<unsigned char*>(lines_.end()) - bytes;
 }
 
@@ -34,7 +45,7 @@ void InPlaceStorage::releaseSourceUntil(const void* place) {
 
 void InPlaceStorage::moveResult(std::size_t lines) {
     const std::size_t room = std::max(lines + lines / 2, expected_);
-    Buffer<CacheLine> moved(room);
+    Buffer<CacheLine> moved = makeLines(room);
     std::copy(result_, result_ + size_, moved.data());
     if (source_.size() == 0) {
         source_ = std::move(lines_);

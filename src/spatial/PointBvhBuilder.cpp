@@ -7,9 +7,9 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/BitWidth.h"
 #include "spatial/EntryGrid.h"
 #include "spatial/LinearQuadtree.h"
+#include "spatial/MortonCode.h"
 #include "spatial/PointBvh.h"
 
 namespace qel {

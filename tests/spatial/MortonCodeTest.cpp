@@ -23,3 +23,11 @@ TEST(MortonCode, ColumnAndRowAreDecoded) {
         ASSERT_EQ(qel::rowOf(code), row);
     }
 }
+
+TEST(MortonCode, BitWidthCountsTheBitsThatSpellAValue) {
+    EXPECT_EQ(qel::bitWidth(0), 0);
+    EXPECT_EQ(qel::bitWidth(1), 1);
+    EXPECT_EQ(qel::bitWidth(255), 8);
+    EXPECT_EQ(qel::bitWidth(256), 9);
+    EXPECT_EQ(qel::bitWidth(~std::uint64_t{0}), 64);
+}
