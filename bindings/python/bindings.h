@@ -12,7 +12,9 @@ void bindErrors(pybind11::module_& module);
 void bindParametricCurve(pybind11::module_& module);
 void bindCurveLocator(pybind11::module_& module);
 void bindCurveFunctions(pybind11::module_& module);
-void bindTensorEigenizer(pybind11::module_& module);
+void bindGradientAnalysis(pybind11::module_& module);
+void bindQuadtreeBucket(pybind11::module_& module);
+void bindViewStatistics(pybind11::module_& module);
 
 } // namespace qel::python
 

@@ -7,5 +7,7 @@ PYBIND11_MODULE(qel, module) {
     qel::python::bindParametricCurve(module);
     qel::python::bindCurveLocator(module);
     qel::python::bindCurveFunctions(module);
-    qel::python::bindTensorEigenizer(module);
+    qel::python::bindGradientAnalysis(module);
+    qel::python::bindQuadtreeBucket(module);
+    qel::python::bindViewStatistics(module);
 }
