@@ -1,7 +1,10 @@
 # Compares the symbols that the library exports with the classes that it is to export: members,
 # statics, operators that take one of them, virtual tables and type information.
 #
-#     cmake -DNM=<nm> -DLIBRARY=<library> -DHEADERS=<folder of the public headers> -P <this file>
+# It also compares the version that stands beside every symbol with that in the library's name.
+#
+#     cmake -DNM=<nm> -DLIBRARY=<library> -DHEADERS=<folder of the public headers>
+#           -DSOVERSION=<version of the interface> -P <this file>
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -30,10 +33,19 @@ string(REGEX REPLACE "[][;]" "_" listing "${listing}")
 string(REGEX REPLACE "\n$" "" listing "${listing}")
 string(REPLACE "\n" ";" lines "${listing}")
 
+# The version is a symbol, too, and stands behind each of the others.
+set(version QELDATAHANDLING_${SOVERSION})
+list(FILTER lines EXCLUDE REGEX "^${version} A ")
+set(unversioned ${lines})
+list(FILTER unversioned EXCLUDE REGEX "@@${version} ")
+if(unversioned)
+    message(SEND_ERROR "Not of version ${version}: ${unversioned}")
+endif()
+
 list(JOIN classes "|" any_class)
 list(JOIN batch_functions "|" any_function)
 foreach(line IN LISTS lines)
-    string(REGEX REPLACE " [A-Za-z] [0-9a-f ]*$" "" symbol "${line}")
+    string(REGEX REPLACE "@@[^ ]* [A-Za-z] [0-9a-f ]*$" "" symbol "${line}")
     if(symbol MATCHES "^qel::(${any_class})(<[a-z]+>)?::")
         list(APPEND exporting ${CMAKE_MATCH_1})
     elseif(symbol MATCHES "^qel::(${any_function})\\(")
