@@ -66,7 +66,7 @@ int octavesOfBarelyExactSums(std::mt19937& random) {
     return kDigitsOfDouble - kDigitsOfCount - kDigits + static_cast<int>(random() % 8) - 4;
 }
 
-TEST(ValueStatistics, AreThoseOfThePlainLoopWhereSumsAreBarelyExact) {
+TEST(ValueStatistics, WhereSumsAreBarelyExactMatchReferenceBitForBit) {
     std::mt19937 random(31);
     for (int round = 0; round < 1500; ++round) {
         RandomField field = {kDigits, 0, octavesOfBarelyExactSums(random), round % 3 == 0};
@@ -83,7 +83,7 @@ TEST(ValueStatistics, AreThoseOfThePlainLoopWhereSumsAreBarelyExact) {
 }
 
 // The sum so far has digits that the next block has not.
-TEST(ValueStatistics, AreThoseOfThePlainLoopBehindAFinerSum) {
+TEST(ValueStatistics, BehindAFinerSumMatchReferenceBitForBit) {
     std::mt19937 random(32);
     for (int round = 0; round < 1000; ++round) {
         const int coarser = static_cast<int>(random() % 60);

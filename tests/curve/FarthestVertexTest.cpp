@@ -66,7 +66,7 @@ void checkWhole(const Points& points) {
     checkChord(points, 1, last, chordOf(points, 0, last));
 }
 
-TEST(FarthestVertex, EqualsThePlainLoopOnCurvesOfEveryKind) {
+TEST(FarthestVertex, OnCurvesOfEveryKindMatchesReferenceBitForBit) {
     RandomCurves random(61);
     for (int round = 0; round < 3000; ++round) {
         SCOPED_TRACE(round);
@@ -74,7 +74,7 @@ TEST(FarthestVertex, EqualsThePlainLoopOnCurvesOfEveryKind) {
     }
 }
 
-TEST(FarthestVertex, EqualsThePlainLoopOverManyGroups) {
+TEST(FarthestVertex, OverManyGroupsMatchesReferenceBitForBit) {
     RandomCurves random(62);
     for (const std::size_t n : {4096U, 4098U, 4099U, 8193U, 20000U}) {
         SCOPED_TRACE(n);

@@ -104,7 +104,7 @@ Points scaled(Points points, double scale) {
     return points;
 }
 
-TEST(FirstCrossing, EqualsTryingEveryPairOnCurvesOfEveryKind) {
+TEST(FirstCrossing, OnCurvesOfEveryKindMatchesReferenceBitForBit) {
     RandomCurves random(71);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
@@ -115,7 +115,7 @@ TEST(FirstCrossing, EqualsTryingEveryPairOnCurvesOfEveryKind) {
     }
 }
 
-TEST(FirstCrossing, EqualsTryingEveryPairOnPathsThatMayMeet) {
+TEST(FirstCrossing, OnPathsThatMayMeetMatchesReferenceBitForBit) {
     RandomCurves random(72);
     int met = 0;
     for (int round = 0; round < 1500; ++round) {
@@ -132,7 +132,7 @@ TEST(FirstCrossing, EqualsTryingEveryPairOnPathsThatMayMeet) {
     EXPECT_LT(met, 1200);
 }
 
-TEST(FirstCrossing, EqualsTryingEveryPairOnCurvesSideBySide) {
+TEST(FirstCrossing, OnCurvesSideBySideMatchesReferenceBitForBit) {
     for (const double shift : {2.5, 0.01, 1e-4, 0.0}) {
         for (const double slope : {0.0, -shift / 19.9, -shift / 30.0}) {
             SCOPED_TRACE(shift);
@@ -142,7 +142,7 @@ TEST(FirstCrossing, EqualsTryingEveryPairOnCurvesSideBySide) {
 }
 
 // Steps of a grid: shared vertices, overlapping and parallel segments, repeats.
-TEST(FirstCrossing, EqualsTryingEveryPairOnGrids) {
+TEST(FirstCrossing, OnGridsMatchesReferenceBitForBit) {
     RandomCurves random(73);
     int met = 0;
     for (int round = 0; round < 800; ++round) {
@@ -164,7 +164,7 @@ TEST(FirstCrossing, EqualsTryingEveryPairOnGrids) {
 }
 
 // Values for which no box holds: they must be met, or missed, as by the plain loop.
-TEST(FirstCrossing, EqualsTryingEveryPairWithSpecialValuesAmongThePoints) {
+TEST(FirstCrossing, WithSpecialValuesAmongThePointsMatchesReferenceBitForBit) {
     RandomCurves random(74);
     const float tiny[] = {1e-45f, 1e-30f, 3e-19f, 1e-18f};
     for (int round = 0; round < 1500; ++round) {
@@ -193,7 +193,7 @@ TEST(FirstCrossing, EqualsTryingEveryPairWithSpecialValuesAmongThePoints) {
     }
 }
 
-TEST(FirstCrossing, EqualsTryingEveryPairWhereTheMarkerIsFrequent) {
+TEST(FirstCrossing, WhereTheMarkerIsFrequentMatchesReferenceBitForBit) {
     RandomCurves random(75);
     for (int round = 0; round < 200; ++round) {
         Points walked = path(random, 200, 1.0, Point());
@@ -226,7 +226,7 @@ TEST(FirstCrossing, SegmentOfHardlyAnyLengthIsMetFromAfar) {
     checkCurves(walked, others);
 }
 
-TEST(FirstCrossing, SegmentEqualsTryingEveryPair) {
+TEST(FirstCrossing, OfASegmentMatchesReferenceBitForBit) {
     RandomCurves random(76);
     for (int round = 0; round < 3000; ++round) {
         SCOPED_TRACE(round);
@@ -264,7 +264,7 @@ TEST(FirstCrossing, CurvesWithoutSegmentsMeetNothing) {
 }
 
 // Interleaved strokes, teeth in gaps, curves beside themselves.
-TEST(FirstCrossing, EqualsTryingEveryPairOnEveryShapeMatchesReferenceBitForBit) {
+TEST(FirstCrossing, OnEveryShapeMatchesReferenceBitForBit) {
     for (const CurveShape& shape : curveShapes()) {
         for (const std::size_t n : std::vector<std::size_t>{2, 9, 40, 300, 700}) {
             SCOPED_TRACE(std::string(shape.name) + ", " + std::to_string(n) + " points");

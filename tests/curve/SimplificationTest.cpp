@@ -141,7 +141,7 @@ TEST(Simplification, KeepsTheVertexAtWhichItStops) {
         (Ids{0, 2, 4}));
 }
 
-TEST(Simplification, StopsWhereNoChordStrays) {
+TEST(Simplification, StopsWhereNoVertexIsFarther) {
     EXPECT_EQ(thinned(curveThrough(heights({0, 0, 3, 3, 3, 0, 0})), 100, 1e-9),
               (Ids{0, 1, 2, 4, 5, 6}));
     EXPECT_EQ(thinned(curveThrough(heights({0, 1, 0})), INT_MAX, -1.0), (Ids{0, 1, 2}))
@@ -294,7 +294,7 @@ double randomTolerance(RandomCurves& random, const ParametricCurve& curve) {
     return values[random.count(0, std::size(values) - 1)];
 }
 
-TEST(Simplification, EqualsThePlainStatementOnRandomCurves) {
+TEST(Simplification, OnRandomCurvesMatchesReferenceBitForBit) {
     RandomCurves random(31);
     for (int round = 0; round < 6000; ++round) {
         SCOPED_TRACE(round);
@@ -306,7 +306,7 @@ TEST(Simplification, EqualsThePlainStatementOnRandomCurves) {
 }
 
 // A long grid path: thousands of equal distances.
-TEST(Simplification, EqualsThePlainStatementOnLongCurvesWithTies) {
+TEST(Simplification, OnLongCurvesWithTiesMatchesReferenceBitForBit) {
     RandomCurves random(32);
     Points grid;
     Points wave;
@@ -332,7 +332,7 @@ TEST(MaximumNormalDistance, RefusesFewerThanTwoSvalues) {
     EXPECT_THAT([&] { curve.getMaximumNormalDistance({}); }, refusal);
 }
 
-TEST(MaximumNormalDistance, StraightCurveDoesNotStray) {
+TEST(MaximumNormalDistance, StraightCurveDoesNotDeviate) {
     EXPECT_EQ(curveThrough(heights({0, 0, 0})).getMaximumNormalDistance({0.0, 1.0}), 0.0);
 }
 
@@ -387,7 +387,7 @@ double plainMaximum(const ParametricCurve& curve, const std::vector<double>& sva
     return largest;
 }
 
-TEST(MaximumNormalDistance, EqualsThePlainStatementOnRandomCurves) {
+TEST(MaximumNormalDistance, OnRandomCurvesMatchesReferenceBitForBit) {
     RandomCurves random(33);
     for (int round = 0; round < 4000; ++round) {
         SCOPED_TRACE(round);
