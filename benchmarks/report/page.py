@@ -7,12 +7,12 @@ from rules import (GRACE_NS, MEMORY_NS, MOST_EXPONENT, RULES, excess_exponent, g
 from measurements import COPY
 from table import count, digits, duration, factor, table
 
-SHOWN_SIZES = (1000, 1000000)
-LIMIT_SIZES = (10000, 1000000)
+SMALL_SHOWN = 1000 # beside the largest size that was measured
+SMALL_LIMITED = 10000
 UNITS = ("AVX-512", "AVX2", "portable")
 
-LEGEND = f"""\
-All works are measured on all shapes of `tests/support/Shapes.h`, at n = 1 (or 2), 10, 100, … 1e6,
+LEGEND = """\
+All works are measured on all shapes of `tests/support/Shapes.h`, at n = 1 (or 2), 10, 100, … {largest},
 through public calls. Beside the library stand a *plain loop*, a readable scalar loop of the same
 operations, and the *peers*: libraries that users would pick instead, each used at its best. The
 contenders of a row are measured in turns; times are medians for an item: a point, a value, a vertex
@@ -32,6 +32,10 @@ may, {MEMORY_NS['n log n']:.0f} ns an item or {MEMORY_NS['log n']:.0f} ns a quer
 def units_of(rows):
     present = {row.unit for row in rows}
     return [unit for unit in UNITS if unit in present]
+
+
+def largest_size(rows):
+    return max(row.n for row in rows)
 
 
 def shapes_in_order(rows):
@@ -137,8 +141,9 @@ def tiny_table(works, rows, units):
 def limit_table(rows, works, units):
     """The works that memory may limit beside a copy, on the usual shape."""
     usual = {group: shapes[0] for group, shapes in shapes_in_order(rows).items()}
+    largest = largest_size(rows)
     found = {(row.group, row.work, row.n, row.unit): row for row in rows
-             if COPY in row.ns and row.library and row.n in LIMIT_SIZES
+             if COPY in row.ns and row.library and row.n in (SMALL_LIMITED, largest)
              and row.shape == usual[row.group]}
     lines = []
     for group, work, n in dict.fromkeys(key[:3] for key in found):
@@ -235,17 +240,18 @@ def other_results(works, rows):
 def document(works, rows, broken, machine, picture, remarks):
     """The whole page. picture is the name of the picture's file, or empty."""
     units = units_of(rows)
+    largest = largest_size(rows)
     parts = [
         "# Benchmarks",
         "Written by `scripts/bench`.",
         table(["", ""], [[name, value] for name, value in machine], left=2),
-        LEGEND,
+        LEGEND.format(largest=count(largest)),
         "## In short",
         summary(rows, broken, units),
         f"![times faster than the best other, from worst to best shape]({picture})" if picture
         else "",
         "## Usual and worst shape side by side",
-        side_by_side_tables(works, rows, SHOWN_SIZES, units),
+        side_by_side_tables(works, rows, (SMALL_SHOWN, largest), units),
         "## Tiny sizes",
         "A whole call on the smallest input, on the usual shape.",
         tiny_table(works, rows, units),
