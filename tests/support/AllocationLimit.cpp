@@ -62,6 +62,15 @@ void* operator new(std::size_t size) {
     return memory;
 }
 
+// Without one of its own, AddressSanitizer would allocate what the delete below frees.
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void* operator new(std::size_t size, std::align_val_t alignment) {
     countAllocation();
     void* const memory = allocateAligned(size, static_cast<std::size_t>(alignment));
