@@ -140,21 +140,26 @@ private:
     }
 };
 
-#endif
-
 // The same, if the walks have room for their windows; returns how many parameters are done.
 std::size_t walkTogether(const double* s, std::size_t size, std::size_t from, std::size_t range,
                          const double* parameters, std::size_t count, std::size_t* lower) {
-#if defined(QEL_SHUFFLES)
-    if (count >= kTogether && from + range + kWindow <= size &&
-        vectorUnit() != VectorUnit::portable) { // wider registers are no faster
-        const std::size_t length = count / kTogether * kGroup;
-        runAvx2<WalksKernel>(s, from, range, parameters, length, lower);
-        return kWalks * length;
+    if (count < kTogether || from + range + kWindow > size ||
+        vectorUnit() == VectorUnit::portable) { // wider registers are no faster
+        return 0;
     }
-#endif
+    const std::size_t length = count / kTogether * kGroup;
+    runAvx2<WalksKernel>(s, from, range, parameters, length, lower);
+    return kWalks * length;
+}
+
+#else
+
+std::size_t walkTogether(const double*, std::size_t, std::size_t, std::size_t, const double*,
+                         std::size_t, std::size_t*) {
     return 0;
 }
+
+#endif
 
 // Of how many s-values from one on the last is above a parameter, which the last of all is.
 std::size_t rangeTo(const double* s, std::size_t size, double parameter, std::size_t from,

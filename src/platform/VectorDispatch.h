@@ -55,7 +55,7 @@ auto onVectorUnit(Arguments... arguments) {
 /// `lanes` is how many floats the vector unit in use computes at once. Does nothing on the portable
 /// one.
 template <template <std::size_t> class Kernel, typename... Arguments>
-std::size_t onFloatLanes(const Arguments&... arguments) {
+std::size_t onFloatLanes([[maybe_unused]] const Arguments&... arguments) {
 #if defined(QEL_VECTOR_UNITS)
     switch (vectorUnit()) {
     case VectorUnit::avx512:

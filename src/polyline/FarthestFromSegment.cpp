@@ -137,9 +137,6 @@ private:
         const std::size_t begin = std::max(firstNode, first_ / size);
         const std::size_t end = std::min(
             {firstNode + OrientedBoxBvh::kFanOut, bvh_.nodes(level), (range_.to - 1) / size + 1});
-        if (begin >= end) {
-            return;
-        }
         alignas(64) double bounds[OrientedBoxBvh::kFanOut];
         onVectorUnit<BoundsKernel>(&bvh_.level(level), &segment_, firstNode, rounding_,
                                    static_cast<double*>(bounds));

@@ -141,7 +141,8 @@ TEST(FloatQELVectorConcrete, Access) {
 
 TEST(FloatQELVectorConcrete, StridedIteratorsWalkOneByOne) {
     FloatQELVectorConcrete v = arrayOf({1, 2, 3});
-    FloatQELVector::Iterator it = v.Begin();
+    FloatQELVector::Iterator it;
+    it = v.Begin();
     EXPECT_EQ(&*it, &v[0]);
     EXPECT_EQ(&*++it, &v[1]);
     EXPECT_EQ(&*it++, &v[1]);

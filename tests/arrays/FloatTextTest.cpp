@@ -108,6 +108,7 @@ TEST(FloatText, DbprintIsWriteToStandardOutput) {
     const FloatQELVector& base = v;
     EXPECT_EQ(standardOutputOf([&] { base.dbprint(); }), "3>= size 3\n");
     EXPECT_EQ(standardOutputOf([&] { base.dbprint(2, 1); }), "1<2\n");
+    EXPECT_EQ(standardOutputOf([&] { base.FloatQELVector::dbprint(); }), "3>= size 3\n");
 }
 
 TEST(FloatText, AViewPrintsItsComponent) {

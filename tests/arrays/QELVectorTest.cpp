@@ -116,6 +116,15 @@ TEST(QELVector, DeletingThroughTheBaseReleasesTheElements) {
     EXPECT_EQ(alive, 0);
 }
 
+TEST(QELVector, AssignsAndInsertsManyCopies) {
+    QELVector<int> v = oneTwoThree();
+    const auto first = v.insert(v.begin() + 1, 2, 7);
+    EXPECT_EQ(first - v.begin(), 1);
+    EXPECT_THAT(v, ElementsAre(1, 7, 7, 2, 3));
+    v.assign(2, 5);
+    EXPECT_THAT(v, ElementsAre(5, 5));
+}
+
 TEST(QELVector, BeyondTheMaximumLengthIsTheLengthError) {
     QELVector<int> v = oneTwoThree();
     const std::size_t tooMany = v.max_size() + 1;

@@ -146,6 +146,17 @@ TEST(TripletStatistics, MagnitudesThatOverflowCount) {
     EXPECT_EQ(v.getNvalid(), 1);
 }
 
+TEST(TripletStatistics, OfALongArrayWithHugeMagnitudesFollowTheStatedLoop) {
+    for (const float huge : {4e18f, 1.8e19f, 1e30f}) {
+        Triplets list(1000, Triplet{1, 2, 3});
+        list[700] = {0, huge, 0};
+        const TripletQELVector v(list);
+        Statistics expected;
+        expected.update(v);
+        expectStatistics(v, expected);
+    }
+}
+
 TEST(TripletStatistics, OfAllUndefinedTripletsAreTheExtentsAlone) {
     const TripletQELVector v(Triplets{{kUndef, 1, -2}, {3, kUndef, 4}});
     EXPECT_EQ(v.getMin(), kUndef);

@@ -1,4 +1,6 @@
 // Quantities of the velocity-gradient tensor.
+#include <cmath>
+
 #include <qel/FloatQELVectorComponent.h>
 #include <qel/FloatQELVectorConcrete.h>
 #include <qel/GradientAnalysis.h>
@@ -25,12 +27,15 @@ struct Field {
     TensorEigenizer tensor() const { return {size(), row1, row2, row3}; }
 };
 
+// Without negative zeros, which a conversion to int and back keeps on some processors.
+float wholeFifth(float value) {
+    return std::trunc(value / 5.0f) + 0.0f;
+}
+
 void makeWhole(TripletQELVector& row) {
     for (std::size_t i = 0; i < row.size(); ++i) {
         FloatPoint& t = row[i];
-        t = FloatPoint(static_cast<float>(static_cast<int>(t.x / 5.0f)),
-                       static_cast<float>(static_cast<int>(t.y / 5.0f)),
-                       static_cast<float>(static_cast<int>(t.z / 5.0f)));
+        t = FloatPoint(wholeFifth(t.x), wholeFifth(t.y), wholeFifth(t.z));
     }
 }
 

@@ -213,6 +213,15 @@ TEST(Sampling, MinimumSStartsAtZero) {
     EXPECT_EQ(s, Values({0.0, 1.0}));
 }
 
+TEST(Sampling, MinimumSThatRoundsToTheEndsOfAStepTakesTheirPoints) {
+    const Point a{0, 0, 0}, b{1, 2, 3};
+    Points points;
+    Values s;
+    withSvalues({a, b}, {1e16, 1e16 + 2.0}).getCurveWithMinimumS(points, s, 3);
+    EXPECT_EQ(s, Values({0.0, 1e16, 1e16, 1e16 + 2.0, 1e16 + 2.0, 1e16 + 2.0}));
+    EXPECT_EQ(points, Points({a, a, a, b, b, b}));
+}
+
 TEST(Sampling, MinimumSMatchesReferenceBitForBit) {
     RandomCurves make(26);
     for (int round = 0; round < 4000 && !HasFailure(); ++round) {

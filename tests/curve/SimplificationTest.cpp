@@ -63,6 +63,14 @@ TEST(Simplification, CountTwoLeavesTheEnds) {
     EXPECT_EQ(ids, (Ids{0, 3}));
 }
 
+TEST(Simplification, OfACurveThatIsMovedFromKeepsNone) {
+    ParametricCurve source = curveThrough(heights({0, 1, 0, 2}));
+    const ParametricCurve taken(std::move(source));
+    Ids ids{4, 5};
+    source.optimizeByNormalDistance(3, ids, 0.0);
+    EXPECT_TRUE(ids.empty());
+}
+
 TEST(Simplification, StraightCurveIsReducedToItsEnds) {
     EXPECT_EQ(thinned(curveThrough(heights({0, 0, 0, 0, 0})), 4, 0.0), (Ids{0, 4}));
     EXPECT_EQ(thinned(curveThrough(heights({0, 0})), 5, 0.0), (Ids{0, 1}));
@@ -405,6 +413,14 @@ TEST(MaximumNormalDistance, OnRandomCurvesMatchesReferenceBitForBit) {
             sameBits(curve.getMaximumNormalDistance(svalues), plainMaximum(curve, svalues)));
         ASSERT_EQ(stateOf(curve), before);
     }
+}
+
+TEST(MaximumNormalDistance, ANanAmongTheCurvesOwnSvaluesHarmsNothing) {
+    const ParametricCurve curve({{0, 0, 0}, {1, 5, 0}, {2, 3, 0}, {4, 0, 0}}, {0.0, kNaN, 0.5, 1.0},
+                                ParametricCurve::dim2D);
+    const CurveState before = stateOf(curve);
+    EXPECT_NO_FATAL_FAILURE(curve.getMaximumNormalDistance({0.0, 1.0}));
+    EXPECT_EQ(stateOf(curve), before);
 }
 
 } // namespace

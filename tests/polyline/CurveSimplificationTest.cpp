@@ -354,6 +354,8 @@ TEST(SimplifyToCount, ReportsProgressAndStops) {
     EXPECT_EQ(fractions.back(), 1.0);
     error = -1.0;
     EXPECT_TRUE(simplifyToCount(curve, 15000, error, [](double) { return false; }).empty());
+    const auto stopsAtTheEnd = [](double fraction) { return fraction < 1.0; };
+    EXPECT_TRUE(simplifyToCount(curve, 15000, error, stopsAtTheEnd).empty());
     EXPECT_EQ(error, -1.0);
 }
 
