@@ -123,7 +123,8 @@ TEST_F(BadInput, DamagedCurveFiles) {
     expectRefused("curve hole.csv", "hole: point 2 has a coordinate that is not finite");
     expectRefused("nearest curve.csv hole.csv", "hole.csv: point 2 has a coordinate that is");
     write("start.csv", "0,N/A\n1,1\n2,2\n");
-    expectRefused("curve start.csv", "start.csv, line 1: \"0,N/A\" is no row of numbers");
+    expectRefused("curve start.csv",
+                  "start.csv, start: point 1 has a coordinate that is not finite");
     write("point.csv", "x,y\n0,0\n");
     expectRefused("curve point.csv", "has no curve of at least two points");
 }

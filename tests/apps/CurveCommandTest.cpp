@@ -172,6 +172,42 @@ TEST_F(CurveCommand, JoinsUnorderedSegments) {
     EXPECT_EQ(rows[3][x], 9.0);
 }
 
+TEST_F(CurveCommand, KeepsTheNamesOfStationsAndOfCurves) {
+    write("in.csv", "station,x,y,t\nhub,0,0,1\n\"mid, low\",1,0,\ntip,3,0,3\n");
+    EXPECT_EQ(qel("curve in.csv --reverse").out,
+              "curve,x,y,z,s,t,station\n1,3,0,0,0,3,tip\n1,1,0,0,0.6666666666666666,nan,\"mid, "
+              "low\"\n1,0,0,0,1,1,hub\n");
+    write("named.txt", "upper side\n0 0\n1 0\nlower\n5 5\n6 5\n");
+    for (const char* output : {"out.csv", "out.vtp", "out.vtk"}) {
+        SCOPED_TRACE(output);
+        ASSERT_EQ(qel("curve named.txt in.csv -o " + std::string(output)).status, 0);
+        EXPECT_EQ(result(std::string(output) + " --curve lower").size(), 2U);
+        ASSERT_EQ(qel("curve " + std::string(output) + " -o again.csv").status, 0);
+        EXPECT_EQ(rows(text("again.csv")).size(), 7U);
+        EXPECT_NE(text("again.csv").find("\n1,0,0,0,0,upper side\n"), std::string::npos);
+        // Words go along in polydata, too.
+        ASSERT_EQ(qel("curve in.csv --tessellate 0.25 -o " + std::string(output)).status, 0);
+        EXPECT_NE(qel("curve " + std::string(output) + " --reverse").out.find("\"mid, low\""),
+                  std::string::npos);
+    }
+}
+
+TEST_F(CurveCommand, ReadsSeveralFilesAndStandardInput) {
+    write("a.csv", "0 0\n1 0\n");
+    write("b.csv", "5 0\n6 0\n\n7 0\n8 0\n");
+    EXPECT_EQ(result("a.csv b.csv").size(), 6U);
+    EXPECT_EQ(
+        qel("curve a.csv b.csv").out,
+        "a: 2 points, length 1\nb curve 1: 2 points, length 1\nb curve 2: 2 points, length 1\n");
+    EXPECT_EQ(shell("cat b.csv | qel curve - --curve 2 --reverse").out,
+              "curve,x,y,z,s\n1,8,0,0,0\n1,7,0,0,1\n");
+    EXPECT_EQ(shell("qel curve a.csv --reverse -o - | qel curve -").out,
+              "curve: 2 points, length 1\n");
+    EXPECT_EQ(shell("printf '0 0\\n0\\n' | qel curve -").err,
+              "qel: error: standard input, line 2: a row of 1 numbers after rows of 2\n");
+    EXPECT_EQ(shell("qel curve - </dev/null").err, "qel: error: standard input is empty\n");
+}
+
 // -- Operations ----
 
 TEST_F(CurveCommand, ResampledPointsTakeTheirDataByS) {
@@ -212,8 +248,69 @@ TEST_F(CurveCommand, TessellatesExtendsTurnsAndConverts) {
     const Rows art = resultOf("x,y,z\n1,0,5\n0,1,6\n", "--art 0,0,0 0,0,1");
     EXPECT_NEAR(art[1][x], 6.0, 1e-6);
     EXPECT_NEAR(art[1][y], 1.0, 1e-6);
-    EXPECT_NEAR(std::abs(art[1][z]), std::acos(0.0), 1e-6);
+    EXPECT_NEAR(art[1][z], 90.0, 1e-6);
     EXPECT_EQ(resultOf(kCorner, "--dim 1")[2][y], 0.0);
+}
+
+// The points stand at 210 and 240 degrees about the axis, 3 along it and 2 from it.
+TEST_F(CurveCommand, AxialCoordinatesKeepTheAbsoluteAngle) {
+    const double c = std::sqrt(3.0);
+    std::ostringstream content;
+    content.precision(17);
+    content << "x,y,z\n" << 10.1 - c << ",-1,3\n" << 9.1 << "," << -c << ",3\n";
+    const Rows degrees = resultOf(content.str(), "--art 10.1,0,0 0,0,1");
+    EXPECT_NEAR(degrees[0][z], -150.0, 1e-12);
+    EXPECT_NEAR(degrees[1][z], -120.0, 1e-12);
+    EXPECT_NEAR(degrees[1][y], 2.0, 1e-12);
+    EXPECT_EQ(text("result.csv").substr(0, 27), "curve,axial,radial,theta,s\n");
+    const auto run = qel("curve in.csv --radians --art 10.1,0,0 0,0,1 -o result.csv");
+    EXPECT_NE(run.err.find("now axial, radial, theta_rad, the angle in radians"), std::string::npos)
+        << run.err;
+    EXPECT_NEAR(rows(text("result.csv"))[0][z], -5.0 / 6.0 * std::acos(-1.0), 1e-12);
+    // About x angles are counted from y, about y from z.
+    EXPECT_NEAR(resultOf("0,0,5\n1,0,5\n", "--art 0,0,0 1,0,0")[0][z], 90.0, 1e-12);
+    EXPECT_NEAR(resultOf("5,0,0\n5,1,0\n", "--art 0,0,0 0,1,0")[0][z], 90.0, 1e-12);
+    // A point on the axis has the angle of its neighbour.
+    EXPECT_NEAR(resultOf("0,0,0\n0,5,0\n", "--art 0,0,0 0,0,1")[0][z], 90.0, 1e-12);
+}
+
+TEST_F(CurveCommand, AxialCoordinatesComeBackAsCartesian) {
+    const std::string helix = "x,y,z\n1,0,0\n0,2,0.5\n-3,0,1\n0,-4,1.5\n5,0,2\n";
+    for (const std::string unit : {"", "--radians "}) {
+        resultOf(helix, unit + "--art 0,0,0 0,0,1");
+        fs::rename(folder / "result.csv", folder / "art.csv");
+        const Rows back = result("art.csv --cylindrical");
+        ASSERT_EQ(back.size(), 5U);
+        EXPECT_NEAR(back[3][y], -4.0, 1e-12);
+        EXPECT_NEAR(back[4][x], 5.0, 1e-12);
+        EXPECT_NEAR(back[4][z], 2.0, 1e-12);
+    }
+}
+
+TEST_F(CurveCommand, CylindricalColumnsAreConvertedBeforeTheyAreTurned) {
+    const std::string blade = "z,r,theta\n7,2,30\n8,2,60\n";
+    write("in.csv", blade);
+    const std::string columns = "curve in.csv --columns z,r,theta ";
+    expectRefused(columns + "--rotate 0,0,0 0,0,1 30",
+                  "the coordinates are z, r, theta, which cannot be turned as if they were "
+                  "Cartesian; --cylindrical converts them");
+    expectRefused(columns + "--art 0,0,0 0,0,1", "the coordinates are z, r, theta already");
+    EXPECT_NE(qel(columns + "--print").err.find("taken as if they were Cartesian"),
+              std::string::npos);
+    const Rows turned =
+        resultOf(blade, "--columns z,r,theta --cylindrical --rotate 0,0,0 0,0,1 30");
+    EXPECT_NEAR(turned[0][x], 1.0, 1e-12);
+    EXPECT_NEAR(turned[0][y], std::sqrt(3.0), 1e-12);
+    EXPECT_NEAR(turned[1][x], 0.0, 1e-12);
+    EXPECT_NEAR(turned[1][z], 8.0, 1e-12);
+    const Rows radians = resultOf("theta_rad,r,x\n1,2,3\n0,2,3\n", "--cylindrical");
+    EXPECT_NEAR(radians[0][x], 3.0, 1e-12);
+    EXPECT_NEAR(radians[0][z], 2.0 * std::sin(1.0), 1e-12);
+    EXPECT_EQ(resultOf("7 2 0\n8 3 0\n", "--cylindrical")[1][x], 3.0);
+    EXPECT_NEAR(resultOf("2 90\n3 90\n", "--cylindrical --rotate 0,0,0 0,0,1 -90")[1][x], 3.0,
+                1e-12);
+    write("in.csv", blade);
+    expectRefused("curve in.csv --columns z,theta --cylindrical", "in: none of the coordinates");
 }
 
 TEST_F(CurveCommand, SimplifyPrintsTheKeptIndices) {
@@ -273,6 +370,86 @@ TEST_F(CurveCommand, ProjectsIntersectsAndPrints) {
     write("far.csv", "x,y\n50,-1\n50,1\n");
     EXPECT_NE(qel("curve in.csv --intersect far.csv").out.find("no crossing"), std::string::npos);
     EXPECT_NE(qel("curve in.csv --print").out.find("1.0000000e+01"), std::string::npos);
+}
+
+// A square from 0 to 2, run through clockwise, with a repeated point.
+constexpr const char* kSquare = "x,y\n0,0\n0,2\n0,2\n2,2\n2,0\n0,0\n";
+
+TEST_F(CurveCommand, TellsWhatACurveIs) {
+    write("square.csv", kSquare);
+    const auto run = qel("curve square.csv --info");
+    EXPECT_EQ(run.out, "# square\npoints: 6\nlength: 8\nclosed: yes\narea: -4\n"
+                       "lower corner: 0,0,0\nupper corner: 2,2,0\nrepeated points: 1\n"
+                       "smallest step: 0 (from point 1)\nlargest step: 2 (from point 0)\n");
+    EXPECT_NE(qel("curve square.csv --dim 1 --info").out.find("\narea: 0\n"), std::string::npos);
+    write("open.csv", "x,y,z\n0,0,0\n0.1,0,1\n");
+    EXPECT_NE(qel("curve open.csv --info").out.find("closed: no\n"), std::string::npos);
+}
+
+TEST_F(CurveCommand, MeasuresThicknessAtPlanes) {
+    write("duct.csv", "x,y\n0,0\n10,0\n10,2\n6,2\n5,1\n4,2\n0,2\n0,0\n");
+    EXPECT_EQ(qel("curve duct.csv --thickness x,5,1,12").out,
+              "# duct\nx,crossings,thickness,from_x,from_y,from_z,to_x,to_y,to_z\n"
+              "5,2,1,5,1,0,5,0,0\n1,2,2,1,2,0,1,0,0\n12,0,,,,,,,\n");
+    // Along an edge, and across the notch.
+    EXPECT_NE(qel("curve duct.csv --thickness y,2").out.find("\n2,2,10,"), std::string::npos);
+    EXPECT_NE(qel("curve duct.csv --thickness Y,1.5").out.find("\n1.5,4,10,"), std::string::npos);
+    // A section that lies across the axis planes.
+    write("space.csv", "x,y,z\n0,0,0\n3,3,0\n3,3,4\n0,0,4\n0,0,0\n");
+    EXPECT_NE(qel("curve space.csv --thickness x,1").out.find("\n1,2,4,"), std::string::npos);
+    for (const std::string bad : {"x", "w,1", "1,2", "x,here"}) {
+        expectRefused("curve duct.csv --thickness " + bad, "--thickness: \"");
+    }
+}
+
+TEST_F(CurveCommand, ListsAllCrossingsWithBothValuesOfS) {
+    write("square.csv", kSquare);
+    write("line.csv", "x,y\n-1,1\n3,1\n");
+    const auto run = qel("curve line.csv --crossings square.csv");
+    EXPECT_EQ(run.out, "# line\n"
+                       "other,kind,x,y,z,s,other_s,end_x,end_y,end_z,end_s,end_other_s\n"
+                       "square,point,0,1,0,0.25,0.125,0,1,0,0.25,0.125\n"
+                       "square,point,2,1,0,0.75,0.625,2,1,0,0.75,0.625\n");
+    write("edge.csv", "x,y\n-2,2\n2,2\n");
+    EXPECT_NE(
+        qel("curve edge.csv --crossings square.csv").out.find("square,overlap,0,2,0,0.5,0.25,"),
+        std::string::npos);
+    write("space.csv", "x,y,z\n0,0,0\n1,1,1\n");
+    expectRefused("curve space.csv --crossings line.csv", "but there is z; --dim 2 drops it");
+}
+
+TEST_F(CurveCommand, AddsCurvatureAndTangentToThePointData) {
+    std::ostringstream circle;
+    circle.precision(17);
+    for (int i = 0; i <= 36; ++i) {
+        const double angle = std::acos(-1.0) / 18.0 * (i % 36);
+        circle << 4.0 * std::cos(angle) << " " << 4.0 * std::sin(angle) << "\n";
+    }
+    const Rows rows = resultOf(circle.str(), "--curvature --tangent");
+    EXPECT_EQ(text("result.csv").substr(0, 54),
+              "curve,x,y,z,s,Curvature,Tangent:0,Tangent:1,Tangent:2\n");
+    for (const auto& row : rows) {
+        ASSERT_EQ(row.size(), 9U);
+        EXPECT_NEAR(row[5], 0.25, 1e-12);
+        EXPECT_NEAR(row[6], -row[y] / 4.0, 1e-12);
+        EXPECT_NEAR(row[7], row[x] / 4.0, 1e-12);
+    }
+}
+
+TEST_F(CurveCommand, WhatIsNotWrittenElsewhereGoesToStandardOutput) {
+    write("in.csv", kCorner);
+    const std::string table = "curve,x,y,z,s,t\n1,2,2,0,0,40\n1,2,0,0,0.5,20\n1,0,0,0,1,0\n";
+    EXPECT_EQ(qel("curve in.csv --reverse").out, table);
+    EXPECT_EQ(qel("curve in.csv --reverse -o -").out, table);
+    EXPECT_EQ(qel("curve in.csv --reverse -o out.csv").out, "");
+    EXPECT_EQ(text("out.csv"), table);
+    EXPECT_EQ(qel("curve in.csv").out, "in: 3 points, length 4\n");
+}
+
+TEST_F(CurveCommand, WritesTheFewestDigitsThatGiveTheNumberBack) {
+    EXPECT_EQ(resultOf("0.1 0.3\n1e-300 0.30000000000000004\n", "")[1][y], 0.1 + 0.2);
+    EXPECT_NE(text("result.csv").find("\n1,0.1,0.3,0,0\n1,1e-300,0.30000000000000004,0,1\n"),
+              std::string::npos);
 }
 
 // -- Writing ----

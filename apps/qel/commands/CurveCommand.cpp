@@ -9,6 +9,7 @@
 #include "console/Messages.h"
 #include "console/Progress.h"
 #include "console/Text.h"
+#include "curves/Axes.h"
 #include "curves/CurveOperations.h"
 #include "pictures/Pictures.h"
 #include "reading/CurveReading.h"
@@ -20,19 +21,22 @@ namespace {
 constexpr const char* kExamples = R"(
 Operations are done in the order in which they are given, each as often as it is given. Values of s
 run from 0 at the first point to 1 at the last, by length, and are computed anew after each
-operation that changes the points. Point data are carried along by s.
+operation that changes the points. Point data are carried along by s. Angles are in degrees.
 
 Examples:
   qel curve naca0012.dat --unique --resample 200 -o fine.csv --image fine.svg
   qel curve coastline.json --simplify-to 0.1 -o coarse.vtp
   qel curve slice.vtp --curve 1 --cut 0.25 0.75 --reverse -o piece.vtp
-  qel curve blade.csv --columns z,r,theta --rotate 0,0,0 0,0,1 30 --print
+  qel curve blade.csv --columns z,r,theta --cylindrical --rotate 0,0,0 0,0,1 30 --print
   qel curve section.dat --project probes.csv
 )";
 
 struct CurveOptions {
-    std::string input;
+    Words inputs;
     CurveSelection selection;
+    bool prints = false; // whether a step does
+    bool cylindrical = false;
+    bool radians = false;
     std::vector<std::pair<std::string, CurveStep>> steps; // with their names, in order
     std::string output;
     std::string image;
@@ -44,7 +48,23 @@ void applySteps(NamedCurve& curve, const CurveOptions& options) {
             step(curve);
         } catch (const qel::Error& error) {
             refuse(curve.name, ", ", name, ": ", error.getMessage());
+        } catch (const UserError& error) {
+            refuse(curve.name, ", ", name, ": ", error.what());
         }
+    }
+}
+
+// Says or changes what the coordinates mean.
+void settleAxes(Curves& curves, const CurveOptions& options) {
+    for (NamedCurve& curve : curves) {
+        curve.angleUnit = options.radians ? 1.0 : kDegree;
+        if (options.cylindrical) {
+            toCartesian(curve);
+        }
+    }
+    if (hasAngle(curves.front())) {
+        warn("the coordinates ", listed(curves.front().axes),
+             " are taken as if they were Cartesian; --cylindrical converts them");
     }
 }
 
@@ -55,7 +75,9 @@ void runCurve(const CurveOptions& options) {
     if (!options.image.empty()) {
         checkCurvePicture(options.image);
     }
-    Curves curves = readCurves(options.input, options.selection);
+    Curves curves = readCurves(options.inputs, options.selection);
+    settleAxes(curves, options);
+    const Words axes = curves.front().axes;
     const Curves before = options.image.empty() ? Curves() : curves;
     ProgressBar bar("curves");
     double done = 0.0;
@@ -63,16 +85,24 @@ void runCurve(const CurveOptions& options) {
         applySteps(curve, options);
         bar.show(++done / static_cast<double>(curves.size()));
     }
+    if (curves.front().axes != axes) {
+        note("the coordinates are now ", listed(curves.front().axes), ", the angle in ",
+             options.radians ? "radians" : "degrees", ", the others in the unit of the input");
+    }
     if (!options.output.empty()) {
         writeCurves(curves, options.output);
     }
     if (!options.image.empty()) {
         drawCurves(before, curves, options.image);
     }
+    if (options.output.empty() && options.image.empty() && !options.steps.empty() &&
+        !options.prints) {
+        writeCurves(curves, "-");
+    }
     if (options.output.empty() && options.image.empty() && options.steps.empty()) {
         for (const NamedCurve& curve : curves) {
             std::cout << curve.name << ": " << curve.curve.getSize() << " points, length "
-                      << curve.curve.getLength() << "\n";
+                      << shortest(curve.curve.getLength()) << "\n";
         }
     }
 }
@@ -82,6 +112,7 @@ void addOperation(CLI::App* command, const CurveOperation& operation,
     const auto take = [&operation, options](const Words& words) {
         try {
             options->steps.emplace_back(operation.option, operation.make(words));
+            options->prints = options->prints || operation.prints;
         } catch (const UserError& error) {
             refuse(operation.option, ": ", error.what());
         }
@@ -112,10 +143,13 @@ void addCurveCommand(CLI::App& program) {
             name, [options, &words](const std::string& list) { words = splitAt(',', list); }, help);
     };
     command
-        ->add_option("INPUT", options->input, "Text columns, CSV, VTK lines, GeoJSON or GPX file")
+        ->add_option("INPUT", options->inputs,
+                     "Files of text columns, CSV, VTK lines, GeoJSON or GPX; - for standard input")
         ->required();
-    command->add_option("-o,--output", options->output,
-                        "File to write: .csv, .vtp, .vtk, or text as .txt or .dat");
+    command->add_option(
+        "-o,--output", options->output,
+        "File to write: .csv, .vtp, .vtk, or text as .txt or .dat; - for CSV on standard "
+        "output, where changed curves go if nothing else is asked for");
     command->add_option("--image", options->image,
                         "Picture of the curve before and after: .svg or .png");
     addList("--curve", options->selection.curves,
@@ -124,6 +158,10 @@ void addCurveCommand(CLI::App& program) {
         "--columns", options->selection.columns,
         "Names or numbers of the columns to take as coordinates; in GeoJSON and GPX x, y, z and "
         "the point data");
+    command->add_flag("--cylindrical", options->cylindrical,
+                      "The columns are cylindrical, such as z,r,theta: convert them to x, y and z "
+                      "before anything else");
+    command->add_flag("--radians", options->radians, "Angles are in radians, not in degrees");
     for (const CurveOperation& operation : curveOperations()) {
         addOperation(command, operation, options);
     }

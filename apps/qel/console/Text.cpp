@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
 #include <cstdlib>
 #include <sstream>
 
@@ -29,6 +30,31 @@ std::vector<std::string> splitAt(char separator, const std::string& list) {
         words.push_back(trimmed(word));
     }
     return words;
+}
+
+std::string listed(const std::vector<std::string>& words) {
+    std::string list;
+    for (const std::string& word : words) {
+        list += (list.empty() ? "" : ", ") + word;
+    }
+    return list;
+}
+
+std::string shortest(double value) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return {digits.data(), end};
+}
+
+std::string quoted(const std::string& word) {
+    if (word.find_first_of(",;\"\n\r\t") == std::string::npos) {
+        return word;
+    }
+    std::string text = "\"";
+    for (const char c : word) {
+        text += c == '"' ? "\"\"" : std::string(1, c);
+    }
+    return text + "\"";
 }
 
 std::optional<double> asNumber(std::string word) {

@@ -17,6 +17,16 @@ std::string trimmed(const std::string& text);
 /// The words of a list, trimmed; there may be empty ones.
 std::vector<std::string> splitAt(char separator, const std::string& list);
 
+/// Words with ", " between them.
+std::string listed(const std::vector<std::string>& words);
+
+/// The fewest digits that give the same number back.
+std::string shortest(double value);
+
+/// A word of a table in CSV: in quotation marks where it has separators, quotation marks or line
+/// ends in it.
+std::string quoted(const std::string& word);
+
 /// What printf would print, up to some hundred letters.
 template <typename... Values>
 std::string formatted(const char* format, Values... values) {

@@ -4,19 +4,21 @@
 // keep theirs, points that are made get theirs by interpolation in s.
 #include "curves/CurveOperations.h"
 
-#include <cmath>
-#include <iostream>
-#include <memory>
+#include <algorithm>
 #include <numeric>
 #include <optional>
 
-#include <qel/CurveLocator.h>
+#include <vtkDoubleArray.h>
+#include <vtkNew.h>
+
+#include <qel/CurveShape.h>
 #include <qel/CurveSimplification.h>
 
 #include "console/Messages.h"
-#include "console/Progress.h"
 #include "console/Text.h"
-#include "reading/CurveReading.h"
+#include "curves/Arguments.h"
+#include "curves/Axes.h"
+#include "curves/CurveQueries.h"
 
 namespace program {
 namespace {
@@ -26,38 +28,6 @@ using Step = CurveStep;
 using Ids = std::vector<vtkIdType>;
 
 constexpr int kCleanExponent = 2; // points nearer in s than 100 spacings are one
-constexpr double kDegree = 3.14159265358979323846 / 180.0;
-
-// -- Arguments ----
-
-double numberOf(const std::string& word) {
-    const std::optional<double> value = asNumber(word);
-    refuseIf(!value.has_value() || !std::isfinite(*value), "\"", word, "\" is no number");
-    return *value;
-}
-
-int countOf(const std::string& word) {
-    const double value = numberOf(word);
-    refuseIf(value != std::floor(value) || std::abs(value) > 1e9, "\"", word,
-             "\" is no whole number");
-    return static_cast<int>(value);
-}
-
-Point triplet(const std::string& word) {
-    const Words parts = splitAt(',', word);
-    refuseIf(parts.size() != 3, "\"", word, "\" is no point or direction x,y,z");
-    return {numberOf(parts[0]), numberOf(parts[1]), numberOf(parts[2])};
-}
-
-std::string text(const Point& p) {
-    return formatted("%.12g,%.12g,%.12g", p.x, p.y, p.z);
-}
-
-// For what steps print.
-std::ostream& out() {
-    wipeBar();
-    return std::cout;
-}
 
 // -- Point data ----
 
@@ -174,9 +144,9 @@ Step keeping(const std::function<std::vector<std::size_t>(const NamedCurve&)>& c
         }
         out() << curve.name << ": kept " << ids.size() << " of " << before.size() << " points:";
         for (const vtkIdType id : ids) {
-            std::cout << " " << id;
+            out() << " " << id;
         }
-        std::cout << std::endl;
+        out() << std::endl;
         curve.curve.setPoints(after, curve.curve.getDimension());
         select(curve, ids);
     };
@@ -221,52 +191,50 @@ Step simplifyTo(const Words& words) {
 Step rotate(const Words& words) {
     const Point centre = triplet(words[0]);
     const Point axis = triplet(words[1]);
-    const double angle = numberOf(words[2]) * kDegree;
+    const double angle = numberOf(words[2]);
     const double length = axis.length();
     refuseIf(length == 0.0, "the axis ", words[1], " has no length");
-    return moving([centre, unit = axis / length, angle](Curve& curve) {
-        curve.rotateAroundVector(centre, unit, angle);
-    });
+    return [centre, unit = axis / length, angle](NamedCurve& curve) {
+        refuseIf(isCylindrical(curve), "the coordinates are ", listed(curve.axes),
+                 ", which cannot be turned as if they were Cartesian; --cylindrical converts them");
+        curve.curve.rotateAroundVector(centre, unit, angle * curve.angleUnit);
+    };
 }
 
 Step toAxialRadialTheta(const Words& words) {
-    const qel::TripletBase<float> point(triplet(words[0]));
-    const qel::TripletBase<float> direction(triplet(words[1]));
-    return moving([point, direction](Curve& curve) { curve.convertToART(point, direction); });
-}
-
-Step project(const Words& words) {
-    const auto probes = std::make_shared<Points>(readPoints(words[0], {}));
-    return [probes](NamedCurve& curve) {
-        out() << "# " << curve.name << "\nx,y,z,foot_x,foot_y,foot_z,s,distance\n";
-        const qel::CurveLocator locator(curve.curve);
-        for (const Point& probe : *probes) {
-            const qel::CurveLocation place = locator.locate(probe);
-            std::cout << text(probe) << "," << text(place.foot)
-                      << formatted(",%.12g,%.12g\n", place.s, place.distance);
-        }
-        std::cout << std::flush;
+    return [point = triplet(words[0]), direction = triplet(words[1])](NamedCurve& curve) {
+        toCylindrical(curve, point, direction);
     };
 }
 
-Step intersect(const Words& words) {
-    const auto others = std::make_shared<Curves>(readCurves(words[0], {}));
-    return [others](NamedCurve& curve) {
-        for (const NamedCurve& other : *others) {
-            qel::TripletBase<float> crossing;
-            const bool found = curve.curve.intersectWithCurve(other.curve, crossing);
-            out() << curve.name << " x " << other.name << ": "
-                  << (found ? text(Point(crossing)) : "no crossing") << std::endl;
-        }
+// Adds point data of the shape, which compute() writes.
+Step adding(const char* name, int components,
+            const std::function<void(const qel::CurveView&, double*)>& compute) {
+    return [name, components, compute](NamedCurve& curve) {
+        const qel::CurveView view(curve.curve);
+        vtkNew<vtkDoubleArray> array;
+        array->SetName(name);
+        array->SetNumberOfComponents(components);
+        array->SetNumberOfTuples(static_cast<vtkIdType>(view.size()));
+        compute(view, array->GetPointer(0));
+        curve.data->AddArray(array);
     };
 }
 
-Step print(const Words&) {
-    return [](NamedCurve& curve) {
-        out() << std::flush;
-        curve.curve.printCurveAndSvalues(curve.name);
-        std::cout << std::flush;
-    };
+Step addCurvature(const Words&) {
+    return adding("Curvature", 1, [](const qel::CurveView& curve, double* values) {
+        qel::CurveShapeFields fields;
+        fields.curvature = {values, curve.size()};
+        qel::computeCurveShape(curve, fields);
+    });
+}
+
+Step addTangent(const Words&) {
+    return adding("Tangent", 3, [](const qel::CurveView& curve, double* values) {
+        qel::CurveShapeFields fields;
+        fields.tangent = {values, curve.size()};
+        qel::computeCurveShape(curve, fields);
+    });
 }
 
 } // namespace
@@ -288,20 +256,32 @@ const std::vector<CurveOperation>& curveOperations() {
         {"--simplify", 1, "N[,TOL]",
          "Keep at most N points, fewer if that leaves none farther off than TOL; prints the kept "
          "indices",
-         simplify},
+         simplify, true},
         {"--simplify-to", 1, "TOL",
          "Drop points as long as none lies farther than TOL from the lines that remain; prints the "
          "kept indices",
-         simplifyTo},
-        {"--rotate", 3, "CENTRE AXIS DEG",
-         "Turn by DEG degrees about the axis (x,y,z) through a point (x,y,z)", rotate},
+         simplifyTo, true},
+        {"--rotate", 3, "CENTRE AXIS ANGLE",
+         "Turn by an angle about the axis (x,y,z) through a point (x,y,z)", rotate},
         {"--art", 2, "POINT DIRECTION",
-         "Convert to axial, radial and angular coordinates about an axis", toAxialRadialTheta},
+         "Convert to axial, radial and angular coordinates about the axis through a point (x,y,z)",
+         toAxialRadialTheta},
+        {"--curvature", 0, "", "Add the curvature to the point data", addCurvature},
+        {"--tangent", 0, "", "Add the unit tangent to the point data", addTangent},
         {"--project", 1, "POINTS", "Print the nearest place on the curve for points of a file",
-         project},
-        {"--intersect", 1, "OTHER", "Print the first crossing with the curves of a file",
-         intersect},
-        {"--print", 0, "", "Print the points with their values of s", print},
+         project, true},
+        {"--intersect", 1, "OTHER", "Print the first crossing with the curves of a file", intersect,
+         true},
+        {"--crossings", 1, "OTHER",
+         "Print all crossings with the curves of a file in x and y, with both values of s",
+         listCrossings, true},
+        {"--thickness", 1, "AXIS,VALUE...",
+         "Print how far apart the outermost crossings with planes are, such as those at x,0.25,0.5",
+         measureThickness, true},
+        {"--info", 0, "",
+         "Print the points, length, area, bounding box, repeated points and longest steps",
+         describe, true},
+        {"--print", 0, "", "Print the points with their values of s", print, true},
     };
     return operations;
 }

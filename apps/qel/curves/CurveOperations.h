@@ -7,7 +7,6 @@
 
 namespace program {
 
-using Words = std::vector<std::string>;
 using CurveStep = std::function<void(NamedCurve&)>;
 
 /// One operation as the command line offers it.
@@ -19,6 +18,7 @@ struct CurveOperation {
     /// Makes the step from the arguments, which are checked here, before any work.
     /// @throws UserError  if they are not what they should be
     std::function<CurveStep(const Words&)> make;
+    bool prints = false; ///< whether the step writes to standard output
 };
 
 /// All of them, in the order of the help.

@@ -5,13 +5,14 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
-#include <numeric>
 #include <optional>
 
+#include <vtkCellData.h>
 #include <vtkDataSetSurfaceFilter.h>
 #include <vtkDoubleArray.h>
 #include <vtkNew.h>
 #include <vtkPolyData.h>
+#include <vtkStringArray.h>
 
 #include "console/Messages.h"
 #include "console/Text.h"
@@ -50,12 +51,16 @@ std::size_t wantedColumn(const TextTable& table, const std::string& wanted,
     const double place = asNumber(wanted).value_or(0.0);
     const bool isPlace = place >= 1.0 && place == std::floor(place) &&
                          place <= static_cast<double>(table.rows.front().size());
-    std::string names;
-    for (const std::string& name : table.header) {
-        names += (names.empty() ? "; its columns are " : ", ") + name;
-    }
-    refuseIf(named.empty() && !isPlace, path, " has no column ", wanted, names);
-    return named.empty() ? static_cast<std::size_t>(place) - 1 : named.front();
+    refuseIf(named.empty() && !isPlace, path, " has no column ", wanted,
+             table.header.empty() ? "" : "; its columns are ", listed(table.header));
+    const std::size_t column = named.empty() ? static_cast<std::size_t>(place) - 1 : named.front();
+    refuseIf(table.isText(column), path, ": the column ", wanted, " holds words, no coordinates");
+    return column;
+}
+
+bool holdsNumbers(const TextTable& table, std::size_t column) {
+    return std::any_of(table.rows.begin(), table.rows.end(),
+                       [column](const auto& row) { return !std::isnan(row[column]); });
 }
 
 // The columns of x, y and z: those asked for, those with such names, or the first ones.
@@ -67,52 +72,93 @@ Columns coordinateColumns(const TextTable& table, const Words& wanted, const std
     }
     for (const Words& names :
          {Words{"x", "y", "z"}, Words{"lon", "lat"}, Words{"longitude", "latitude"},
-          Words{"points:0", "points:1", "points:2"}}) {
+          Words{"points:0", "points:1", "points:2"},
+          Words{"axial", "radial", "theta", "theta_rad"}}) {
         const Columns named = columnsOf(table, names);
         columns = columns.empty() && named.size() >= 2 ? named : columns;
     }
-    if (columns.empty()) {
-        columns.resize(std::min<std::size_t>(table.rows.front().size(), 3));
-        std::iota(columns.begin(), columns.end(), 0);
+    const bool named = !columns.empty();
+    for (std::size_t i = 0; wanted.empty() && !named && i < table.texts.size(); ++i) {
+        if (columns.size() < 3 && holdsNumbers(table, i)) {
+            columns.push_back(i);
+        }
     }
+    refuseIf(columns.empty(), path, " has no columns of numbers");
     return columns;
 }
 
-// Tables as this program writes them hold several curves, numbered in a column of their own, and
-// s-values, which are computed anew.
+// The columns of a table that are no coordinates, in a polyline without points.
+Polyline emptyLine(const TextTable& table, const Columns& coordinates, const Columns& others) {
+    Polyline line;
+    line.name = table.title;
+    line.planar = coordinates.size() < 3;
+    for (const std::size_t i : coordinates) {
+        if (!table.header.empty()) {
+            line.axes.push_back(table.header[i]);
+        }
+    }
+    for (const std::size_t i : others) {
+        const std::string name =
+            table.header.empty() ? "column " + std::to_string(i + 1) : table.header[i];
+        if (table.isText(i)) {
+            line.texts.push_back({name, {}});
+        } else {
+            line.columns.push_back({name, {}});
+        }
+    }
+    return line;
+}
+
+void addRow(Polyline& line, const TextTable& table, std::size_t row, const Columns& coordinates,
+            const Columns& others) {
+    Point point;
+    for (std::size_t i = 0; i < coordinates.size(); ++i) {
+        point.getRef(static_cast<int>(i)) = table.rows[row][coordinates[i]];
+    }
+    line.points.push_back(point);
+    std::size_t numbers = 0;
+    std::size_t texts = 0;
+    for (const std::size_t i : others) {
+        if (table.isText(i)) {
+            line.texts[texts++].second.push_back(table.texts[i][row]);
+        } else {
+            line.columns[numbers++].second.push_back(table.rows[row][i]);
+        }
+    }
+}
+
+// Tables as this program writes them hold several curves, numbered in a column of their own, with
+// their names in another one, and s-values, which are computed anew.
 std::vector<Polyline> polylinesOf(const TextTable& table, const Words& wanted,
                                   const std::string& path) {
     const Columns coordinates = coordinateColumns(table, wanted, path);
-    const Columns numbers = columnsOf(table, {"curve"});
-    Columns known = columnsOf(table, {"curve", "s"});
-    known.insert(known.end(), coordinates.begin(), coordinates.end());
-    Polyline empty;
-    empty.name = table.title;
-    empty.planar = coordinates.size() < 3;
+    const Columns curves = columnsOf(table, {"curve"});
+    const bool numbered = !curves.empty() && !table.isText(curves.front());
+    Columns known = coordinates;
+    Columns names;
+    if (numbered) {
+        names = columnsOf(table, {kNameColumn});
+        const Columns own = columnsOf(table, {"curve", "s", kNameColumn});
+        known.insert(known.end(), own.begin(), own.end());
+    }
     Columns others;
-    for (std::size_t i = 0; i < table.rows.front().size(); ++i) {
+    for (std::size_t i = 0; i < table.texts.size(); ++i) {
         if (std::count(known.begin(), known.end(), i) == 0) {
             others.push_back(i);
-            empty.columns.push_back(
-                {table.header.empty() ? "column " + std::to_string(i + 1) : table.header[i], {}});
         }
     }
     std::vector<Polyline> polylines;
     std::optional<double> number;
-    for (const std::vector<double>& row : table.rows) {
-        const double own = numbers.empty() ? 0.0 : row[numbers.front()];
+    for (std::size_t row = 0; row < table.rows.size(); ++row) {
+        const double own = numbered ? table.rows[row][curves.front()] : 0.0;
         if (number != own) {
-            polylines.push_back(empty);
+            polylines.push_back(emptyLine(table, coordinates, others));
             number = own;
+            if (!names.empty() && table.isText(names.front())) {
+                polylines.back().name = table.texts[names.front()][row];
+            }
         }
-        Point point;
-        for (std::size_t i = 0; i < coordinates.size(); ++i) {
-            point.getRef(static_cast<int>(i)) = row[coordinates[i]];
-        }
-        polylines.back().points.push_back(point);
-        for (std::size_t i = 0; i < others.size(); ++i) {
-            polylines.back().columns[i].second.push_back(row[others[i]]);
-        }
+        addRow(polylines.back(), table, row, coordinates, others);
     }
     return polylines;
 }
@@ -120,7 +166,7 @@ std::vector<Polyline> polylinesOf(const TextTable& table, const Words& wanted,
 // -- All kinds ----
 
 TextTable tableOf(const Polyline& polyline) {
-    TextTable table{polyline.name, {"x", "y", "z"}, {}};
+    TextTable table{polyline.name, {"x", "y", "z"}, {}, {}};
     for (const auto& column : polyline.columns) {
         table.header.push_back(column.first);
     }
@@ -131,6 +177,7 @@ TextTable tableOf(const Polyline& polyline) {
             table.rows.back().push_back(column.second[i]);
         }
     }
+    table.texts.resize(table.header.size());
     return table;
 }
 
@@ -147,15 +194,15 @@ std::vector<Polyline> withColumns(std::vector<Polyline> polylines, const Words& 
 
 std::vector<Polyline> readPolylines(const InputFile& file, const Words& columns) {
     if (file.kind == FileKind::json) {
-        return withColumns(readGeoJson(file.path).polylines, columns, file.path);
+        return withColumns(readGeoJson(file.path).polylines, columns, file.name());
     }
     if (file.kind == FileKind::gpx) {
-        return withColumns(readGpx(file.path), columns, file.path);
+        return withColumns(readGpx(file.path), columns, file.name());
     }
-    refuseIf(file.kind != FileKind::text, file.path, " is no file of curves that can be read");
+    refuseIf(file.kind != FileKind::text, file.name(), " is no file of curves that can be read");
     std::vector<Polyline> polylines;
-    for (const TextTable& table : readTables(file.path)) {
-        const std::vector<Polyline> more = polylinesOf(table, columns, file.path);
+    for (const TextTable& table : readTables(file)) {
+        const std::vector<Polyline> more = polylinesOf(table, columns, file.name());
         polylines.insert(polylines.end(), more.begin(), more.end());
     }
     return polylines;
@@ -164,7 +211,7 @@ std::vector<Polyline> readPolylines(const InputFile& file, const Words& columns)
 // The leaves of VTK's data, which have no columns.
 std::vector<Leaf> readLeaves(const InputFile& file, const Words& columns,
                              vtkSmartPointer<vtkDataObject>& data) {
-    refuseIf(!columns.empty(), file.path,
+    refuseIf(!columns.empty(), file.name(),
              " is a VTK file: --columns is for tables, GeoJSON and GPX");
     data = readFlow(file, std::nullopt);
     return leavesOf(data);
@@ -181,8 +228,18 @@ NamedCurve curveOf(const Polyline& polyline) {
         }
         data->AddArray(array);
     }
+    for (const auto& [name, words] : polyline.texts) {
+        vtkNew<vtkStringArray> array;
+        array->SetName(name.c_str());
+        for (const std::string& word : words) {
+            array->InsertNextValue(word);
+        }
+        data->AddArray(array);
+    }
     return {{Curve(polyline.points, polyline.planar ? Curve::dim2D : Curve::dim3D), data},
-            polyline.name};
+            polyline.name,
+            !polyline.name.empty(),
+            polyline.axes};
 }
 
 void addCurves(const Leaf& leaf, Curves& curves) {
@@ -193,12 +250,20 @@ void addCurves(const Leaf& leaf, Curves& curves) {
         run(surface, "lines");
         lines = surface->GetOutput();
     }
-    for (auto& curve : vtkQELPolyline::FromPolyData(lines)) {
+    auto read = vtkQELPolyline::FromPolyData(lines);
+    auto* names = vtkStringArray::SafeDownCast(lines->GetCellData()->GetAbstractArray(kNameColumn));
+    const bool named = names != nullptr &&
+                       names->GetNumberOfValues() == lines->GetNumberOfLines() &&
+                       lines->GetNumberOfLines() == static_cast<vtkIdType>(read.size());
+    vtkIdType id = 0;
+    for (auto& curve : read) {
         const auto& points = curve.curve.getCurve();
         if (std::all_of(points.begin(), points.end(), [](const Point& p) { return p.z == 0.0; })) {
             curve.curve = qel::ParametricCurve(points, qel::ParametricCurve::dim2D);
         }
-        curves.push_back({std::move(curve), leaf.name});
+        curve.data->RemoveArray("s"); // computed anew
+        const std::string name = named ? names->GetValue(id++) : leaf.name;
+        curves.push_back({std::move(curve), name, named && !name.empty()});
     }
 }
 
@@ -214,6 +279,10 @@ void addCurves(const std::vector<Polyline>& polylines, const std::string& path, 
     }
 }
 
+std::string stemOf(const InputFile& file) {
+    return file.isStandardInput ? "curve" : fs::path(file.path).stem().string();
+}
+
 Curves allCurves(const InputFile& file, const Words& columns) {
     Curves curves;
     if (file.isVtk()) {
@@ -222,13 +291,12 @@ Curves allCurves(const InputFile& file, const Words& columns) {
             addCurves(leaf, curves);
         }
     } else {
-        addCurves(readPolylines(file, columns), file.path, curves);
+        addCurves(readPolylines(file, columns), file.name(), curves);
     }
-    refuseIf(curves.empty(), file.path, " has no curve of at least two points");
+    refuseIf(curves.empty(), file.name(), " has no curve of at least two points");
     for (std::size_t i = 0; i < curves.size(); ++i) {
         if (curves[i].name.empty()) {
-            curves[i].name = curves.size() == 1 ? fs::path(file.path).stem().string()
-                                                : "curve " + std::to_string(i + 1);
+            curves[i].name = curves.size() == 1 ? stemOf(file) : "curve " + std::to_string(i + 1);
         }
     }
     return curves;
@@ -247,7 +315,7 @@ void keepCommonData(const Curves& curves, const std::string& path) {
     std::map<std::pair<std::string, int>, std::size_t> counts; // by name and components
     for (const NamedCurve& curve : curves) {
         for (int i = 0; i < curve.data->GetNumberOfArrays(); ++i) {
-            vtkDataArray* array = curve.data->GetArray(i);
+            vtkAbstractArray* array = curve.data->GetAbstractArray(i);
             if (array != nullptr && array->GetName() != nullptr) {
                 ++counts[{array->GetName(), array->GetNumberOfComponents()}];
             }
@@ -264,10 +332,9 @@ void keepCommonData(const Curves& curves, const std::string& path) {
     }
 }
 
-} // namespace
-
-Curves readCurves(const std::string& path, const CurveSelection& selection) {
-    const Curves all = allCurves(recognise(path), selection.columns);
+Curves chosenCurves(const std::string& path, const CurveSelection& selection) {
+    const InputFile file = recognise(path);
+    const Curves all = allCurves(file, selection.columns);
     Curves chosen = selection.curves.empty() ? all : Curves();
     for (const std::string& wanted : selection.curves) {
         const std::size_t before = chosen.size();
@@ -276,13 +343,29 @@ Curves readCurves(const std::string& path, const CurveSelection& selection) {
                 chosen.push_back(all[i]);
             }
         }
-        refuseIf(chosen.size() == before, path, " has no curve \"", wanted, "\"; it has ",
+        refuseIf(chosen.size() == before, file.name(), " has no curve \"", wanted, "\"; it has ",
                  all.size(), ", the first is \"", all[0].name, "\"");
     }
     for (const NamedCurve& curve : chosen) {
-        checkFinite(curve.curve.getCurve(), path + ", " + curve.name);
+        checkFinite(curve.curve.getCurve(), file.name() + ", " + curve.name);
     }
-    keepCommonData(chosen, path);
+    return chosen;
+}
+
+} // namespace
+
+Curves readCurves(const Words& paths, const CurveSelection& selection) {
+    Curves chosen;
+    for (const std::string& path : paths) {
+        for (NamedCurve& curve : chosenCurves(path, selection)) {
+            // A number alone would not tell in which file.
+            const bool tell = paths.size() > 1 && curve.name.rfind("curve ", 0) == 0;
+            curve.name = (tell ? fs::path(path).stem().string() + " " : "") + curve.name;
+            curve.named = curve.named || paths.size() > 1;
+            chosen.push_back(std::move(curve));
+        }
+    }
+    keepCommonData(chosen, paths.size() == 1 ? paths[0] : "the files");
     return chosen;
 }
 
@@ -300,7 +383,7 @@ Points readPoints(const std::string& path, const std::vector<std::string>& colum
     } else {
         Polyline all;
         if (file.kind == FileKind::json) {
-            all.points = readGeoJson(path).points;
+            all.points = readGeoJson(file.path).points;
         }
         for (const Polyline& polyline : all.points.empty() ? readPolylines(file, columns)
                                                            : withColumns({all}, columns, path)) {

@@ -14,11 +14,12 @@ struct CurveSelection {
     std::vector<std::string> curves;
 };
 
-/// Reads text columns, CSV, GeoJSON (lines and rings), GPX (tracks and routes: longitude, latitude,
-/// elevation as point data) or the lines of VTK data, segments joined. Lines of fewer than two
-/// points are left out with a warning.
-/// @throws UserError  if the file cannot be read, has no curve, or not the curves asked for
-Curves readCurves(const std::string& path, const CurveSelection& selection);
+/// Reads files of text columns, CSV, GeoJSON (lines and rings), GPX (tracks and routes: longitude,
+/// latitude, elevation as point data) or the lines of VTK data, segments joined. Lines of fewer
+/// than two points are left out with a warning; so are point data that not all curves have. The
+/// path - is standard input.
+/// @throws UserError  if a file cannot be read, has no curve, or not the curves asked for
+Curves readCurves(const std::vector<std::string>& paths, const CurveSelection& selection);
 
 /// All points of such a file, in order; of GeoJSON, also those that are no lines.
 /// @throws UserError  if the file cannot be read or has no point

@@ -8,6 +8,8 @@
 #include <fstream>
 #include <utility>
 
+#include <sys/mman.h>
+
 #include "console/Messages.h"
 
 namespace program {
@@ -65,10 +67,28 @@ FileKind kindOf(const std::string& path, const std::string& head) {
     return first != std::string::npos && head[first] == '{' ? FileKind::json : FileKind::text;
 }
 
+// The path of a file in memory that holds standard input; it is gone when the program ends.
+std::string heldInput() {
+    const int memory = memfd_create("standard input", 0);
+    refuseIf(memory < 0, "cannot hold standard input in memory");
+    std::string path = "/proc/self/fd/" + std::to_string(memory);
+    std::ofstream file(path, std::ios::binary);
+    if (std::cin.peek() != std::istream::traits_type::eof()) {
+        file << std::cin.rdbuf();
+    }
+    refuseIf(!file.flush(), "cannot hold standard input in memory");
+    return path;
+}
+
 } // namespace
 
 InputFile recognise(const std::string& path) {
     std::error_code error;
+    if (path == "-") {
+        const std::string held = heldInput();
+        refuseIf(fs::file_size(held, error) == 0, "standard input is empty");
+        return {held, kindOf(held, headOf(held)), true};
+    }
     refuseIf(!fs::exists(path, error), "there is no file ", path);
     if (isFoamCase(path)) {
         return {path, FileKind::openFoam};

@@ -28,11 +28,14 @@ enum class FileKind {
 struct InputFile {
     std::string path;
     FileKind kind;
+    bool isStandardInput = false; ///< held in memory, where the path leads
 
+    std::string name() const { return isStandardInput ? "standard input" : path; }
     bool isVtk() const { return kind <= FileKind::partitionedLegacyVtk; }
     bool mayBePlot3d() const { return kind >= FileKind::text; }
 };
 
+/// The path - is standard input, which is read whole.
 /// @throws UserError  if the file is missing, empty or unreadable
 InputFile recognise(const std::string& path);
 

@@ -1,71 +1,102 @@
 // Writing of curves.
 #include "writing/CurveWriting.h"
 
+#include <algorithm>
 #include <fstream>
 
+#include <vtkCellData.h>
 #include <vtkNew.h>
 #include <vtkPolyData.h>
 #include <vtkPolyDataWriter.h>
+#include <vtkStringArray.h>
+#include <vtkVariant.h>
 
 #include <qel/QELException.h>
 
 #include "console/Messages.h"
+#include "console/Text.h"
 #include "console/VtkRun.h"
+#include "curves/Arguments.h"
+#include "curves/Axes.h"
 #include "writing/FlowWriting.h"
 #include "writing/StagedOutput.h"
 
 namespace program {
 namespace {
 
-constexpr int kDigits = 17; // every double comes back as it was
-
-// A name with commas would read back as several columns.
-std::string columnName(const char* name) {
-    std::string text = name == nullptr ? "data" : name;
-    for (char& c : text) {
-        c = c == ',' || c == ';' || c == '\n' ? '_' : c;
-    }
-    return text;
+bool anyNamed(const Curves& curves) {
+    return std::any_of(curves.begin(), curves.end(), [](const auto& curve) { return curve.named; });
 }
 
-// Calls visit(array, component) for each column that the point data of a curve have in a table.
-template <typename Visit>
-void forEachColumn(vtkPointData* data, const Visit& visit) {
+std::string nameOf(const NamedCurve& curve) {
+    return curve.named ? curve.name : "";
+}
+
+std::string headerOf(const Curves& curves) {
+    std::string line = "curve," + coordinateNames(curves.front()) + ",s";
+    vtkPointData* data = curves.front().data;
     for (int a = 0; a < data->GetNumberOfArrays(); ++a) {
-        vtkDataArray* array = data->GetArray(a);
-        for (int c = 0; array != nullptr && c < array->GetNumberOfComponents(); ++c) {
-            visit(array, c);
+        vtkAbstractArray* array = data->GetAbstractArray(a);
+        const int components = array->GetNumberOfComponents();
+        for (int c = 0; c < components; ++c) {
+            const std::string name = array->GetName() == nullptr ? "data" : array->GetName();
+            line += "," + quoted(components > 1 ? joined(name, ":", c) : name);
         }
     }
+    return line + (anyNamed(curves) ? joined(",", kNameColumn) : "");
 }
 
-void writeCsv(const Curves& curves, const fs::path& target) {
-    std::ostringstream out;
-    out.precision(kDigits);
-    out << "curve,x,y,z,s";
-    forEachColumn(curves.front().data, [&](vtkDataArray* array, int c) {
-        out << "," << columnName(array->GetName());
-        if (array->GetNumberOfComponents() > 1) {
-            out << ":" << c;
+std::string cellsOf(vtkPointData* data, vtkIdType point) {
+    std::string cells;
+    for (int a = 0; a < data->GetNumberOfArrays(); ++a) {
+        vtkDataArray* numbers = data->GetArray(a);
+        vtkAbstractArray* array = data->GetAbstractArray(a);
+        for (int c = 0; c < array->GetNumberOfComponents(); ++c) {
+            cells +=
+                numbers == nullptr
+                    ? "," +
+                          quoted(array->GetVariantValue(point * array->GetNumberOfComponents() + c)
+                                     .ToString())
+                    : "," + shortest(numbers->GetComponent(point, c));
         }
-    });
+    }
+    return cells;
+}
+
+std::string csvOf(const Curves& curves) {
+    std::string table = headerOf(curves);
     int id = 0;
     for (const NamedCurve& curve : curves) {
         const auto& points = curve.curve.getCurve();
-        ++id;
+        const std::string start = joined("\n", ++id, ",");
+        const std::string end = anyNamed(curves) ? "," + quoted(nameOf(curve)) : "";
         for (std::size_t i = 0; i < points.size(); ++i) {
-            out << "\n" << id << "," << points[i].x << "," << points[i].y << "," << points[i].z;
-            out << "," << curve.curve.getSvalues()[i];
-            forEachColumn(curve.data, [&](vtkDataArray* array, int c) {
-                out << "," << array->GetComponent(static_cast<vtkIdType>(i), c);
-            });
+            table += start + text(points[i]) + "," + shortest(curve.curve.getSvalues()[i]) +
+                     cellsOf(curve.data, static_cast<vtkIdType>(i)) + end;
         }
     }
-    writeText(target, out.str() + "\n");
+    return table + "\n";
+}
+
+void writeCsv(const Curves& curves, const fs::path& target) {
+    writeText(target, csvOf(curves));
+}
+
+void printCsv(const Curves& curves, const fs::path&) {
+    out() << csvOf(curves) << std::flush;
 }
 
 vtkSmartPointer<vtkPolyData> polyDataOf(const Curves& curves) {
-    return vtkQELPolyline::ToPolyData({curves.begin(), curves.end()});
+    auto data = vtkQELPolyline::ToPolyData({curves.begin(), curves.end()});
+    if (anyNamed(curves)) {
+        vtkNew<vtkStringArray> names;
+        names->SetName(kNameColumn);
+        for (const NamedCurve& curve : curves) {
+            names->InsertNextValue(nameOf(curve));
+        }
+        data->GetCellData()->AddArray(names);
+    }
+    return data;
 }
 
 void writeXml(const Curves& curves, const fs::path& target) {
@@ -76,6 +107,7 @@ void writeLegacy(const Curves& curves, const fs::path& target) {
     vtkNew<vtkPolyDataWriter> writer;
     writer->SetInputData(polyDataOf(curves));
     writer->WriteToOutputStringOn();
+    writer->SetFileTypeToBinary(); // VTK does not read undefined numbers from text
     run(writer, "writing " + target.string(), [&] { writer->Write(); });
     writeText(target, writer->GetOutputStdString());
 }
@@ -94,11 +126,14 @@ void writeExport(const Curves& curves, const fs::path& target) {
     staged.commit(all.str());
 }
 
+constexpr const char* kStandardOutput = "-";
+
 using Writer = void (*)(const Curves&, const fs::path&);
 
 Writer writerFor(const fs::path& target) {
     const std::string ending = target.extension().string();
-    const Writer writer = ending == ".csv"                       ? writeCsv
+    const Writer writer = target == kStandardOutput              ? printCsv
+                          : ending == ".csv"                     ? writeCsv
                           : ending == ".vtp"                     ? writeXml
                           : ending == ".vtk"                     ? writeLegacy
                           : ending == ".txt" || ending == ".dat" ? writeExport
@@ -112,7 +147,9 @@ Writer writerFor(const fs::path& target) {
 
 void checkCurveOutput(const fs::path& target) {
     writerFor(target);
-    checkWritable(target);
+    if (target != kStandardOutput) {
+        checkWritable(target);
+    }
 }
 
 void writeCurves(const Curves& curves, const fs::path& target) {
