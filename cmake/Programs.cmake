@@ -35,6 +35,7 @@ find_package(
                pugixml)
 find_package(CLI11 QUIET)
 find_package(nlohmann_json QUIET)
+find_package(nanoflann QUIET)
 find_package(X11 QUIET)
 
 if(NOT VTK_FOUND)
@@ -44,9 +45,9 @@ endif()
 add_subdirectory(integrations)
 set(QEL_HAVE_VTK ON)
 
-if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND OR NOT X11_FOUND)
-    message(STATUS "Without the qel program: it needs CLI11, nlohmann_json and X11 "
-                   "(libcli11-dev, nlohmann-json3-dev, libx11-dev)")
+if(NOT CLI11_FOUND OR NOT nlohmann_json_FOUND OR NOT nanoflann_FOUND OR NOT X11_FOUND)
+    message(STATUS "Without the qel program: it needs CLI11, nlohmann_json, nanoflann and X11 "
+                   "(libcli11-dev, nlohmann-json3-dev, libnanoflann-dev, libx11-dev)")
     return()
 endif()
 add_subdirectory(apps)

@@ -83,7 +83,7 @@ Steps stepsOf(const Points& points) {
 } // namespace
 
 CurveStep project(const Words& words) {
-    const auto probes = std::make_shared<Points>(readPoints(words[0], {}));
+    const auto probes = std::make_shared<Points>(readPoints(words[0], {}).points);
     return [probes](NamedCurve& curve) {
         out() << "# " << curve.name << "\nx,y,z,foot_x,foot_y,foot_z,s,distance\n";
         const qel::CurveLocator locator(curve.curve);

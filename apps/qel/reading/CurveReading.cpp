@@ -178,6 +178,13 @@ TextTable tableOf(const Polyline& polyline) {
         }
     }
     table.texts.resize(table.header.size());
+    for (const auto& [name, words] : polyline.texts) {
+        table.header.push_back(name);
+        table.texts.push_back(words);
+        for (std::vector<double>& row : table.rows) {
+            row.push_back(std::numeric_limits<double>::quiet_NaN());
+        }
+    }
     return table;
 }
 
@@ -352,6 +359,40 @@ Curves chosenCurves(const std::string& path, const CurveSelection& selection) {
     return chosen;
 }
 
+// In the plane if all have z = 0.
+Polyline pointsOfVtk(const InputFile& file, const Words& columns) {
+    Polyline all;
+    all.planar = true;
+    vtkSmartPointer<vtkDataObject> data;
+    for (const Leaf& leaf : readLeaves(file, columns, data)) {
+        for (vtkIdType i = 0; i < leaf.data->GetNumberOfPoints(); ++i) {
+            const double* p = leaf.data->GetPoint(i);
+            all.points.emplace_back(p[0], p[1], p[2]);
+            all.planar = all.planar && p[2] == 0.0;
+        }
+    }
+    return all;
+}
+
+PointCloud joinedPoints(const std::vector<Polyline>& parts) {
+    PointCloud all{{}, {}, true};
+    bool labelled = false;
+    for (const Polyline& part : parts) {
+        all.planar = all.planar && (part.planar || part.points.empty());
+        all.points.insert(all.points.end(), part.points.begin(), part.points.end());
+        if (!part.texts.empty()) {
+            const Words& words = part.texts.front().second;
+            all.labels.insert(all.labels.end(), words.begin(), words.end());
+            labelled = true;
+        }
+        all.labels.resize(all.points.size());
+    }
+    if (!labelled) {
+        all.labels.clear();
+    }
+    return all;
+}
+
 } // namespace
 
 Curves readCurves(const Words& paths, const CurveSelection& selection) {
@@ -369,30 +410,17 @@ Curves readCurves(const Words& paths, const CurveSelection& selection) {
     return chosen;
 }
 
-Points readPoints(const std::string& path, const std::vector<std::string>& columns) {
+PointCloud readPoints(const std::string& path, const std::vector<std::string>& columns) {
     const InputFile file = recognise(path);
-    Points points;
-    if (file.isVtk()) {
-        vtkSmartPointer<vtkDataObject> data;
-        for (const Leaf& leaf : readLeaves(file, columns, data)) {
-            for (vtkIdType i = 0; i < leaf.data->GetNumberOfPoints(); ++i) {
-                const double* p = leaf.data->GetPoint(i);
-                points.emplace_back(p[0], p[1], p[2]);
-            }
-        }
-    } else {
-        Polyline all;
-        if (file.kind == FileKind::json) {
-            all.points = readGeoJson(file.path).points;
-        }
-        for (const Polyline& polyline : all.points.empty() ? readPolylines(file, columns)
-                                                           : withColumns({all}, columns, path)) {
-            points.insert(points.end(), polyline.points.begin(), polyline.points.end());
-        }
-    }
-    refuseIf(points.empty(), path, " has no points");
-    checkFinite(points, path);
-    return points;
+    const std::vector<Polyline> parts =
+        file.isVtk() ? std::vector<Polyline>{pointsOfVtk(file, columns)}
+        : file.kind == FileKind::json
+            ? withColumns({readGeoJson(file.path).positions}, columns, file.name())
+            : readPolylines(file, columns);
+    PointCloud cloud = joinedPoints(parts);
+    refuseIf(cloud.points.empty(), file.name(), " has no points");
+    checkFinite(cloud.points, file.name());
+    return cloud;
 }
 
 } // namespace program

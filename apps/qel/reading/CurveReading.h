@@ -21,8 +21,16 @@ struct CurveSelection {
 /// @throws UserError  if a file cannot be read, has no curve, or not the curves asked for
 Curves readCurves(const std::vector<std::string>& paths, const CurveSelection& selection);
 
-/// All points of such a file, in order; of GeoJSON, also those that are no lines.
-/// @throws UserError  if the file cannot be read or has no point
-Points readPoints(const std::string& path, const std::vector<std::string>& columns);
+/// Points without lines between them.
+struct PointCloud {
+    Points points;
+    Words labels; ///< words that stand beside the points, such as names; or empty
+    bool planar;  ///< without z
+};
+
+/// All points of such a file, in order; of GeoJSON, also those that are no lines. Labels are the
+/// first column of words, or the names of features.
+/// @throws UserError  if the file cannot be read, has no point, or one that is not finite
+PointCloud readPoints(const std::string& path, const std::vector<std::string>& columns);
 
 } // namespace program

@@ -20,6 +20,8 @@ constexpr int kMaxDepth = 100; // of collections of geometries in each other
 
 struct GeoJsonReader {
     GeoJson result;
+    Words names; // of the positions
+    bool anyName = false;
 
     void readObject(const Json& object, const std::string& name, int depth = 0) {
         refuseIf(depth > kMaxDepth, "geometries are nested too deeply");
@@ -40,13 +42,13 @@ struct GeoJsonReader {
 
     void readGeometry(const std::string& type, const Json& coordinates, const std::string& name) {
         if (type == "Point") {
-            readPosition(coordinates);
+            readPosition(coordinates, name);
         } else if (type == "LineString") {
             Polyline polyline;
             polyline.name = name;
             polyline.planar = true;
             for (const Json& position : coordinates) {
-                polyline.points.push_back(readPosition(position));
+                polyline.points.push_back(readPosition(position, name));
                 polyline.planar = polyline.planar && position.size() < 3;
             }
             result.polylines.push_back(polyline);
@@ -60,10 +62,14 @@ struct GeoJsonReader {
         }
     }
 
-    Point readPosition(const Json& position) {
-        result.points.emplace_back(position.at(0).get<double>(), position.at(1).get<double>(),
-                                   position.size() > 2 ? position.at(2).get<double>() : 0.0);
-        return result.points.back();
+    Point readPosition(const Json& position, const std::string& name) {
+        Polyline& all = result.positions;
+        all.points.emplace_back(position.at(0).get<double>(), position.at(1).get<double>(),
+                                position.size() > 2 ? position.at(2).get<double>() : 0.0);
+        all.planar = (all.planar || all.points.size() == 1) && position.size() < 3;
+        names.push_back(name);
+        anyName = anyName || !name.empty();
+        return all.points.back();
     }
 };
 
@@ -101,6 +107,9 @@ GeoJson readGeoJson(const std::string& path) {
         refuse(path, " is no GeoJSON, or damaged: ", error.what());
     } catch (const UserError& error) {
         refuse(path, ": ", error.what());
+    }
+    if (reader.anyName) {
+        reader.result.positions.texts.emplace_back("name", reader.names);
     }
     return reader.result;
 }

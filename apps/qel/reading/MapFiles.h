@@ -7,7 +7,8 @@ namespace program {
 
 struct GeoJson {
     std::vector<Polyline> polylines; ///< line strings and the rings of polygons
-    Points points;                   ///< every position in the file, those of polylines as well
+    Polyline positions;              ///< every position in the file, those of polylines as well;
+                                     ///< with the names of features, if one of them has one
 };
 
 /// Features without geometry are left out. Lines are named after the feature's property "name".
