@@ -19,6 +19,12 @@ py::array requireArray(const py::object& object, const std::string& name) {
 
 void refuseDtype(const py::array& array, const std::string& name, const std::string& wanted) {
     const std::string first = wanted.substr(0, wanted.find(' '));
+    const py::object native = array.dtype().attr("newbyteorder")("=");
+    const std::string nativeName = py::str(native);
+    if (!native.equal(array.dtype()) && wanted.find(nativeName) != std::string::npos) {
+        throw py::type_error(name + " is not in native byte order; write " + name +
+                             ".astype(numpy." + nativeName + ")");
+    }
     throw py::type_error(name + " has dtype " + std::string(py::str(array.dtype())) + ", not " +
                          wanted + "; write " + name + ".astype(numpy." + first + ")");
 }

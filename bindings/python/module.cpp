@@ -7,6 +7,8 @@ PYBIND11_MODULE(qel, module) {
     qel::python::bindParametricCurve(module);
     qel::python::bindCurveLocator(module);
     qel::python::bindCurveFunctions(module);
+    qel::python::bindCurveResampling(module);
+    qel::python::bindNumericalUtils(module);
     qel::python::bindGradientAnalysis(module);
     qel::python::bindQuadtreeBucket(module);
     qel::python::bindViewStatistics(module);

@@ -42,3 +42,28 @@ def test_bad_curves_are_refused(function):
         function(SQUARE.astype(int))
     with pytest.raises(ValueError):
         function(SQUARE[:, :2])
+
+
+def test_crossings_with_segments_lines_and_planes():
+    inside = qel.find_crossings_with_segment(SQUARE, (0.5, 0.5, 0), (2, 0.5, 0))
+    assert [c["begin"].tolist() for c in inside] == [[1, 0.5, 0]]
+    assert inside[0]["other_begin"] == pytest.approx(1 / 3)
+    assert len(qel.find_crossings_with_line(SQUARE, (0.5, 0.5, 0), (2, 0.5, 0))) == 2
+    assert len(qel.find_crossings_with_plane(SQUARE, (0.5, 0, 0), (1, 0, 0))) == 2
+    with pytest.raises(qel.DataInvalid):
+        qel.find_crossings_with_line(SQUARE, (0, 0, 0), (0, 0, 0))
+    with pytest.raises(qel.DataInvalid):
+        qel.find_crossings_with_plane(SQUARE, (0, 0, 0), (0, 0, 0))
+
+
+def test_shape_is_taken_at_s_values():
+    shape = qel.curve_shape(SQUARE, numpy.array([0.125, 0.375]))
+    assert shape["tangent"].shape == (2, 3) and shape["curvature"].shape == (2,)
+    assert abs(shape["tangent"][0][0]) > abs(shape["tangent"][0][1])
+    with pytest.raises(qel.DataInvalid):
+        qel.curve_shape(SQUARE, numpy.array([numpy.nan]))
+
+
+def test_orientation_is_the_sign_of_the_area():
+    assert qel.orientation(SQUARE) == 1 and qel.orientation(SQUARE[::-1]) == -1
+    assert qel.orientation(SQUARE[[0, 1, 0]]) == 0

@@ -82,6 +82,14 @@ def test_a_wrong_dtype_is_refused_with_the_conversion():
         qel.ParametricCurve(POINTS.astype(int))
 
 
+@pytest.mark.parametrize("dtype", ["float32", "float64"])
+def test_another_byte_order_is_refused_with_its_own_conversion(dtype):
+    points = POINTS.astype(dtype)
+    foreign = points.astype(points.dtype.newbyteorder())
+    with pytest.raises(TypeError, match=rf"byte order; write points.astype\(numpy.{dtype}\)"):
+        qel.ParametricCurve(foreign)
+
+
 @pytest.mark.parametrize("shape", [(9,), (3, 2), (1, 3, 3), (0,)])
 def test_a_wrong_shape_is_a_value_error(shape):
     with pytest.raises(ValueError, match="shape"):
