@@ -38,6 +38,11 @@ Curve::normalization normalizationArgument(const std::string& name) {
     throw py::value_error("normalization must be 'x', 'y', 'z' or 'arc'");
 }
 
+// Setters that compute no length keep the one that was there: here 0, for none computed.
+Curve withoutLength() {
+    return Curve(Points(2), Svalues(2), Curve::dim3D);
+}
+
 template <typename Source>
 Curve makeFrom(const std::vector<Source>& points, const std::optional<Svalues>& svalues,
                const std::optional<Curve::normalization>& norm, Curve::dim dimension) {
@@ -45,7 +50,7 @@ Curve makeFrom(const std::vector<Source>& points, const std::optional<Svalues>& 
         return Curve(points, *svalues, dimension);
     }
     if (norm) {
-        Curve curve;
+        Curve curve = withoutLength();
         curve.setPoints(points, *norm, dimension);
         return curve;
     }
@@ -79,7 +84,7 @@ using SetComponentAndSvalues = void (Curve::*)(const Svalues&, const Svalues&);
 auto fromComponent(SetComponent set, SetComponentAndSvalues setBoth) {
     return [set, setBoth](const py::object& values, const py::object& svalues) {
         const Svalues numbers = numbersArgument(values, "values");
-        Curve curve;
+        Curve curve = withoutLength();
         if (svalues.is_none()) {
             (curve.*set)(numbers);
         } else {
@@ -90,7 +95,7 @@ auto fromComponent(SetComponent set, SetComponentAndSvalues setBoth) {
 }
 
 Curve fromXUniform(const py::object& values) {
-    Curve curve;
+    Curve curve = withoutLength();
     curve.setPointsXnormalizeUniform(numbersArgument(values, "values"));
     return curve;
 }
@@ -148,13 +153,15 @@ std::optional<std::vector<TripletBase<float>>> inSinglePrecision(const Points& p
 }
 
 // A curve with the same points, s-values and length. s is computed again if that gives the same
-// values; if not, the curve is given them, over a line of the length, which setPoints keeps.
+// values and length; if not, the curve is given them, over a line of the length, which setPoints
+// keeps.
 Curve rebuilt(const Points& points, const Svalues& svalues, Curve::dim dimension, double length,
               bool isComputed, bool createdAsDouble) {
     const auto single = createdAsDouble ? std::nullopt : inSinglePrecision(points);
     if (isComputed) {
         Curve curve = single ? Curve(*single, dimension) : Curve(points, dimension);
-        if (sameNumbers(curve.getSvalues(), svalues)) {
+        const bool hasLength = !(curve.getLength() < length) && !(length < curve.getLength());
+        if (hasLength && sameNumbers(curve.getSvalues(), svalues)) {
             return curve;
         }
     }
@@ -226,7 +233,9 @@ void bindProperties(py::class_<Curve>& curve) {
         .def_property_readonly("x", componentOf(0), view)
         .def_property_readonly("y", componentOf(1), view)
         .def_property_readonly("z", componentOf(2), view)
-        .def_property_readonly("length", &Curve::getLength, "Unit of the points.")
+        .def_property_readonly("length", &Curve::getLength,
+                               "Unit of the points; 0 if s-values were given or came from "
+                               "normalization, which compute none.")
         .def_property_readonly(
             "dimension", [](const Curve& c) { return 1 + int{c.getDimension()}; }, "1, 2 or 3.")
         .def_property_readonly(

@@ -39,6 +39,18 @@ def test_a_curve_along_one_axis_is_made_from_its_values():
         qel.ParametricCurve.from_x(values[:1])
 
 
+def test_a_curve_whose_s_values_are_supplied_has_no_length():
+    values = numpy.array([0.0, 1, 4])
+    svalues = numpy.array([0, 0.5, 1.0])
+    for curve in (
+        qel.ParametricCurve(POINTS, normalization="x"),
+        qel.ParametricCurve(POINTS, numpy.linspace(0, 1, 5)),
+        qel.ParametricCurve.from_y(values, svalues),
+        qel.ParametricCurve.from_x_uniform(values),
+    ):
+        assert curve.length == 0
+
+
 def test_properties_read_what_the_curve_holds():
     curve = qel.ParametricCurve(POINTS.astype(numpy.float32))
     assert not curve.created_as_double and qel.ParametricCurve(POINTS).created_as_double
@@ -249,6 +261,15 @@ def test_a_pickled_curve_is_the_same_curve(curve):
     assert again.svalues.tobytes() == curve.svalues.tobytes()
     assert again.length == curve.length and again.dimension == curve.dimension
     assert again.created_as_double == curve.created_as_double
+
+
+def test_a_turned_curve_is_pickled_whatever_the_angle():
+    curve = qel.ParametricCurve(numpy.array([[0.0, 0, 0], [3, 4, 1]]))
+    for angle in numpy.linspace(0, 3, 50):
+        turned = curve.rotated((1, 0, 0), (1, 2, 3), angle)
+        again = pickle.loads(pickle.dumps(turned))
+        assert again.points.tobytes() == turned.points.tobytes()
+        assert again.length == turned.length
 
 
 def test_a_curve_whose_points_left_its_plane_is_not_pickled():
