@@ -1,7 +1,6 @@
 // qel curve on files that the tests make.
 #include <cmath>
 
-#include "Pictures.h"
 #include "Program.h"
 
 #include <vtkCellArray.h>
@@ -469,17 +468,6 @@ TEST_F(CurveCommand, WritesPolydataAndTheTextExport) {
     EXPECT_EQ(result("out.vtk").size(), 3U);
     EXPECT_EQ(files(),
               (std::vector<std::string>{"in.csv", "out.txt", "out.vtk", "out.vtp", "result.csv"}));
-}
-
-TEST_F(CurveCommand, DrawsTheCurveBeforeAndAfter) {
-    write("in.csv", kCorner);
-    ASSERT_EQ(qel("curve in.csv --resample 4 --image p.png").status, 0);
-    qel_test::expectPicture((folder / "p.png").string());
-    ASSERT_EQ(qel("curve in.csv --resample 4 --image p.svg").status, 0);
-    const std::string svg = text("p.svg");
-    EXPECT_NE(svg.find("before: 3 points"), std::string::npos);
-    EXPECT_NE(svg.find("after: 4 points"), std::string::npos);
-    EXPECT_EQ(svg.substr(svg.size() - 7), "</svg>\n");
 }
 
 } // namespace

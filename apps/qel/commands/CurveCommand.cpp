@@ -1,6 +1,7 @@
 // qel curve
 #include "commands/Commands.h"
 
+#include <algorithm>
 #include <iostream>
 #include <memory>
 
@@ -54,6 +55,15 @@ void applySteps(NamedCurve& curve, const CurveOptions& options) {
     }
 }
 
+// Whether points were moved within the same coordinates, which a picture can show.
+bool areComparable(const Curves& before, const Curves& after) {
+    return before.front().axes == after.front().axes &&
+           !std::equal(before.begin(), before.end(), after.begin(), after.end(),
+                       [](const NamedCurve& a, const NamedCurve& b) {
+                           return a.curve.getCurve() == b.curve.getCurve();
+                       });
+}
+
 // Says or changes what the coordinates mean.
 void settleAxes(Curves& curves, const CurveOptions& options) {
     for (NamedCurve& curve : curves) {
@@ -93,7 +103,7 @@ void runCurve(const CurveOptions& options) {
         writeCurves(curves, options.output);
     }
     if (!options.image.empty()) {
-        drawCurves(before, curves, options.image);
+        drawCurves(areComparable(before, curves) ? before : Curves(), curves, options.image);
     }
     if (options.output.empty() && options.image.empty() && !options.steps.empty() &&
         !options.prints) {
@@ -151,7 +161,7 @@ void addCurveCommand(CLI::App& program) {
         "File to write: .csv, .vtp, .vtk, or text as .txt or .dat; - for CSV on standard "
         "output, where changed curves go if nothing else is asked for");
     command->add_option("--image", options->image,
-                        "Picture of the curve before and after: .svg or .png");
+                        "Picture of the curves, and of those before the operations: .svg or .png");
     addList("--curve", options->selection.curves,
             "Names or numbers from 1 on of the curves to take (default: all)");
     addList(

@@ -35,6 +35,8 @@ public:
     void addColourBar(vtkScalarsToColors* colours, const std::string& title);
     void addTitle(const std::string& text);
     void addChart(vtkChartXY* chart);
+    /// Comes before the chart.
+    void addBehindChart(vtkAbstractContextItem* item) { scene_->AddItem(item); }
 
     /// Adds axes about the bounds, and looks at them from aslant.
     void viewSpace(const vtkBoundingBox& bounds);

@@ -14,8 +14,9 @@
 namespace program {
 namespace fs = std::filesystem;
 
-/// Draws the curves in the plane of their two longest extents, both in the same scale, into a PNG
-/// or SVG file.
+/// Draws the curves, all axes in the same scale, into a PNG or SVG file: in the plane of their two
+/// longest extents or, if they are not flat, in a box seen from aslant.
+/// @param before  as they were before the operations; empty if those changed nothing
 /// @throws UserError  if they are too large to draw, or there is nothing to draw on
 void drawCurves(const Curves& before, const Curves& after, const fs::path& target);
 

@@ -71,8 +71,10 @@ std::string csvOf(const Curves& curves) {
         const std::string start = joined("\n", ++id, ",");
         const std::string end = anyNamed(curves) ? "," + quoted(nameOf(curve)) : "";
         for (std::size_t i = 0; i < points.size(); ++i) {
-            table += start + text(points[i]) + "," + shortest(curve.curve.getSvalues()[i]) +
-                     cellsOf(curve.data, static_cast<vtkIdType>(i)) + end;
+            table += start;
+            table += text(points[i]) + "," + shortest(curve.curve.getSvalues()[i]);
+            table += cellsOf(curve.data, static_cast<vtkIdType>(i));
+            table += end;
         }
     }
     return table + "\n";
