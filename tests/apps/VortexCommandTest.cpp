@@ -46,6 +46,27 @@ TEST_F(VortexCommand, WritesFieldsStatisticsAndAPicture) {
     EXPECT_EQ(files(), (std::vector<std::string>{"in.vti", "out.png", "out.vti", "stats.csv"}));
 }
 
+TEST_F(VortexCommand, GivesTheSameBitsOnAnyNumberOfThreads) {
+    writeXml("in.vti", qel_test::rotation(33, 32, 31)); // several blocks of points
+    ASSERT_EQ(qel("vortex in.vti -o expected.vti --stats expected.csv").status, 0);
+    for (const int threads : {1, 2, 4}) {
+        const auto run =
+            qel("vortex in.vti -o out.vti --stats stats.csv --threads " + std::to_string(threads));
+        ASSERT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(text("stats.csv"), text("expected.csv")) << threads;
+        EXPECT_TRUE(text("out.vti") == text("expected.vti")) << threads;
+    }
+}
+
+TEST_F(VortexCommand, RefusesNumbersOfThreadsThatCannotBe) {
+    writeXml("in.vti", qel_test::rotation(5, 5, 5));
+    for (const std::string number : {"0", "-1", "5000", "many"}) {
+        const auto run = qel("vortex in.vti --threads " + number);
+        EXPECT_EQ(run.status, 2) << number;
+        EXPECT_NE(run.err.find("--threads"), std::string::npos) << run.err;
+    }
+}
+
 TEST_F(VortexCommand, WritesOnlyTheFieldsAskedFor) {
     writeXml("in.vti", qel_test::rotation(5, 5, 5));
     const auto run = qel("vortex in.vti --fields 'q, Divergence' -o out --image p.png --stats -");

@@ -5,6 +5,8 @@
 #include <iostream>
 #include <memory>
 
+#include <vtkSMPTools.h>
+
 #include "console/Messages.h"
 #include "console/Text.h"
 #include "flows/FlowAnalysis.h"
@@ -17,6 +19,8 @@ namespace program {
 namespace {
 
 using vtkQELVortex::FieldInfo;
+
+constexpr int kMostThreads = 4096;
 
 constexpr const char* kExamples = R"(
 Examples:
@@ -34,6 +38,7 @@ struct VortexOptions {
     std::string iso;
     std::string stats;
     std::optional<double> time;
+    int threads = 0; // as many as VTK takes
     bool timing = false;
 };
 
@@ -117,6 +122,9 @@ void runVortex(const VortexOptions& options) {
     const PictureChoice choice = parsePictureChoice(options.iso);
     const Fields drawn = options.image.empty() ? Fields() : Fields{choice.field, choice.colour};
     checkOutputs(options);
+    if (options.threads > 0) {
+        vtkSMPTools::Initialize(options.threads);
+    }
 
     Stopwatch watch{options.timing};
     auto flow = readFlow(options.inputs, options.time);
@@ -166,6 +174,10 @@ void addVortexCommand(CLI::App& program) {
     command->add_option("--stats", options->stats,
                         "CSV file for the statistics; - for standard output");
     command->add_option("--time", options->time, "Time to read (default: the last)");
+    command
+        ->add_option("--threads", options->threads,
+                     "Threads to compute on (default: VTK_SMP_MAX_THREADS, or one for each core)")
+        ->check(CLI::Range(1, kMostThreads));
     command->add_flag("--timing", options->timing, "Tell how long each stage takes");
     command->footer(fieldHelp() + kExamples);
     command->callback([options] { runVortex(*options); });

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
+#include <numeric>
 #include <utility>
 
 #include <fcntl.h>
@@ -25,6 +26,7 @@
 #include <vtkPDataSetReader.h>
 #include <vtkPOpenFOAMReader.h>
 #include <vtkStreamingDemandDrivenPipeline.h>
+#include <vtkUnstructuredGrid.h>
 #include <vtkXMLGenericDataObjectReader.h>
 #include <vtkXMLUniformGridAMRReader.h>
 #include <vtk_cgns.h>
@@ -40,6 +42,7 @@
 #include "console/VtkRun.h"
 #include "flows/Leaves.h"
 #include "reading/DataCheck.h"
+#include "reading/PieceJoining.h"
 #include "reading/Plot3d.h"
 
 namespace program {
@@ -62,7 +65,9 @@ Reader xmlReader(const std::string& path) {
     bool parallel = false;
     const int type =
         vtkNew<vtkXMLGenericDataObjectReader>()->ReadOutputType(path.c_str(), parallel);
-    auto reader = vtkXMLGenericDataObjectReader::CreateReader(type, parallel);
+    auto reader = parallel && type == VTK_UNSTRUCTURED_GRID
+                      ? partitionedGridReader()
+                      : vtkXMLGenericDataObjectReader::CreateReader(type, parallel);
     refuseIf(reader == nullptr, path, ": VTK files of this type are not read");
     if (auto* levels = vtkXMLUniformGridAMRReader::SafeDownCast(reader)) {
         levels->SetMaximumLevelsToReadByDefault(0); // all
@@ -233,9 +238,34 @@ void chooseTime(vtkAlgorithm* reader, std::optional<double> time) {
     information->Set(vtkStreamingDemandDrivenPipeline::UPDATE_TIME_STEP(), *chosen);
 }
 
+// The pieces as one grid, in which gradients reach across borders.
+Data joinedPieces(vtkDataObject* data, const std::vector<vtkIdType>& pieces,
+                  const std::string& path) {
+    auto* grid = vtkUnstructuredGrid::SafeDownCast(data);
+    if (grid == nullptr || pieces.size() < 2 ||
+        std::accumulate(pieces.begin(), pieces.end(), vtkIdType{0}) != grid->GetNumberOfPoints()) {
+        return data;
+    }
+    const JoinedGrid result = joinPieces(grid, pieces);
+    note(pieces.size(), " pieces of ", path, " are joined at ", result.joinedPoints, " points by ",
+         result.byGlobalIds ? "global ids" : "equal coordinates");
+    if (result.wrongGlobalIds) {
+        warn("the global ids of points in ", path,
+             " are not used: one id stands for points at different places, or twice in a piece");
+    }
+    if (result.ambiguousPoints > 0) {
+        warn(
+            result.ambiguousPoints, " points at borders between pieces of ", path,
+            " share their place with another of the same piece and are not joined; gradients there "
+            "are one-sided (global ids of points would tell which belong together)");
+    }
+    return result.grid;
+}
+
 Data readBy(const std::function<Reader()>& make, const std::string& path,
             std::optional<double> time) {
     Data data;
+    std::vector<vtkIdType> pieces;
     whileReading(path, [&] {
         const auto reader = make();
         run(reader, "reading " + path, [&] {
@@ -248,6 +278,7 @@ Data readBy(const std::function<Reader()>& make, const std::string& path,
             refuse("reading ", path, ": ", vtkWarnings().front());
         }
         data = reader->GetOutputDataObject(0);
+        pieces = pointsOfPieces(reader);
     });
     const std::vector<Leaf> leaves = leavesOf(data);
     refuseIf(leaves.empty(), path, " has no points, or is damaged");
@@ -255,7 +286,7 @@ Data readBy(const std::function<Reader()>& make, const std::string& path,
         checkData(leaf.data, path);
     }
     // One data set is taken out of the composite around it, if there is one.
-    return leaves.size() == 1 ? Data(leaves.front().data) : data;
+    return leaves.size() == 1 ? joinedPieces(leaves.front().data, pieces, path) : data;
 }
 
 Data readBlocks(const std::vector<InputFile>& files, std::optional<double> time) {
