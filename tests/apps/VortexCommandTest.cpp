@@ -180,7 +180,8 @@ TEST_F(VortexCommand, TakesVelocitiesOfTwoComponentsInAnyPlane) {
         velocity->SetNumberOfComponents(normal == 2 ? 2 : 3);
         for (vtkIdType i = 0; i < 64; ++i) {
             const double* p = image->GetPoint(i);
-            const double u[3] = {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
+            double u[3] = {p[2] - p[1], p[0] - p[2], p[1] - p[0]};
+            u[normal] = 0.0; // a plane flow
             velocity->InsertNextTuple(u);
         }
         image->GetPointData()->AddArray(velocity);

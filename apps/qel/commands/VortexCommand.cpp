@@ -10,6 +10,7 @@
 #include "console/Messages.h"
 #include "console/Text.h"
 #include "flows/FlowAnalysis.h"
+#include "flows/SurfaceFlow.h"
 #include "pictures/Pictures.h"
 #include "reading/FlowReading.h"
 #include "writing/FlowWriting.h"
@@ -40,6 +41,7 @@ struct VortexOptions {
     std::optional<double> time;
     int threads = 0; // as many as VTK takes
     bool timing = false;
+    bool inPlane = false;
 };
 
 std::string fieldHelp() {
@@ -87,12 +89,15 @@ void checkOutputs(const VortexOptions& options) {
              " has to end in .png");
 }
 
-void writeStatistics(const FlowAnalysis& analysis, const Fields& fields,
-                     const std::string& target) {
+std::vector<Statistics> statisticsOf(const FlowAnalysis& analysis, const Fields& fields) {
     std::vector<Statistics> wanted;
     for (const vtkQELVortex::Field field : fields) {
         wanted.push_back(analysis.statistics.at(field));
     }
+    return wanted;
+}
+
+void writeStatistics(const std::vector<Statistics>& wanted, const std::string& target) {
     if (!target.empty() && target != "-") {
         writeText(target, asCsv(wanted));
     }
@@ -117,7 +122,25 @@ struct Stopwatch {
     }
 };
 
+void runInPlane(const VortexOptions& options) {
+    refuseIf(!options.image.empty() || options.fields != "all",
+             "--in-plane has two fields of its own: it does not go with --fields or --image");
+    checkOutputs(options);
+    const auto flow = readFlow(options.inputs, options.time);
+    const Velocity velocity = findVelocity(leavesOf(flow), options.velocity);
+    note("the velocity is the ", velocity.origin);
+    const InPlaneAnalysis analysis = analyseInPlane(flow, velocity);
+    if (!options.output.empty()) {
+        writeFlow(analysis.data, outputName(options.output, analysis.data));
+    }
+    writeStatistics(analysis.statistics, options.stats);
+}
+
 void runVortex(const VortexOptions& options) {
+    if (options.inPlane) {
+        runInPlane(options);
+        return;
+    }
     const Fields fields = parseFields(options.fields);
     const PictureChoice choice = parsePictureChoice(options.iso);
     const Fields drawn = options.image.empty() ? Fields() : Fields{choice.field, choice.colour};
@@ -132,6 +155,9 @@ void runVortex(const VortexOptions& options) {
     const fs::path output = options.output.empty() ? "" : outputName(options.output, flow);
     const Velocity velocity = findVelocity(leavesOf(flow), options.velocity);
     note("the velocity is the ", velocity.origin);
+    const std::string reason = reasonAgainstGradient(leavesOf(flow), velocity);
+    refuseIf(!reason.empty(), options.inputs[0], " has no whole velocity gradient: ", reason,
+             "; --in-plane gives what they do not need");
 
     Fields computed = fields;
     computed.insert(drawn.begin(), drawn.end());
@@ -145,7 +171,7 @@ void runVortex(const VortexOptions& options) {
         writeFlow(dataWith(fields, analysis, velocity.association), output);
         watch.endStage("writing");
     }
-    writeStatistics(analysis, fields, options.stats);
+    writeStatistics(statisticsOf(analysis, fields), options.stats);
     if (!options.image.empty()) {
         // Frees memory for the picture.
         analysis.data = dataWith(drawn, analysis, velocity.association);
@@ -178,6 +204,8 @@ void addVortexCommand(CLI::App& program) {
         ->add_option("--threads", options->threads,
                      "Threads to compute on (default: VTK_SMP_MAX_THREADS, or one for each core)")
         ->check(CLI::Range(1, kMostThreads));
+    command->add_flag("--in-plane", options->inPlane,
+                      "On surfaces: vorticity about the normal and divergence within the surface");
     command->add_flag("--timing", options->timing, "Tell how long each stage takes");
     command->footer(fieldHelp() + kExamples);
     command->callback([options] { runVortex(*options); });
