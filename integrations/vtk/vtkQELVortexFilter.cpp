@@ -31,10 +31,6 @@ using vtkQELVortex::GradientSlab;
 using vtkQELVortex::GradientSlabs;
 using vtkQELVortex::VortexBlock;
 
-// Below this the largest gradient has the field scaled. The thresholds act below about 1e-9; a
-// thousand times more leaves room for the weaker parts of the field.
-const double kSmallGradient = std::ldexp(1.0, -20);
-
 constexpr std::size_t kPointsNamed = 5;
 
 // Adds the time from its birth to its end to a sum.
@@ -86,8 +82,11 @@ public:
 
     void Initialize() {
         Findings& mine = findings_.Local();
-        mine.block.emplace(job_.outputs);
-        mine.block->setScaleExponent(filter_->ScaleExponent);
+        qel::GradientOptions options;
+        options.isScaled = true;
+        options.notANumber = qel::GradientOptions::NotANumber::zeroNegligible;
+        options.noiseFloor = filter_->NoiseFloor;
+        mine.block.emplace(job_.outputs, options);
     }
 
     void operator()(vtkIdType begin, vtkIdType end) {
@@ -99,20 +98,23 @@ public:
 
     void Reduce() {
         for (const Findings& each : findings_) {
-            largest = std::max(largest, each.largest);
+            belowFloor += each.belowFloor;
+            zeroedSwirls += each.zeroedSwirls;
             nonFinite.insert(nonFinite.end(), each.nonFinite.begin(), each.nonFinite.end());
         }
         std::sort(nonFinite.begin(), nonFinite.end());
     }
 
     // -- Found ----
-    double largest = 0.0;
+    std::size_t belowFloor = 0;
+    std::size_t zeroedSwirls = 0;
     std::vector<vtkIdType> nonFinite;
 
 private:
     struct Findings { // of one thread
         std::optional<VortexBlock> block;
-        double largest = 0.0;
+        std::size_t belowFloor = 0;
+        std::size_t zeroedSwirls = 0;
         std::vector<vtkIdType> nonFinite;
     };
 
@@ -120,12 +122,13 @@ private:
         const vtkIdType first = slab_.first + done;
         const vtkIdType count = std::min(VortexBlock::kPoints, slab_.count - done);
         VortexBlock& block = *mine.block;
-        block.loadGradient(slab_.gradient, slab_.offset + done, count);
+        block.loadGradient(slab_.gradient, slab_.offset + done, count, job_.hiddenFrom(first));
         if (job_.outputs[vtkQELVortex::Helicity] != nullptr) {
             block.loadVelocity(job_.velocity, first);
         }
-        block.store(first);
-        mine.largest = std::max(mine.largest, block.largest(job_.hiddenFrom(first)));
+        const qel::GradientReport report = block.store(first);
+        mine.belowFloor += report.belowFloor;
+        mine.zeroedSwirls += report.madeZero;
         markUndefined(first, mine);
     }
 
@@ -217,8 +220,8 @@ int vtkQELVortexFilter::RequestUpdateExtent(vtkInformation* request,
 int vtkQELVortexFilter::RequestData(vtkInformation*, vtkInformationVector** inputVector,
                                     vtkInformationVector* outputVector) {
     this->NumberOfHiddenTuples = this->NumberOfNonFiniteGradients = 0;
-    this->ScaleExponent = 0;
-    this->LargestGradient = this->GradientTime = this->AnalysisTime = 0.0;
+    this->NumberBelowNoiseFloor = this->NumberOfZeroedSwirls = 0;
+    this->GradientTime = this->AnalysisTime = 0.0;
 
     Job job;
     job.input = vtkDataSet::GetData(inputVector[0], 0);
@@ -288,26 +291,12 @@ void vtkQELVortexFilter::MakeOutputs(Job& job) const {
 }
 
 bool vtkQELVortexFilter::Analyse(Job& job) {
-    const auto allSlabs = [&] {
-        this->LargestGradient = 0.0;
-        this->NumberOfNonFiniteGradients = 0;
-        job.nonFinite.clear();
-        const int count = job.gradient == nullptr ? job.slabs->count() : 1;
-        for (int slab = 0; slab < count && !this->GetAbortExecute(); ++slab) {
-            if (!this->AnalyseSlab(job, slab)) {
-                return false;
-            }
-            this->UpdateProgress((slab + 1.0) / count);
+    const int count = job.gradient == nullptr ? job.slabs->count() : 1;
+    for (int slab = 0; slab < count && !this->GetAbortExecute(); ++slab) {
+        if (!this->AnalyseSlab(job, slab)) {
+            return false;
         }
-        return true;
-    };
-    if (!allSlabs()) {
-        return false;
-    }
-    // A second round is rare, and cheaper than to keep every gradient for it.
-    if (this->LargestGradient > 0.0 && this->LargestGradient < kSmallGradient) {
-        this->ScaleExponent = -std::ilogb(this->LargestGradient);
-        return allSlabs();
+        this->UpdateProgress((slab + 1.0) / count);
     }
     return true;
 }
@@ -328,7 +317,8 @@ bool vtkQELVortexFilter::AnalyseSlab(Job& job, int slab) {
     const Timer timer(this->AnalysisTime);
     BlockAnalysis analysis(this, job, part);
     vtkSMPTools::For(0, analysis.blocks(), analysis);
-    this->LargestGradient = std::max(this->LargestGradient, analysis.largest);
+    this->NumberBelowNoiseFloor += static_cast<vtkIdType>(analysis.belowFloor);
+    this->NumberOfZeroedSwirls += static_cast<vtkIdType>(analysis.zeroedSwirls);
     this->NumberOfNonFiniteGradients += static_cast<vtkIdType>(analysis.nonFinite.size());
     const std::size_t named =
         std::min(analysis.nonFinite.size(), kPointsNamed - job.nonFinite.size());
@@ -367,6 +357,7 @@ void vtkQELVortexFilter::PrintSelf(ostream& os, vtkIndent indent) {
        << indent << "UndefinedIsNaN: " << this->UndefinedIsNaN << "\n"
        << indent << "NumberOfHiddenTuples: " << this->NumberOfHiddenTuples << "\n"
        << indent << "NumberOfNonFiniteGradients: " << this->NumberOfNonFiniteGradients << "\n"
-       << indent << "ScaleExponent: " << this->ScaleExponent << "\n"
-       << indent << "LargestGradient: " << this->LargestGradient << "\n";
+       << indent << "NoiseFloor: " << this->NoiseFloor << "\n"
+       << indent << "NumberBelowNoiseFloor: " << this->NumberBelowNoiseFloor << "\n"
+       << indent << "NumberOfZeroedSwirls: " << this->NumberOfZeroedSwirls << "\n";
 }

@@ -29,9 +29,9 @@ class vtkDataArray;
 /// is replaced in the output. All fields are enabled at first.
 ///
 /// Hidden (blanked) and ghost points or cells, and those with a gradient that is not finite, get
-/// GetUndefinedValue(), or NaN where SetUndefinedIsNaN() asks for it. A field whose gradients are
-/// all below 2^-20 is analysed scaled by a power of two, since absolute thresholds of the analysis
-/// act on fourth powers of the gradient.
+/// GetUndefinedValue(), or NaN where SetUndefinedIsNaN() asks for it. Each gradient is analysed
+/// scaled by a power of two, since absolute thresholds of the analysis act on its fourth powers;
+/// where rounding alone would make the swirl strength NaN it is 0 (qel/GradientAnalysis.h).
 ///
 /// Works on each piece of a composite input. A run that is aborted leaves no array. Gradients and
 /// their analysis run on the threads of vtkSMPTools; the values do not depend on how many there
@@ -67,14 +67,20 @@ public:
     vtkGetMacro(UndefinedIsNaN, bool);
     vtkBooleanMacro(UndefinedIsNaN, bool);
 
+    /// Share of the square of the gradient's norm below which lambda2, the discriminant and the
+    /// swirl strength are set to 0, as qel::GradientOptions has it: 1e-6 takes away what rounding
+    /// makes of a shear at a wall. Off (0) at first.
+    vtkSetClampMacro(NoiseFloor, double, 0.0, 1.0);
+    vtkGetMacro(NoiseFloor, double);
+
     // -- What the last run found ----
     /// Of a composite input, the last piece's.
     vtkGetMacro(NumberOfHiddenTuples, vtkIdType);
     vtkGetMacro(NumberOfNonFiniteGradients, vtkIdType);
-    /// The gradient was scaled by two to this power.
-    vtkGetMacro(ScaleExponent, int);
-    /// Largest magnitude of a gradient component at points that are neither hidden nor ghosts.
-    vtkGetMacro(LargestGradient, double);
+    /// Points or cells at which the noise floor set something to 0.
+    vtkGetMacro(NumberBelowNoiseFloor, vtkIdType);
+    /// Those at which a swirl strength that rounding made NaN became 0.
+    vtkGetMacro(NumberOfZeroedSwirls, vtkIdType);
     /// Seconds of the last run that went into gradients and into the analysis of them.
     vtkGetMacro(GradientTime, double);
     vtkGetMacro(AnalysisTime, double);
@@ -103,11 +109,12 @@ private:
     std::string GradientArrayName;
     vtkIdType SlabSize = 1000000;
     bool UndefinedIsNaN = false;
+    double NoiseFloor = 0.0;
 
     vtkIdType NumberOfHiddenTuples = 0;
     vtkIdType NumberOfNonFiniteGradients = 0;
-    int ScaleExponent = 0;
-    double LargestGradient = 0.0;
+    vtkIdType NumberBelowNoiseFloor = 0;
+    vtkIdType NumberOfZeroedSwirls = 0;
     double GradientTime = 0.0;
     double AnalysisTime = 0.0;
 };

@@ -194,6 +194,28 @@ TEST_F(VortexCommand, TakesVelocitiesOfTwoComponentsInAnyPlane) {
     }
 }
 
+// A shear has no vortex; the rounding of its velocities makes some.
+TEST_F(VortexCommand, TakesVorticesOfRoundingAwayAndCountsThem) {
+    auto image = qel_test::rotation(9, 9, 9);
+    vtkDataArray* velocity = image->GetPointData()->GetArray("velocity");
+    for (vtkIdType i = 0; i < image->GetNumberOfPoints(); ++i) {
+        const double noise = 1e-6 * static_cast<double>(i * 7919 % 101 - 50) / 50.0;
+        velocity->SetTuple3(i, 10.0 * image->GetPoint(i)[1], noise, -noise);
+    }
+    writeXml("in.vti", image);
+    const auto with = qel("vortex in.vti --fields lambda2,swirl --stats with.csv");
+    ASSERT_EQ(with.status, 0) << with.err;
+    EXPECT_NE(with.out.find("set to 0 below the noise floor of 1e-06: "), std::string::npos)
+        << with.out;
+    EXPECT_EQ(statistics(text("with.csv")).at("Lambda2").minimum, 0.0);
+    EXPECT_EQ(statistics(text("with.csv")).at("SwirlStrength").maximum, 0.0);
+    const auto without = qel("vortex in.vti --fields lambda2,swirl --noise-floor 0 --stats -");
+    EXPECT_LT(statistics(without.out).at("Lambda2").minimum, 0.0);
+    EXPECT_GT(statistics(without.out).at("SwirlStrength").maximum, 0.0);
+    EXPECT_EQ(without.err.find("noise floor"), std::string::npos);
+    EXPECT_NE(qel("vortex in.vti --noise-floor 2").status, 0);
+}
+
 TEST_F(VortexCommand, NamesPointsWhoseGradientIsNotFinite) {
     auto image = qel_test::rotation(5, 5, 5);
     image->GetPointData()->GetArray("velocity")->SetComponent(62, 1, std::nan(""));

@@ -288,7 +288,7 @@ TEST(VortexFilter, GivesTheSameBitsOnAnyNumberOfThreads) {
         SCOPED_TRACE(threads);
         const auto shared = run(threads);
         expectSameFields(alone->GetOutput(), shared->GetOutput(), kPoints);
-        EXPECT_EQ(alone->GetLargestGradient(), shared->GetLargestGradient());
+        EXPECT_EQ(alone->GetNumberOfZeroedSwirls(), shared->GetNumberOfZeroedSwirls());
         EXPECT_EQ(alone->GetNumberOfNonFiniteGradients(), shared->GetNumberOfNonFiniteGradients());
     }
     vtkObject::GlobalWarningDisplayOn();
@@ -317,29 +317,34 @@ TEST(VortexFilter, NamesTheFirstPointsThatAreNotFiniteOnAnyNumberOfThreads) {
 
 // -- Scale ----
 
-// Thresholds on fourth powers of the gradient would make all of this zero.
-TEST(VortexFilter, TinyGradientsAreAnalysedScaled) {
+void scaleGradients(vtkDataSet* data, int exponent, vtkIdType step) {
+    vtkDataArray* gradient = data->GetPointData()->GetArray("gradient");
+    for (vtkIdType i = 0; i < gradient->GetNumberOfTuples(); i += step) {
+        for (int c = 0; c < 9; ++c) {
+            gradient->SetComponent(i, c, std::ldexp(gradient->GetComponent(i, c), exponent));
+        }
+    }
+}
+
+vtkSmartPointer<vtkQELVortexFilter> analysed(vtkImageData* image) {
+    auto filter = filterOn(image);
+    filter->SetGradientArrayName("gradient");
+    filter->Update();
+    return filter;
+}
+
+// Thresholds on fourth powers of the gradient would make all of this zero. Every second point is
+// tiny: each is scaled by itself, whatever the others are.
+TEST(VortexFilter, TinyGradientsAreAnalysedScaledPointByPoint) {
     Image image = makeImage(6, 6, 6);
     addRandomArray<vtkDoubleArray>(image, kPoints, "gradient", 9, 1.0);
     addRandomArray<vtkDoubleArray>(image, kPoints, "u", 3);
-    auto reference = filterOn(image);
-    reference->SetGradientArrayName("gradient");
-    reference->Update();
-    EXPECT_EQ(reference->GetScaleExponent(), 0);
-
+    const auto reference = analysed(image);
     constexpr int kExponent = -35;
     Image tiny = makeImage(6, 6, 6);
     tiny->DeepCopy(image);
-    vtkDataArray* gradient = tiny->GetPointData()->GetArray("gradient");
-    for (vtkIdType i = 0; i < gradient->GetNumberOfTuples(); ++i) {
-        for (int c = 0; c < 9; ++c) {
-            gradient->SetComponent(i, c, std::ldexp(gradient->GetComponent(i, c), kExponent));
-        }
-    }
-    auto filter = filterOn(tiny);
-    filter->SetGradientArrayName("gradient");
-    filter->Update();
-    EXPECT_EQ(filter->GetScaleExponent(), 36); // the largest is just below one
+    scaleGradients(tiny, kExponent, 2);
+    const auto filter = analysed(tiny);
     for (const FieldInfo& info : vtkQELVortex::fields()) {
         if (info.field == vtkQELVortex::Discriminant) {
             continue; // its sixth power is below the smallest float
@@ -347,10 +352,63 @@ TEST(VortexFilter, TinyGradientsAreAnalysedScaled) {
         vtkFloatArray* expected = field(reference->GetOutput(), info.array);
         vtkFloatArray* actual = field(filter->GetOutput(), info.array);
         for (vtkIdType i = 0; i < expected->GetNumberOfValues(); ++i) {
-            const double value = std::ldexp(double{expected->GetValue(i)}, kExponent * info.degree);
+            const bool isTiny = i / info.components % 2 == 0;
+            const double value =
+                std::ldexp(double{expected->GetValue(i)}, isTiny ? kExponent * info.degree : 0);
             EXPECT_NEAR(actual->GetValue(i), value, 1e-6 * std::abs(value)) << info.array << i;
         }
     }
+}
+
+TEST(VortexFilter, ADiscriminantBeyondFloatIsInfiniteAndOtherFieldsStand) {
+    Image image = makeImage(6, 6, 6);
+    addRandomArray<vtkFloatArray>(image, kPoints, "gradient", 9, 1.0);
+    addRandomArray<vtkFloatArray>(image, kPoints, "u", 3);
+    const auto reference = analysed(image);
+    scaleGradients(image, 30, 1);
+    const auto filter = analysed(image);
+    for (vtkIdType i = 0; i < image->GetNumberOfPoints(); ++i) {
+        const float expected = field(reference->GetOutput(), "Discriminant")->GetValue(i);
+        const float discriminant = field(filter->GetOutput(), "Discriminant")->GetValue(i);
+        EXPECT_FALSE(std::isnan(discriminant));
+        EXPECT_EQ(discriminant > 0.0F, expected > 0.0F);
+        EXPECT_EQ(field(filter->GetOutput(), "Lambda2")->GetValue(i),
+                  std::ldexp(field(reference->GetOutput(), "Lambda2")->GetValue(i), 60));
+    }
+}
+
+// -- Noise floor ----
+
+// A shear along a wall has no vortex: its eigenvalues are all 0. Rounding moves the elements that
+// are 0 in exact arithmetic by a little.
+TEST(VortexFilter, TheNoiseFloorLeavesNoVortexInAShear) {
+    Image image = makeImage(20, 20, 20);
+    addRandomArray<vtkFloatArray>(image, kPoints, "gradient", 9, 1e-5);
+    addRandomArray<vtkFloatArray>(image, kPoints, "u", 3);
+    vtkDataArray* gradient = image->GetPointData()->GetArray("gradient");
+    for (vtkIdType i = 0; i < gradient->GetNumberOfTuples(); ++i) {
+        gradient->SetComponent(i, 1, 100.0 + static_cast<double>(i));
+    }
+    const auto vorticesIn = [&](vtkQELVortexFilter* filter) {
+        vtkFloatArray* swirl = field(filter->GetOutput(), "SwirlStrength");
+        vtkFloatArray* lambda2 = field(filter->GetOutput(), "Lambda2");
+        vtkIdType count = 0;
+        for (vtkIdType i = 0; i < swirl->GetNumberOfTuples(); ++i) {
+            EXPECT_FALSE(std::isnan(swirl->GetValue(i)));
+            count += swirl->GetValue(i) > 0.0F || lambda2->GetValue(i) < 0.0F;
+        }
+        return count;
+    };
+    const auto without = analysed(image);
+    EXPECT_GT(vorticesIn(without), image->GetNumberOfPoints() / 4);
+    EXPECT_EQ(without->GetNumberBelowNoiseFloor(), 0);
+    auto with = filterOn(image);
+    with->SetGradientArrayName("gradient");
+    with->SetNoiseFloor(1e-6);
+    with->Update();
+    EXPECT_EQ(vorticesIn(with), 0);
+    EXPECT_GT(with->GetNumberBelowNoiseFloor(), image->GetNumberOfPoints() / 4);
+    EXPECT_LE(with->GetNumberBelowNoiseFloor(), image->GetNumberOfPoints());
 }
 
 // -- Pipeline ----

@@ -39,7 +39,8 @@ struct VortexOptions {
     std::string iso;
     std::string stats;
     std::optional<double> time;
-    int threads = 0; // as many as VTK takes
+    int threads = 0;          // as many as VTK takes
+    double noiseFloor = 1e-6; // what rounding of floats makes of a shear
     bool timing = false;
     bool inPlane = false;
 };
@@ -122,6 +123,23 @@ struct Stopwatch {
     }
 };
 
+// The last lines of the table; beside one for programs, messages.
+void showNegligible(const FlowAnalysis& analysis, const VortexOptions& options) {
+    const auto show = [&](long long points, const std::string& text) {
+        if (points == 0) {
+            return;
+        }
+        if (options.stats == "-") {
+            note(text, ": ", points, " points");
+        } else {
+            std::cout << text << ": " << points << " points\n" << std::flush;
+        }
+    };
+    show(analysis.belowNoiseFloor,
+         joined("set to 0 below the noise floor of ", shortest(options.noiseFloor)));
+    show(analysis.zeroedSwirls, "swirl of rounding alone, set to 0");
+}
+
 void runInPlane(const VortexOptions& options) {
     refuseIf(!options.image.empty() || options.fields != "all",
              "--in-plane has two fields of its own: it does not go with --fields or --image");
@@ -161,7 +179,7 @@ void runVortex(const VortexOptions& options) {
 
     Fields computed = fields;
     computed.insert(drawn.begin(), drawn.end());
-    FlowAnalysis analysis = analyse(flow, velocity, computed);
+    FlowAnalysis analysis = analyse(flow, velocity, computed, options.noiseFloor);
     flow = nullptr;
     watch.show("gradient", analysis.gradientTime);
     watch.show("analysis", analysis.analysisTime);
@@ -172,6 +190,7 @@ void runVortex(const VortexOptions& options) {
         watch.endStage("writing");
     }
     writeStatistics(statisticsOf(analysis, fields), options.stats);
+    showNegligible(analysis, options);
     if (!options.image.empty()) {
         // Frees memory for the picture.
         analysis.data = dataWith(drawn, analysis, velocity.association);
@@ -204,6 +223,13 @@ void addVortexCommand(CLI::App& program) {
         ->add_option("--threads", options->threads,
                      "Threads to compute on (default: VTK_SMP_MAX_THREADS, or one for each core)")
         ->check(CLI::Range(1, kMostThreads));
+    command
+        ->add_option(
+            "--noise-floor", options->noiseFloor,
+            "Share of the squared norm of the gradient below which lambda2, discriminant and "
+            "swirl are 0; 0 for none")
+        ->check(CLI::Range(0.0, 1.0))
+        ->capture_default_str();
     command->add_flag("--in-plane", options->inPlane,
                       "On surfaces: vorticity about the normal and divergence within the surface");
     command->add_flag("--timing", options->timing, "Tell how long each stage takes");

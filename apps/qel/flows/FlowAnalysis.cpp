@@ -36,10 +36,6 @@ void report(vtkQELVortexFilter* filter, const std::string& of) {
     if (filter->GetNumberOfHiddenTuples() > 0) {
         note(filter->GetNumberOfHiddenTuples(), " hidden or ghost points", of, " are undefined");
     }
-    if (filter->GetScaleExponent() != 0) {
-        note("gradients", of, " are tiny and were scaled by 2^", filter->GetScaleExponent(),
-             " for the analysis");
-    }
 }
 
 // Adds the fields to one data set, and what was found to the result.
@@ -66,6 +62,8 @@ vtkSmartPointer<vtkDataSet> analyseLeaf(const Leaf& leaf, vtkDataArray* velocity
         statistics.add(
             output->GetAttributes(association)->GetArray(vtkQELVortex::info(field).array));
     }
+    result.belowNoiseFloor += filter->GetNumberBelowNoiseFloor();
+    result.zeroedSwirls += filter->GetNumberOfZeroedSwirls();
     result.gradientTime += filter->GetGradientTime();
     result.analysisTime += filter->GetAnalysisTime();
     return output;
@@ -73,10 +71,12 @@ vtkSmartPointer<vtkDataSet> analyseLeaf(const Leaf& leaf, vtkDataArray* velocity
 
 } // namespace
 
-FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const Fields& fields) {
+FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const Fields& fields,
+                     double noiseFloor) {
     FlowAnalysis result;
     vtkNew<vtkQELVortexFilter> filter;
     filter->DisableAllFields();
+    filter->SetNoiseFloor(noiseFloor);
     for (const Field field : fields) {
         const FieldInfo& info = vtkQELVortex::info(field);
         filter->SetFieldEnabled(field, true);

@@ -40,14 +40,18 @@ using Fields = std::set<vtkQELVortex::Field>;
 struct FlowAnalysis {
     vtkSmartPointer<vtkDataObject> data; ///< the input with the fields added
     std::map<vtkQELVortex::Field, Statistics> statistics;
-    double gradientTime = 0.0; ///< seconds
-    double analysisTime = 0.0; ///< seconds
+    long long belowNoiseFloor = 0; ///< points at which the floor set something to 0
+    long long zeroedSwirls = 0;    ///< points whose swirl was NaN by rounding, and is 0
+    double gradientTime = 0.0;     ///< seconds
+    double analysisTime = 0.0;     ///< seconds
 };
 
 /// Adds fields to each data set that has the velocity. Data sets of fewer dimensions than others,
 /// such as the walls beside a volume, and those without velocity stay as they are.
+/// @param noiseFloor  as qel::GradientOptions has it
 /// @throws UserError  if no data set can be analysed
-FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const Fields& fields);
+FlowAnalysis analyse(vtkDataObject* flow, const Velocity& velocity, const Fields& fields,
+                     double noiseFloor);
 
 /// The data with no more than some of the fields that were added.
 vtkSmartPointer<vtkDataObject> dataWith(const Fields& wanted, const FlowAnalysis& analysis,
