@@ -46,6 +46,10 @@ void checkTable(const program::TextTable& table) {
         require(row.size() == columns, "rows have the same number of columns");
     }
     require(table.header.empty() || table.header.size() == columns, "every column has a name");
+    require(table.texts.size() == columns, "every column is one of numbers or of words");
+    for (const auto& words : table.texts) {
+        require(words.empty() || words.size() == table.rows.size(), "words stand in every row");
+    }
 }
 
 } // namespace
@@ -54,8 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const ScratchFile file;
     file.write(data, size);
     try {
-        program::recognise(file.path());
-        const auto tables = program::readTables(file.path());
+        const auto tables = program::readTables(program::recognise(file.path()));
         require(!tables.empty(), "a file that is read has tables");
         for (const program::TextTable& table : tables) {
             checkTable(table);
